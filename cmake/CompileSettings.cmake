@@ -1,0 +1,26 @@
+option(VONETWORK_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+
+# The settings that every C++ target of this project shares.
+function(vonetwork_compile_settings target)
+    set_target_properties(${target} PROPERTIES
+        CXX_STANDARD 17
+        CXX_STANDARD_REQUIRED ON
+        CXX_EXTENSIONS OFF)
+    if(MSVC)
+        # Sources are UTF-8; without /utf-8 the compiler reads them in the machine's code page.
+        target_compile_options(${target} PRIVATE /W4 /utf-8)
+    else()
+        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+    endif()
+    if(VONETWORK_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE $<IF:$<CXX_COMPILER_ID:MSVC>,/WX,-Werror>)
+    endif()
+endfunction()
+
+# The same for a target that uses Qt: no keywords, no silent conversions between bytes and text.
+function(vonetwork_qt_settings target)
+    vonetwork_compile_settings(${target})
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
+endfunction()

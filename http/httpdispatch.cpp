@@ -1,0 +1,149 @@
+#include "http/httpdispatch.h"
+
+#include "http/httpclient.h"
+#include "http/httpdump.h"
+#include "http/httprequest.h"
+#include "http/httpresponse.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QFileInfo>
+#include <QHttpMultiPart>
+#include <QNetworkReply>
+
+#include <memory>
+
+namespace {
+
+void setMultiPartContentType(HttpRequestFields &fields, const QHttpMultiPart *multiPart)
+{
+    // Qt leaves a content type alone that is set already, so this one goes out.
+    fields.networkRequest.setHeader(QNetworkRequest::ContentTypeHeader,
+                                    QStringLiteral("multipart/form-data;boundary=%1")
+                                        .arg(QString::fromLatin1(multiPart->boundary())));
+}
+
+QNetworkReply *sendBytes(const HttpRequestFields &fields, const QByteArray &verb)
+{
+    return fields.client->sendCustomRequest(fields.networkRequest, verb, fields.body.toByteArray());
+}
+
+/// The reply owns @p multiPart from here on; without a reply the caller still does.
+QNetworkReply *sendMultiPart(HttpRequestFields &fields, const QByteArray &verb,
+                             QHttpMultiPart *multiPart)
+{
+    setMultiPartContentType(fields, multiPart);
+    QNetworkReply *reply = fields.client->sendCustomRequest(fields.networkRequest, verb, multiPart);
+    if (reply)
+        multiPart->setParent(reply);
+    return reply;
+}
+
+/// Sends a form that the dispatcher built and that nobody else will delete.
+QNetworkReply *sendForm(HttpRequestFields &fields, const QByteArray &verb,
+                        std::unique_ptr<QHttpMultiPart> form)
+{
+    QNetworkReply *reply = sendMultiPart(fields, verb, form.get());
+    if (reply)
+        form.release(); // the reply's child now
+    return reply;
+}
+
+QHttpPart formPart(const QString &disposition)
+{
+    QHttpPart part;
+    part.setHeader(QNetworkRequest::ContentDispositionHeader, disposition);
+    return part;
+}
+
+std::unique_ptr<QHttpMultiPart> fileForm(const QMap<QString, QString> &nameToPath)
+{
+    auto form = std::make_unique<QHttpMultiPart>(QHttpMultiPart::FormDataType);
+    for (auto it = nameToPath.cbegin(); it != nameToPath.cend(); ++it) {
+        auto *file = new QFile(it.value(), form.get());
+        file->open(QIODevice::ReadOnly); // unreadable: Qt meets a closed device and sends nothing
+        QHttpPart part = formPart(QStringLiteral(R"(form-data; name="%1";filename="%2")")
+                                      .arg(it.key(), QFileInfo(it.value()).fileName()));
+        part.setBodyDevice(file);
+        form->append(part);
+    }
+    return form;
+}
+
+std::unique_ptr<QHttpMultiPart> textForm(const QVariantMap &nameToValue)
+{
+    auto form = std::make_unique<QHttpMultiPart>(QHttpMultiPart::FormDataType);
+    for (auto it = nameToValue.cbegin(); it != nameToValue.cend(); ++it) {
+        QHttpPart part = formPart(QStringLiteral(R"(form-data; name="%1")").arg(it.key()));
+        part.setBody(it.value().toString().toUtf8());
+        form->append(part);
+    }
+    return form;
+}
+
+/// Null when there is nothing to send with or nothing to send: Qt itself would crash on either.
+QNetworkReply *sendBody(HttpRequestFields &fields, const QByteArray &verb)
+{
+    if (!fields.client)
+        return nullptr;
+    switch (fields.bodyType) {
+    case BodyType::MultiPart: {
+        auto *multiPart = qobject_cast<QHttpMultiPart *>(fields.body.value<QObject *>());
+        return multiPart ? sendMultiPart(fields, verb, multiPart) : nullptr;
+    }
+    case BodyType::FileMap:
+        return sendForm(fields, verb, fileForm(fields.body.value<QMap<QString, QString>>()));
+    case BodyType::FormData:
+        return sendForm(fields, verb, textForm(fields.body.toMap()));
+    case BodyType::None:
+    case BodyType::Raw:
+    case BodyType::RawJson:
+    case BodyType::x_www_form_urlencoded:
+        break;
+    }
+    return sendBytes(fields, verb);
+}
+
+void applyReplyOptions(const HttpRequestFields &fields)
+{
+    if (!fields.ignoredSslErrors.isEmpty())
+        fields.reply->ignoreSslErrors(fields.ignoredSslErrors);
+    if (fields.readBufferSize >= 0)
+        fields.reply->setReadBufferSize(fields.readBufferSize);
+}
+
+void complain(const HttpRequestFields &fields, const QString &message)
+{
+    if (fields.logLevel >= 2)
+        qCritical().noquote() << message;
+}
+
+} // namespace
+
+HttpResponse *HttpDispatch::dispatch(const HttpRequest &request, HttpResponse *response)
+{
+    HttpRequest sent(request);
+    HttpRequestFields &fields = sent.fields;
+
+    const QByteArray verb = httpVerb(fields.method);
+    if (verb.isEmpty()) {
+        complain(fields, QStringLiteral("Url: [%1]; Method: [%2] not support!")
+                             .arg(fields.networkRequest.url().toString(), QString()));
+        return nullptr;
+    }
+
+    fields.reply = sendBody(fields, verb);
+    if (!fields.reply) {
+        complain(fields, QStringLiteral("Http reply invalid"));
+        return nullptr;
+    }
+    applyReplyOptions(fields);
+    if (fields.logLevel >= 4)
+        qDebug().noquote() << HttpDump::request(fields);
+
+    if (!response)
+        return new HttpResponse(sent, fields.reply); // the reply's child
+    response->setParent(fields.reply);
+    response->setRequest(sent);
+    return response;
+}

@@ -1,0 +1,411 @@
+#pragma once
+
+#include "http/httpcallbackforms.h"
+#include "http/httptypes.h"
+
+#include <QAuthenticator>
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+#include <QNetworkRequest>
+#include <QPair>
+#include <QSslError>
+#include <QString>
+#include <QVariant>
+
+class HttpClient;
+class HttpResponse;
+class QHttpMultiPart;
+class QJsonObject;
+class QNetworkReply;
+
+/// What a request consists of, as plain data. Copies share the Qt values implicitly and the
+/// pointers plainly.
+struct HttpRequestFields
+{
+    /// (key, target) pairs in binding order.
+    using Callbacks = QList<QPair<QString, QVariant>>;
+
+    HttpMethod method = HttpMethod::Unknown;
+    HttpClient *client = nullptr;   ///< Sends the request; not owned.
+    QNetworkReply *reply = nullptr; ///< Set in the copy that was sent; not owned.
+    QNetworkRequest networkRequest; ///< Address and headers.
+    BodyType bodyType = BodyType::None;
+    QVariant body = QByteArray();      ///< What @c bodyType says.
+    qint32 timeoutMs = -1;             ///< Milliseconds; carried, not yet acted on.
+    bool block = false;                ///< Carried, not yet acted on.
+    qint32 retryCount = 0;             ///< How often a failed request is sent again.
+    bool isRetry = false;              ///< Set in the copy that a retry sends.
+    qint32 repeatCount = 1;            ///< How often the request is performed in all.
+    QAuthenticator authenticator;      ///< Credentials; null: the receivers are asked.
+    qint32 maxAuthenticationTimes = 1; ///< Answers to authentication; negative: no limit.
+    qint64 readBufferSize = -1;        ///< Bytes; negative: Qt's own.
+    QList<QSslError> ignoredSslErrors; ///< The TLS errors to expect.
+    bool isDownload = false;           ///< Into a file; send() refuses it for now.
+    QString downloadFilePath;
+    bool enableResume = true;
+    bool supportsResume = false;
+    qint64 downloadedBytes = 0;     ///< Bytes written to the file.
+    qint64 totalBytes = 0;          ///< Bytes announced.
+    QMap<int, Callbacks> callbacks; ///< By CallbackKind.
+    QVariantMap extraMap1;          ///< The caller's; copied with the request, never read.
+    QVariantMap extraMap2;          ///< The caller's; copied with the request, never read.
+    qint32 logLevel = 3;            ///< 2: critical, 3: bad bindings, 4: dumps, 5: network errors.
+};
+
+/// Describes one HTTP request; send() performs it. A value: copies are independent of each other,
+/// except that the pointers in them (client, multi-part body, receivers) are shared and not owned.
+///
+/// Callbacks are bound before send(); bound later they reach the next send() only. The typed
+/// conveniences (onFinished() and so on) take one of
+///  - a callable, whose own parameters pick the form: onFinished([](QByteArray body) { ... });
+///  - a receiver with a pointer to member, called for as long as the receiver lives;
+///  - a receiver with a slot text: onFinished(this, SLOT(onBody(QByteArray))).
+///
+/// Callables and members are called directly, on the client's thread; a slot text connects with
+/// the automatic type, so a receiver in another thread is called there. A slot text attaches to
+/// every form whose arguments begin with its own: SLOT(done()) under Finished attaches to all
+/// five, is called five times, and owns the reply; a callable without parameters is called once.
+/// Receivers must live until send() returns; after that they may go at any time.
+class HttpRequest
+{
+public:
+    HttpRequest(HttpMethod method, HttpClient *client);
+    HttpRequest(const HttpRequest &) = default;
+    HttpRequest(HttpRequest &&) = default;
+    HttpRequest &operator=(const HttpRequest &) = default;
+    HttpRequest &operator=(HttpRequest &&) = default;
+    virtual ~HttpRequest();
+
+    /// Sets the address, parsed in tolerant mode.
+    HttpRequest &url(const QString &address);
+
+    /// Sets one raw header per entry, in key order; a later value replaces an earlier one. Names
+    /// and values are sent in UTF-8 up to their first NUL.
+    HttpRequest &headers(const QVariantMap &map);
+
+    /// An indented JSON document, with Content-Type "application/json".
+    HttpRequest &jsonBody(const QJsonObject &object);
+
+    /// Bytes as they are. The content type is the caller's to set.
+    HttpRequest &rawBody(const QByteArray &bytes);
+
+    /// Bytes that are form-encoded already, with Content-Type "application/x-www-form-urlencoded".
+    HttpRequest &formUrlEncodedBody(const QByteArray &encoded);
+
+    /// One name=value pair per entry in key order, each percent-encoded, with Content-Type
+    /// "application/x-www-form-urlencoded".
+    HttpRequest &formUrlEncodedBody(const QVariantMap &nameToValue);
+
+    /// A multi-part form with one file per entry. A file that cannot be opened is sent empty.
+    HttpRequest &fileMapBody(const QMap<QString, QString> &nameToPath);
+
+    /// A multi-part form with one text per entry.
+    HttpRequest &formDataBody(const QVariantMap &nameToValue);
+
+    /// A multi-part object of the caller's, which the reply owns once the request is sent. Its
+    /// devices are read once: what a retry or a repeat sends of it is empty.
+    HttpRequest &multiPartBody(QHttpMultiPart *multiPart);
+
+    /// Milliseconds; carried with the request, not yet acted on.
+    HttpRequest &timeout(int ms);
+
+    /// Whether send() waits for the reply; carried with the request, not yet acted on.
+    HttpRequest &block(bool block);
+
+    /// How often a request that failed is sent again before its failure is reported.
+    HttpRequest &retry(int count);
+
+    /// How often the request is performed in all.
+    HttpRequest &repeat(int count);
+
+    /// Credentials that are given to a server which asks for them.
+    HttpRequest &authenticator(const QAuthenticator &authenticator);
+
+    /// How many times the server is given credentials; negative: no limit.
+    HttpRequest &maxAuthenticationTimes(int count);
+
+    /// Bytes that the reply buffers before it stops reading; negative: Qt's own choice.
+    HttpRequest &readBufferSize(qint64 bytes);
+
+    /// The TLS errors that are expected and so do not end the exchange.
+    HttpRequest &ignoreSslErrors(const QList<QSslError> &errors);
+
+    /// Marks the request as a download into @p filePath. Carried with the request; send() refuses
+    /// such a request for now.
+    HttpRequest &download(const QString &filePath);
+
+    /// Whether a download continues a partial file; carried with the request.
+    HttpRequest &enableResume(bool enable);
+
+    /// What is logged: 2 and above critical messages, 3 bad callback bindings, 4 request and
+    /// response dumps, 5 network errors. Dumps hold the headers and bodies, credentials included.
+    HttpRequest &logLevel(int level);
+
+    /// Appends a callback: a slot text ("1name(arguments)", as SLOT() makes it) with its receiver
+    /// as a QObject pointer, or the registered name of a std::function type with the function.
+    /// An entry that fits no signal of its kind is reported when the request is sent.
+    HttpRequest &bind(CallbackKind kind, const QString &key, const QVariant &target);
+
+    /// The exchange succeeded. Forms: (), (QByteArray), (QVariantMap), (QNetworkReply *) or
+    /// (QString). The body as bytes, as the map of a JSON object, or as UTF-8 text. Whoever takes
+    /// the reply owns it and deletes it later.
+    template <typename... Target>
+    HttpRequest &onFinished(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Finished, Target...>::value,
+                      "onFinished takes a callable or a receiver's member with the parameters "
+                      "(), (QByteArray), (QVariantMap), (QNetworkReply *) or (QString), or a "
+                      "receiver with a slot text");
+        return bindTarget<CallbackKind::Finished>(std::forward<Target>(target)...);
+    }
+
+    /// The exchange failed for good. Forms: (), (QByteArray), (QNetworkReply *) or
+    /// (QNetworkReply::NetworkError). The error's text in the local 8-bit encoding, its code, or
+    /// the reply; whoever takes the reply owns it and deletes it later.
+    template <typename... Target>
+    HttpRequest &onError(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Error, Target...>::value,
+                      "onError takes a callable or a receiver's member with the parameters "
+                      "(), (QByteArray), (QNetworkReply *) or (QNetworkReply::NetworkError), or a "
+                      "receiver with a slot text");
+        return bindTarget<CallbackKind::Error>(std::forward<Target>(target)...);
+    }
+
+    /// Accepted for completeness; no response emits it. Use onDownloadFileProgress(). Forms:
+    /// (qint64, qint64). Bytes received and in all.
+    template <typename... Target>
+    HttpRequest &onDownloadProgress(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::DownloadProgress, Target...>::value,
+            "onDownloadProgress takes a callable or a receiver's member with the parameters "
+            "(qint64, qint64), or a receiver with a slot text");
+        return bindTarget<CallbackKind::DownloadProgress>(std::forward<Target>(target)...);
+    }
+
+    /// Part of the body was sent. Forms: (qint64, qint64). Bytes sent and in all (-1: unknown).
+    template <typename... Target>
+    HttpRequest &onUploadProgress(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::UploadProgress, Target...>::value,
+            "onUploadProgress takes a callable or a receiver's member with the parameters "
+            "(qint64, qint64), or a receiver with a slot text");
+        return bindTarget<CallbackKind::UploadProgress>(std::forward<Target>(target)...);
+    }
+
+    /// The time-out expired and the exchange was aborted. Forms: (QNetworkReply *) or (). Whoever
+    /// takes the reply owns it and deletes it later.
+    template <typename... Target>
+    HttpRequest &onTimeout(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Timeout, Target...>::value,
+                      "onTimeout takes a callable or a receiver's member with the parameters "
+                      "(QNetworkReply *) or (), or a receiver with a slot text");
+        return bindTarget<CallbackKind::Timeout>(std::forward<Target>(target)...);
+    }
+
+    /// Part of the body arrived. Forms: (QNetworkReply *). The reply stays the toolkit's.
+    template <typename... Target>
+    HttpRequest &onReadyRead(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::ReadyRead, Target...>::value,
+                      "onReadyRead takes a callable or a receiver's member with the parameters "
+                      "(QNetworkReply *), or a receiver with a slot text");
+        return bindTarget<CallbackKind::ReadyRead>(std::forward<Target>(target)...);
+    }
+
+    /// The file of a download is complete. Forms: () or (QString). The file's name.
+    template <typename... Target>
+    HttpRequest &onDownloadFileFinished(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::DownloadFileFinished, Target...>::value,
+            "onDownloadFileFinished takes a callable or a receiver's member with the parameters "
+            "() or (QString), or a receiver with a slot text");
+        return bindTarget<CallbackKind::DownloadFileFinished>(std::forward<Target>(target)...);
+    }
+
+    /// A download failed or its file cannot be written. Forms: () or (QString). What went wrong,
+    /// with address and file.
+    template <typename... Target>
+    HttpRequest &onDownloadFileError(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::DownloadFileError, Target...>::value,
+            "onDownloadFileError takes a callable or a receiver's member with the parameters "
+            "() or (QString), or a receiver with a slot text");
+        return bindTarget<CallbackKind::DownloadFileError>(std::forward<Target>(target)...);
+    }
+
+    /// The TLS handshake is complete. Forms: ().
+    template <typename... Target>
+    HttpRequest &onEncrypted(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Encrypted, Target...>::value,
+                      "onEncrypted takes a callable or a receiver's member with the parameters "
+                      "(), or a receiver with a slot text");
+        return bindTarget<CallbackKind::Encrypted>(std::forward<Target>(target)...);
+    }
+
+    /// Headers of the reply became known. Forms: ().
+    template <typename... Target>
+    HttpRequest &onMetaDataChanged(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::MetaDataChanged, Target...>::value,
+            "onMetaDataChanged takes a callable or a receiver's member with the parameters "
+            "(), or a receiver with a slot text");
+        return bindTarget<CallbackKind::MetaDataChanged>(std::forward<Target>(target)...);
+    }
+
+    /// The TLS server asks for a pre-shared key. Forms: (QSslPreSharedKeyAuthenticator *). To be
+    /// filled in before the callback returns.
+    template <typename... Target>
+    HttpRequest &onPreSharedKeyAuthenticationRequired(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::PreSharedKeyAuthenticationRequired,
+                                              Target...>::value,
+                      "onPreSharedKeyAuthenticationRequired takes a callable or a receiver's "
+                      "member with the parameters "
+                      "(QSslPreSharedKeyAuthenticator *), or a receiver with a slot text");
+        return bindTarget<CallbackKind::PreSharedKeyAuthenticationRequired>(
+            std::forward<Target>(target)...);
+    }
+
+    /// A redirect that the caller verifies was allowed. Forms: ().
+    template <typename... Target>
+    HttpRequest &onRedirectAllowed(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::RedirectAllowed, Target...>::value,
+            "onRedirectAllowed takes a callable or a receiver's member with the parameters "
+            "(), or a receiver with a slot text");
+        return bindTarget<CallbackKind::RedirectAllowed>(std::forward<Target>(target)...);
+    }
+
+    /// The server redirects. Forms: (QUrl). The new address.
+    template <typename... Target>
+    HttpRequest &onRedirected(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Redirected, Target...>::value,
+                      "onRedirected takes a callable or a receiver's member with the parameters "
+                      "(QUrl), or a receiver with a slot text");
+        return bindTarget<CallbackKind::Redirected>(std::forward<Target>(target)...);
+    }
+
+    /// The TLS handshake met errors, which are not ignored. Forms: (QList<QSslError>).
+    template <typename... Target>
+    HttpRequest &onSslErrors(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::SslErrors, Target...>::value,
+                      "onSslErrors takes a callable or a receiver's member with the parameters "
+                      "(QList<QSslError>), or a receiver with a slot text");
+        return bindTarget<CallbackKind::SslErrors>(std::forward<Target>(target)...);
+    }
+
+    /// A request that was sent again has its outcome. Forms: ().
+    template <typename... Target>
+    HttpRequest &onRetried(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Retried, Target...>::value,
+                      "onRetried takes a callable or a receiver's member with the parameters "
+                      "(), or a receiver with a slot text");
+        return bindTarget<CallbackKind::Retried>(std::forward<Target>(target)...);
+    }
+
+    /// The last performance of a repeated request is over. Forms: ().
+    template <typename... Target>
+    HttpRequest &onRepeated(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Repeated, Target...>::value,
+                      "onRepeated takes a callable or a receiver's member with the parameters "
+                      "(), or a receiver with a slot text");
+        return bindTarget<CallbackKind::Repeated>(std::forward<Target>(target)...);
+    }
+
+    /// The server asks for credentials and the request brought none. Forms: (QAuthenticator *). To
+    /// be filled in before the callback returns.
+    template <typename... Target>
+    HttpRequest &onAuthenticationRequired(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::AuthenticationRequired, Target...>::value,
+            "onAuthenticationRequired takes a callable or a receiver's member with the parameters "
+            "(QAuthenticator *), or a receiver with a slot text");
+        return bindTarget<CallbackKind::AuthenticationRequired>(std::forward<Target>(target)...);
+    }
+
+    /// The server asked again: the credentials did not do. Forms: () or (QNetworkReply *). The
+    /// reply stays the toolkit's.
+    template <typename... Target>
+    HttpRequest &onAuthenticationRequireFailed(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::AuthenticationRequireFailed, Target...>::value,
+            "onAuthenticationRequireFailed takes a callable or a receiver's member with the "
+            "parameters "
+            "() or (QNetworkReply *), or a receiver with a slot text");
+        return bindTarget<CallbackKind::AuthenticationRequireFailed>(
+            std::forward<Target>(target)...);
+    }
+
+    /// The headers of the reply, once. Forms: (QList<QNetworkReply::RawHeaderPair>) or
+    /// (QMap<QString, QString>).
+    template <typename... Target>
+    HttpRequest &onHead(Target &&...target)
+    {
+        static_assert(HttpCallbackForms::Fits<CallbackKind::Head, Target...>::value,
+                      "onHead takes a callable or a receiver's member with the parameters "
+                      "(QList<QNetworkReply::RawHeaderPair>) or (QMap<QString, QString>), or a "
+                      "receiver with a slot text");
+        return bindTarget<CallbackKind::Head>(std::forward<Target>(target)...);
+    }
+
+    /// Part of the reply's body arrived, for every request. Forms: (qint64, qint64). Bytes received
+    /// and in all (-1: unknown).
+    template <typename... Target>
+    HttpRequest &onDownloadFileProgress(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::DownloadFileProgress, Target...>::value,
+            "onDownloadFileProgress takes a callable or a receiver's member with the parameters "
+            "(qint64, qint64), or a receiver with a slot text");
+        return bindTarget<CallbackKind::DownloadFileProgress>(std::forward<Target>(target)...);
+    }
+
+    /// A download without a file path takes the server's name. Forms: (QString). The file's name.
+    template <typename... Target>
+    HttpRequest &onDownloadFileNameChanged(Target &&...target)
+    {
+        static_assert(
+            HttpCallbackForms::Fits<CallbackKind::DownloadFileNameChanged, Target...>::value,
+            "onDownloadFileNameChanged takes a callable or a receiver's member with the parameters "
+            "(QString), or a receiver with a slot text");
+        return bindTarget<CallbackKind::DownloadFileNameChanged>(std::forward<Target>(target)...);
+    }
+
+    /// Sends a copy of the request from the client's thread and returns at once with the response,
+    /// which belongs to the reply and goes with it. Null when nothing could be sent: an unknown
+    /// method, no client, a multi-part body without an object, or a download. No callback runs
+    /// then, and a critical message says why.
+    HttpResponse *send() const;
+
+    HttpRequestFields fields; ///< What the builder operations fill in.
+
+private:
+    template <CallbackKind Kind, typename... Target>
+    HttpRequest &bindTarget(Target &&...target)
+    {
+        if constexpr (HttpCallbackForms::Fits<Kind, Target...>::value) {
+            const HttpCallbackForms::Entry entry =
+                HttpCallbackForms::entry(std::forward<Target>(target)...);
+            bind(Kind, entry.key, entry.target);
+        }
+        return *this;
+    }
+
+    void setBody(BodyType type, const QVariant &body);
+};

@@ -1,0 +1,381 @@
+#include "http/httpresponse.h"
+
+#include "http/httpcallbackbinder.h"
+#include "http/httpdump.h"
+
+#include <QDebug>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMetaEnum>
+#include <QMetaMethod>
+#include <QNetworkAccessManager>
+
+#include <algorithm>
+
+namespace {
+
+// The overloaded signals by what they carry.
+constexpr auto finishedReply = QOverload<QNetworkReply *>::of(&HttpResponse::finished);
+constexpr auto finishedPlain = QOverload<>::of(&HttpResponse::finished);
+constexpr auto finishedBytes = QOverload<QByteArray>::of(&HttpResponse::finished);
+constexpr auto finishedText = QOverload<QString>::of(&HttpResponse::finished);
+constexpr auto finishedMap = QOverload<QVariantMap>::of(&HttpResponse::finished);
+constexpr auto errorReply = QOverload<QNetworkReply *>::of(&HttpResponse::error);
+constexpr auto errorPlain = QOverload<>::of(&HttpResponse::error);
+constexpr auto errorCode = QOverload<QNetworkReply::NetworkError>::of(&HttpResponse::error);
+constexpr auto errorBytes = QOverload<QByteArray>::of(&HttpResponse::error);
+constexpr auto timeoutReply = QOverload<QNetworkReply *>::of(&HttpResponse::timeout);
+constexpr auto timeoutPlain = QOverload<>::of(&HttpResponse::timeout);
+constexpr auto fileFinishedPlain = QOverload<>::of(&HttpResponse::downloadFileFinished);
+constexpr auto fileFinishedName = QOverload<QString>::of(&HttpResponse::downloadFileFinished);
+constexpr auto fileErrorPlain = QOverload<>::of(&HttpResponse::downloadFileError);
+constexpr auto fileErrorText = QOverload<QString>::of(&HttpResponse::downloadFileError);
+constexpr auto authenticationFailedPlain =
+    QOverload<>::of(&HttpResponse::authenticationRequireFailed);
+constexpr auto authenticationFailedReply =
+    QOverload<QNetworkReply *>::of(&HttpResponse::authenticationRequireFailed);
+constexpr auto headList = QOverload<QList<QNetworkReply::RawHeaderPair>>::of(&HttpResponse::head);
+constexpr auto headMap = QOverload<QMap<QString, QString>>::of(&HttpResponse::head);
+
+// Qt 5.15 renamed the signal and deprecated the old name.
+#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
+constexpr auto replyError = &QNetworkReply::errorOccurred;
+#else
+constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error);
+#endif
+
+QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
+{
+    const QString text = reply->errorString();
+    if (!text.isEmpty())
+        return text;
+    return QLatin1String(QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(code));
+}
+
+QMap<QString, QString> headerMap(const QList<QNetworkReply::RawHeaderPair> &headers)
+{
+    QMap<QString, QString> map;
+    for (const QNetworkReply::RawHeaderPair &header : headers)
+        map.insert(QString::fromUtf8(header.first), QString::fromUtf8(header.second));
+    return map;
+}
+
+void dumpResponses(const QNetworkReply *reply)
+{
+    const auto responses =
+        reply->findChildren<HttpResponse *>(QString(), Qt::FindDirectChildrenOnly);
+    for (const HttpResponse *response : responses)
+        qDebug().noquote() << HttpDump::response(response->request().fields);
+}
+
+} // namespace
+
+HttpResponse::HttpResponse(const HttpRequest &request, QObject *parent)
+    : QObject(parent)
+    , m_request(request)
+    , m_retriesLeft(request.fields.retryCount)
+{
+    registerHttpMetaTypes();
+    setRequest(request);
+}
+
+HttpResponse::~HttpResponse() = default;
+
+const HttpRequest &HttpResponse::request() const { return m_request; }
+
+void HttpResponse::setRequest(const HttpRequest &request)
+{
+    QNetworkReply *reply = request.fields.reply;
+    if (reply) {
+        connectReply(reply);
+        HttpCallbackBinder::attach(this, request.fields);
+    }
+    const bool changed = m_request.fields.reply != reply;
+    m_request = request;
+    rememberReceivers();
+    if (changed)
+        Q_EMIT replyChanged(reply);
+}
+
+// In this order: onFinished() must have run when onHandleHead() answers the same finished().
+void HttpResponse::connectReply(QNetworkReply *reply)
+{
+    connect(reply, &QNetworkReply::finished, this, &HttpResponse::onFinished);
+    connect(reply, &QNetworkReply::finished, this, &HttpResponse::onHandleHead);
+    connect(reply, replyError, this, &HttpResponse::onError);
+    connect(reply, &QNetworkReply::downloadProgress, this, &HttpResponse::onDownloadProgress);
+    connect(reply, &QNetworkReply::uploadProgress, this, &HttpResponse::onUploadProgress);
+    connect(reply, &QNetworkReply::readyRead, this, &HttpResponse::onReadOnceReplyHeader);
+    connect(reply, &QNetworkReply::readyRead, this, &HttpResponse::onHandleHead);
+    connect(reply, &QNetworkReply::readyRead, this, &HttpResponse::onReadyRead);
+    connect(reply, &QNetworkReply::encrypted, this, &HttpResponse::onEncrypted);
+    connect(reply, &QNetworkReply::metaDataChanged, this, &HttpResponse::onMetaDataChanged);
+    connect(reply, &QNetworkReply::redirected, this, &HttpResponse::onRedirected);
+    connect(reply, &QNetworkReply::sslErrors, this, &HttpResponse::onSslErrors);
+    connect(reply, &QNetworkReply::redirectAllowed, this, &HttpResponse::onRedirectAllowed);
+    connect(reply, &QNetworkReply::preSharedKeyAuthenticationRequired, this,
+            &HttpResponse::onPreSharedKeyAuthenticationRequired);
+    connect(reply->manager(), &QNetworkAccessManager::authenticationRequired, this,
+            &HttpResponse::onAuthenticationRequired);
+}
+
+template <auto Signal>
+bool HttpResponse::hasReceivers() const
+{
+    static const QMetaMethod signal = QMetaMethod::fromSignal(Signal);
+    return isSignalConnected(signal);
+}
+
+/// Emits @p Signal. False when a receiver has destroyed this response: nothing of it may be
+/// touched then.
+template <auto Signal, typename... Values>
+bool HttpResponse::deliver(Values &&...values)
+{
+    const QPointer<HttpResponse> self(this);
+    Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
+    return !self.isNull();
+}
+
+void HttpResponse::onFinished()
+{
+    QNetworkReply *reply = m_request.fields.reply;
+    if (reply->error() != QNetworkReply::NoError || m_outcomeReported)
+        return;
+    m_outcomeReported = true;
+    if (m_request.fields.logLevel >= 4)
+        dumpResponses(reply);
+    if (!deliverRetried() || !deliverFileFinished())
+        return;
+
+    const bool handOver = hasReceivers<finishedReply>();
+    if (handOver && !deliver<finishedReply>(reply))
+        return;
+    if (!deliverBody(reply) || !repeatOrEnd())
+        return;
+    if (!handOver)
+        reply->deleteLater();
+}
+
+bool HttpResponse::deliverBody(QNetworkReply *reply)
+{
+    if (!hasReceivers<finishedPlain>() && !hasReceivers<finishedBytes>()
+        && !hasReceivers<finishedText>() && !hasReceivers<finishedMap>())
+        return true;
+    const QByteArray body = reply->readAll();
+    if (!deliver<finishedPlain>() || !deliver<finishedBytes>(body))
+        return false;
+    // Text and map cost a copy of the body each: they are made for receivers that are there.
+    if (hasReceivers<finishedText>() && !deliver<finishedText>(QString::fromUtf8(body)))
+        return false;
+    return !hasReceivers<finishedMap>()
+           || deliver<finishedMap>(QJsonDocument::fromJson(body).object().toVariantMap());
+}
+
+void HttpResponse::onError(QNetworkReply::NetworkError code)
+{
+    // Aborting the reply from inside a callback makes Qt report a second error for it.
+    if (m_outcomeReported)
+        return;
+    m_outcomeReported = true;
+
+    QNetworkReply *reply = m_request.fields.reply;
+    if (m_request.fields.logLevel >= 5)
+        qDebug().noquote() << QStringLiteral("%1 error: %2")
+                                  .arg(reply->url().toString(), QString::number(int(code)));
+    if (m_retriesLeft-- >= 1) {
+        HttpRequest retry = nextPerformance();
+        retry.fields.retryCount = m_retriesLeft;
+        retry.fields.isRetry = true;
+        retry.send();
+        reply->deleteLater();
+        return;
+    }
+
+    const QString text = errorText(reply, code);
+    if (!deliverRetried() || !deliverFileError(text))
+        return;
+    const bool handOver = hasReceivers<errorReply>();
+    if (handOver && !deliver<errorReply>(reply))
+        return;
+    if (!deliver<errorPlain>() || !deliver<errorCode>(code)
+        || !deliver<errorBytes>(text.toLocal8Bit()) || !repeatOrEnd())
+        return;
+    if (!handOver)
+        reply->deleteLater();
+}
+
+bool HttpResponse::deliverRetried()
+{
+    return !m_request.fields.isRetry || deliver<&HttpResponse::retried>();
+}
+
+bool HttpResponse::repeatOrEnd()
+{
+    if (--m_request.fields.repeatCount < 1)
+        return deliver<&HttpResponse::repeated>();
+    nextPerformance().send();
+    return true;
+}
+
+// The table holds receivers as plain pointers. By the time the request goes out again some may be
+// gone, so those of a request that may are watched.
+void HttpResponse::rememberReceivers()
+{
+    m_receivers.clear();
+    if (m_request.fields.retryCount < 1 && m_request.fields.repeatCount < 2)
+        return;
+    for (const HttpRequestFields::Callbacks &callbacks : qAsConst(m_request.fields.callbacks)) {
+        for (const auto &[key, target] : callbacks) {
+            if (auto *receiver = target.value<QObject *>())
+                m_receivers.insert(receiver, receiver);
+        }
+    }
+}
+
+HttpRequest HttpResponse::nextPerformance() const
+{
+    HttpRequest next(m_request);
+    for (HttpRequestFields::Callbacks &callbacks : next.fields.callbacks) {
+        const auto isGone = [this](const QPair<QString, QVariant> &entry) {
+            auto *receiver = entry.second.value<QObject *>();
+            return receiver && m_receivers.value(receiver).isNull();
+        };
+        callbacks.erase(std::remove_if(callbacks.begin(), callbacks.end(), isGone),
+                        callbacks.end());
+    }
+    return next;
+}
+
+void HttpResponse::onHandleHead()
+{
+    if (m_headHandled)
+        return;
+    m_headHandled = true;
+    if (!hasReceivers<headList>() && !hasReceivers<headMap>())
+        return;
+    const QList<QNetworkReply::RawHeaderPair> headers = m_request.fields.reply->rawHeaderPairs();
+    if (deliver<headList>(headers))
+        deliver<headMap>(headerMap(headers));
+}
+
+void HttpResponse::onTimeout()
+{
+    const QPointer<QNetworkReply> reply = m_request.fields.reply;
+    if (!reply || !reply->isRunning())
+        return;
+    const QPointer<HttpResponse> self(this);
+    reply->abort(); // reports OperationCanceledError, so onError() runs in here
+    if (!self)
+        return;
+    const bool handOver = hasReceivers<timeoutReply>();
+    if (handOver && !deliver<timeoutReply>(reply.data()))
+        return;
+    if (!deliver<timeoutPlain>())
+        return;
+    if (!handOver)
+        reply->deleteLater();
+}
+
+void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator *authenticator)
+{
+    // The access manager announces this for all of its replies.
+    if (reply != m_request.fields.reply)
+        return;
+    ++m_authenticationCount;
+    if (m_authenticationCount >= 2
+        && (!deliver<authenticationFailedPlain>() || !deliver<authenticationFailedReply>(reply)))
+        return;
+    const HttpRequestFields &fields = m_request.fields;
+    if (fields.maxAuthenticationTimes >= 0 && m_authenticationCount > fields.maxAuthenticationTimes)
+        return;
+    if (fields.authenticator.isNull()) {
+        Q_EMIT authenticationRequired(authenticator);
+        return;
+    }
+    authenticator->setUser(fields.authenticator.user());
+    authenticator->setPassword(fields.authenticator.password());
+}
+
+bool HttpResponse::deliverFileFinished()
+{
+    if (!m_downloadFile || !m_downloadFile->isOpen())
+        return true;
+    if (!deliver<fileFinishedPlain>() || !deliver<fileFinishedName>(m_downloadFile->fileName()))
+        return false;
+    m_downloadFile->close();
+    return true;
+}
+
+bool HttpResponse::deliverFileError(const QString &text)
+{
+    if (!m_request.fields.isDownload)
+        return true;
+    const QString fileName = m_downloadFile ? m_downloadFile->fileName() : QString();
+    const QString message =
+        QStringLiteral("Url: %1 file: %2 error: %3")
+            .arg(m_request.fields.networkRequest.url().toString(), fileName, text);
+    if (!deliver<fileErrorPlain>() || !deliver<fileErrorText>(message))
+        return false;
+    if (m_downloadFile)
+        m_downloadFile->close();
+    return true;
+}
+
+void HttpResponse::onReadOnceReplyHeader()
+{
+    if (!m_request.fields.isDownload)
+        return;
+    disconnect(m_request.fields.reply, &QNetworkReply::readyRead, this,
+               &HttpResponse::onReadOnceReplyHeader);
+    const HttpRequestFields &fields = m_request.fields;
+    m_downloadFile = std::make_unique<QFile>(fields.downloadFilePath);
+    const bool resume = fields.supportsResume && fields.enableResume && m_downloadFile->exists();
+    if (!m_downloadFile->open(resume ? QIODevice::Append : QIODevice::WriteOnly))
+        deliverFileProblem(QStringLiteral("Url: %1 %2 Non-Writable"));
+}
+
+void HttpResponse::onReadyRead()
+{
+    QNetworkReply *reply = m_request.fields.reply;
+    if (m_downloadFile && m_downloadFile->isOpen()) {
+        const qint64 written = m_downloadFile->write(reply->readAll());
+        if (written >= 0)
+            m_request.fields.downloadedBytes += written;
+        else if (!deliverFileProblem(QStringLiteral("Url: %1 %2 Write failed!")))
+            return;
+    }
+    Q_EMIT readyRead(reply);
+}
+
+bool HttpResponse::deliverFileProblem(const QString &pattern)
+{
+    return deliver<fileErrorPlain>()
+           && deliver<fileErrorText>(pattern.arg(m_request.fields.networkRequest.url().toString(),
+                                                 m_downloadFile->fileName()));
+}
+
+void HttpResponse::onDownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
+{
+    Q_EMIT downloadFileProgress(bytesReceived, bytesTotal);
+}
+
+void HttpResponse::onUploadProgress(qint64 bytesSent, qint64 bytesTotal)
+{
+    Q_EMIT uploadProgress(bytesSent, bytesTotal);
+}
+
+void HttpResponse::onEncrypted() { Q_EMIT encrypted(); }
+
+void HttpResponse::onMetaDataChanged() { Q_EMIT metaDataChanged(); }
+
+void HttpResponse::onPreSharedKeyAuthenticationRequired(
+    QSslPreSharedKeyAuthenticator *authenticator)
+{
+    Q_EMIT preSharedKeyAuthenticationRequired(authenticator);
+}
+
+void HttpResponse::onRedirectAllowed() { Q_EMIT redirectAllowed(); }
+
+void HttpResponse::onRedirected(QUrl url) { Q_EMIT redirected(std::move(url)); }
+
+void HttpResponse::onSslErrors(QList<QSslError> errors) { Q_EMIT sslErrors(std::move(errors)); }

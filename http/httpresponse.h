@@ -1,0 +1,146 @@
+#pragma once
+
+#include "http/httprequest.h"
+
+#include <QFile>
+#include <QHash>
+#include <QNetworkReply>
+#include <QObject>
+#include <QPointer>
+#include <QUrl>
+
+#include <memory>
+
+/// Serves one network reply: turns its events into signals, sends the request again for a retry or
+/// a repeat, and deletes the reply when it is over. A child of the reply, so it goes with it; it
+/// lives on the thread of the client. A receiver may destroy the response, the reply or the client
+/// from inside any signal.
+///
+/// Exactly one outcome is reported for each performance of the request: either the finished()
+/// family or the error() family. Whoever is connected to finished(QNetworkReply*),
+/// error(QNetworkReply*) or timeout(QNetworkReply*) owns the reply and deletes it later.
+class HttpResponse : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(HttpResponse)
+
+public:
+    /// Serves the reply of @p request, if it has one, and attaches its callbacks.
+    HttpResponse(const HttpRequest &request, QObject *parent);
+    ~HttpResponse() override;
+
+    /// Serves the reply of @p request from now on; used when a response is handed to a caller
+    /// before its reply exists.
+    void setRequest(const HttpRequest &request);
+
+    /// The copy of the request that was sent.
+    const HttpRequest &request() const;
+
+Q_SIGNALS:
+    /// Another reply is served than before.
+    void replyChanged(QNetworkReply *reply);
+
+    /// Success. Emitted in the order reply, nothing, bytes, text, map; a form without a receiver
+    /// is not made. The receiver of the reply owns it.
+    void finished(QNetworkReply *reply);
+    void finished();
+    void finished(QByteArray result);
+    /// The members of a JSON object; empty for any other body.
+    void finished(QVariantMap resultMap);
+    /// The body read as UTF-8.
+    void finished(QString result);
+
+    /// Declared for callbacks to attach to; never emitted. See downloadFileProgress().
+    void downloadProgress(qint64, qint64);
+    /// Bytes sent and in all; -1 where the total is unknown.
+    void uploadProgress(qint64, qint64);
+
+    /// Final failure, in the order reply, nothing, code, text; the text is in the local 8-bit
+    /// encoding. The receiver of the reply owns it.
+    void error(QByteArray error);
+    void error();
+    void error(QNetworkReply::NetworkError error);
+    void error(QNetworkReply *reply);
+
+    /// The time-out ended the exchange; follows the error() family.
+    void timeout();
+    void timeout(QNetworkReply *reply);
+
+    /// Part of the body arrived. The reply stays the toolkit's.
+    void readyRead(QNetworkReply *reply);
+
+    /// The file side of downloads.
+    void downloadFileNameChanged(QString fileName);
+    void downloadFileFinished();
+    void downloadFileFinished(QString file);
+    void downloadFileError();
+    void downloadFileError(QString errorString);
+
+    /// What the reply reports, passed on.
+    void encrypted();
+    void metaDataChanged();
+    void preSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator *authenticator);
+    void redirectAllowed();
+    void redirected(QUrl url);
+    void sslErrors(QList<QSslError> errors);
+
+    /// This performance was a retry; precedes its outcome.
+    void retried();
+    /// No further performance follows; the last signal of a request.
+    void repeated();
+
+    /// The server asks for credentials and the request has none to give.
+    void authenticationRequired(QAuthenticator *authentication);
+    /// The server asks for the second time or later.
+    void authenticationRequireFailed();
+    void authenticationRequireFailed(QNetworkReply *);
+
+    /// The reply's headers, once, as soon as there is a body or an end.
+    void head(QList<QNetworkReply::RawHeaderPair>);
+    /// By name; a repeated name keeps its last value.
+    void head(QMap<QString, QString>);
+
+    /// Bytes received and in all of every request, download or not; -1 where unknown.
+    void downloadFileProgress(qint64 bytesReceived, qint64 bytesTotal);
+
+private Q_SLOTS:
+    void onFinished();
+    void onError(QNetworkReply::NetworkError error);
+    void onDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+    void onUploadProgress(qint64 bytesSent, qint64 bytesTotal);
+    void onTimeout();
+    void onReadyRead();
+    void onReadOnceReplyHeader();
+    void onEncrypted();
+    void onMetaDataChanged();
+    void onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator *authenticator);
+    void onRedirectAllowed();
+    void onRedirected(QUrl url);
+    void onSslErrors(QList<QSslError> errors);
+    void onAuthenticationRequired(QNetworkReply *reply, QAuthenticator *authenticator);
+    void onHandleHead();
+
+private:
+    template <auto Signal>
+    bool hasReceivers() const;
+    template <auto Signal, typename... Values>
+    bool deliver(Values &&...values);
+
+    void connectReply(QNetworkReply *reply);
+    void rememberReceivers();
+    HttpRequest nextPerformance() const;
+    bool deliverBody(QNetworkReply *reply);
+    bool deliverRetried();
+    bool deliverFileFinished();
+    bool deliverFileError(const QString &text);
+    bool deliverFileProblem(const QString &pattern);
+    bool repeatOrEnd();
+
+    HttpRequest m_request;
+    std::unique_ptr<QFile> m_downloadFile; ///< Made when a download begins to write.
+    qint32 m_retriesLeft = 0;
+    qint32 m_authenticationCount = 0;
+    bool m_headHandled = false;
+    bool m_outcomeReported = false;
+    QHash<QObject *, QPointer<QObject>> m_receivers; ///< Only of requests that may go out again.
+};

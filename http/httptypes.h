@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+
+/// The verb of a request. Any value outside this list has no verb text and is never sent.
+enum class HttpMethod : qint32 {
+    Unknown = 0,
+    Head = 1, ///< A reply that announces a body and stays open never finishes; see the README.
+    Get = 2,
+    Put = 3,
+    Post = 4,
+    Delete = 5,
+};
+
+/// How the body of a request is held and sent.
+enum class BodyType : qint32 {
+    None = 0,
+    Raw = 1,                   ///< Bytes.
+    RawJson = 2,               ///< A serialised JSON document.
+    x_www_form_urlencoded = 3, ///< Bytes, already encoded.
+    FileMap = 4,               ///< Part name to file path, sent as a multi-part form.
+    MultiPart = 5,             ///< A multi-part object built by the caller.
+    FormData = 6,              ///< Part name to value, sent as a multi-part form.
+};
+
+/// The family of HttpResponse signals that a callback is attached to.
+enum class CallbackKind : qint32 {
+    Finished = 0,
+    Error = 1,
+    DownloadProgress = 2,
+    UploadProgress = 3,
+    Timeout = 4,
+    ReadyRead = 5,
+    DownloadFileFinished = 6,
+    DownloadFileError = 7,
+    Encrypted = 8,
+    MetaDataChanged = 9,
+    PreSharedKeyAuthenticationRequired = 10,
+    RedirectAllowed = 11,
+    Redirected = 12,
+    SslErrors = 13,
+    Retried = 14,
+    Repeated = 15,
+    AuthenticationRequired = 16,
+    AuthenticationRequireFailed = 17,
+    Head = 18,
+    DownloadFileProgress = 19,
+    DownloadFileNameChanged = 20,
+};
+
+/// The text of @p method on the wire; empty for Unknown and for every value outside the list.
+/// May be called from any thread.
+QByteArray httpVerb(HttpMethod method);
+
+/// The name of @p type as dumps print it; empty for a value outside the list.
+const char *bodyTypeName(BodyType type);
