@@ -1,0 +1,150 @@
+#include "network/serviceenvelope.h"
+#include "network/servicelog.h"
+#include "network/serviceoperation.h"
+#include "network/taskreply.h"
+#include "network/vonetworker.h"
+
+#include <QDebug>
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+
+constexpr ServiceOperation shortSTT{
+    HttpMethod::Post, convertServicePrefix, QLatin1String("asr/process"),
+    QLatin1String("1slotShortSTTSuc(QByteArray)"), QLatin1String("1slotShortSTTFail(QByteArray)")};
+constexpr ServiceOperation createSTTTask{HttpMethod::Post, convertServicePrefix,
+                                         QLatin1String("asr/process"),
+                                         QLatin1String("1slotCreateSTTTaskSuc(QByteArray)"),
+                                         QLatin1String("1slotCreateSTTTaskFail(QByteArray)")};
+constexpr ServiceOperation getSTTTaskResult{HttpMethod::Post, convertServicePrefix,
+                                            QLatin1String("asr/getProcessResult"),
+                                            QLatin1String("1slotGetSTTRetSuc(QByteArray)"),
+                                            QLatin1String("1slotGetSTTRetFail(QByteArray)")};
+
+constexpr ServiceEnvelope::Texts shortSTTTexts{"slotShortSTTSuc",
+                                               "[error]slotShortSTTSuc failed:", ","};
+constexpr ServiceEnvelope::Texts createSTTTaskTexts{"slotCreateSTTTaskSuc",
+                                                    "[error]slotCreateSTTTaskSuc failed:", ","};
+constexpr ServiceEnvelope::Texts getSTTRetTexts{"slotGetSTTRetSuc",
+                                                "[error]slotGetSTTRetSuc failed:retCode=", ",msg="};
+
+constexpr QLatin1String longRecognition("recordingRecognition");
+
+QJsonObject shortSTTBody(const QString &fileLink, const QString &pageFeature)
+{
+    return {{QStringLiteral("feature"), QStringLiteral("inWord")},
+            {QStringLiteral("file_link"), fileLink},
+            {QStringLiteral("pageFeature"), pageFeature}};
+}
+
+// The service reads its options as words, not as JSON booleans.
+QJsonObject createSTTTaskBody(const QString &fileLink, const QString &pageFeature)
+{
+    const QString yes = QStringLiteral("true");
+    const QString no = QStringLiteral("false");
+    return {{QStringLiteral("feature"), longRecognition},
+            {QStringLiteral("file_link"), fileLink},
+            {QStringLiteral("enable_words"), yes},
+            {QStringLiteral("enable_sample_rate_adaptive"), yes},
+            {QStringLiteral("auto_split"), no},
+            {QStringLiteral("enable_inverse_text_normalization"), yes},
+            {QStringLiteral("enable_disfluency"), no},
+            {QStringLiteral("enable_punctuation_prediction"), yes},
+            {QStringLiteral("enable_semantic_sentence_detection"), no},
+            {QStringLiteral("enable_timestamp_alignment"), no},
+            {QStringLiteral("first_channel_only"), yes},
+            {QStringLiteral("pageFeature"), pageFeature}};
+}
+
+// Sentences bring their own blanks: nothing is put between them.
+QString joinedSentences(const QJsonObject &data)
+{
+    const QJsonArray sentences =
+        data.value(QLatin1String("result")).toObject().value(QLatin1String("Sentences")).toArray();
+    QString text;
+    for (const QJsonValue &sentence : sentences)
+        text += sentence.toObject().value(QLatin1String("Text")).toString();
+    return text;
+}
+
+} // namespace
+
+void VoNetworker::ShortSTT(QString fileLink, qint64 token, QString pageFeature)
+{
+    const QJsonObject body = shortSTTBody(fileLink, pageFeature);
+    ServiceLog::begin("VoNetworker::ShortSTT", body);
+    issue(shortSTT, authorizedHeaders(token), body);
+}
+
+void VoNetworker::slotShortSTTSuc(QByteArray jsonStr)
+{
+    if (const auto data = ServiceEnvelope::read(jsonStr, shortSTTTexts))
+        Q_EMIT signalShortSTT(SHORT_STT_SUCCESS,
+                              data->toObject().value(QLatin1String("text")).toString());
+    else
+        Q_EMIT signalShortSTT(SHORT_STT_FAILED, QString());
+}
+
+void VoNetworker::slotShortSTTFail(QByteArray failInfo)
+{
+    ServiceLog::failure("VoNetworker::slotShortSTTFail", failInfo);
+    Q_EMIT signalShortSTT(SHORT_STT_FAILED, QString());
+}
+
+void VoNetworker::CreateSTTTask(QString fileLink, qint64 token, QString pageFeature)
+{
+    const QJsonObject body = createSTTTaskBody(fileLink, pageFeature);
+    ServiceLog::begin("VoNetworker::CreateSTTTask", body);
+    issue(createSTTTask, authorizedHeaders(token), body);
+}
+
+void VoNetworker::slotCreateSTTTaskSuc(QByteArray jsonStr)
+{
+    if (const auto data = ServiceEnvelope::read(jsonStr, createSTTTaskTexts))
+        Q_EMIT signalCreateSTTTask(STT_SUCCESS,
+                                   data->toObject().value(QLatin1String("task_id")).toString());
+    else
+        Q_EMIT signalCreateSTTTask(STT_FAILED, QString());
+}
+
+void VoNetworker::slotCreateSTTTaskFail(QByteArray failInfo)
+{
+    ServiceLog::failure("VoNetworker::slotCreateSTTTaskFail", failInfo);
+    Q_EMIT signalCreateSTTTask(STT_FAILED, QString());
+}
+
+void VoNetworker::GetSTTTaskResult(QString taskId, qint64 token)
+{
+    qDebug() << "VoNetworker::GetSTTTaskResult" << taskId;
+    issue(getSTTTaskResult, authorizedHeaders(token),
+          {{QStringLiteral("feature"), longRecognition}, {QStringLiteral("task_id"), taskId}});
+}
+
+void VoNetworker::slotGetSTTRetSuc(QByteArray jsonStr)
+{
+    const auto data = ServiceEnvelope::read(jsonStr, getSTTRetTexts);
+    if (!data) {
+        Q_EMIT signalGetSTTResult(STT_FAILED, QString(), QString(), QString());
+        return;
+    }
+    const TaskReply task(data->toObject());
+    switch (task.state) {
+    case TaskState::Processing:
+        Q_EMIT signalGetSTTResult(STT_PROCESSING, task.taskId, task.requestId, QString());
+        break;
+    case TaskState::Succeeded:
+        Q_EMIT signalGetSTTResult(STT_SUCCESS, task.taskId, task.requestId,
+                                  joinedSentences(data->toObject()));
+        break;
+    case TaskState::Failed:
+        Q_EMIT signalGetSTTResult(STT_FAILED, task.taskId, task.requestId, QString());
+        break;
+    }
+}
+
+void VoNetworker::slotGetSTTRetFail(QByteArray failInfo)
+{
+    ServiceLog::failure("VoNetworker::slotGetSTTRetFail", failInfo);
+    Q_EMIT signalGetSTTResult(STT_FAILED, QString(), QString(), QString());
+}

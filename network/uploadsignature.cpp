@@ -1,0 +1,52 @@
+#include "network/serviceenvelope.h"
+#include "network/servicelog.h"
+#include "network/serviceoperation.h"
+#include "network/vonetworker.h"
+
+#include <QDebug>
+#include <QJsonObject>
+
+namespace {
+
+constexpr ServiceOperation getOssSign{HttpMethod::Get, convertServicePrefix,
+                                      QLatin1String("upload/getsignsts"),
+                                      QLatin1String("1slotGetOssSignSuc(QByteArray)"),
+                                      QLatin1String("1slotGetOssSignFail(QByteArray)")};
+
+constexpr ServiceEnvelope::Texts getOssSignTexts{"slotGetOssSignSuc",
+                                                 "[error]get oss sign failed:", nullptr};
+
+OSS_SIGN_INFO *signInfoFrom(const QJsonObject &data)
+{
+    auto *info = new OSS_SIGN_INFO; // the receiver's of the signal that carries it
+    info->AccessKeyId = data.value(QLatin1String("AccessKeyId")).toString();
+    info->AccessKeySecret = data.value(QLatin1String("AccessKeySecret")).toString();
+    info->endpoint = data.value(QLatin1String("endpoint")).toString();
+    info->bucketName = data.value(QLatin1String("bucketName")).toString();
+    qDebug() << info->bucketName;
+    info->bucketRegion = data.value(QLatin1String("bucketRegion")).toString();
+    info->dir = data.value(QLatin1String("dir")).toString();
+    info->SecurityToken = data.value(QLatin1String("SecurityToken")).toString();
+    return info;
+}
+
+} // namespace
+
+void VoNetworker::GetOssSign()
+{
+    qDebug() << "get oss sign begin";
+    // The one request without any header of the library's own.
+    issue(getOssSign, {}, {});
+}
+
+void VoNetworker::slotGetOssSignSuc(QByteArray jsonStr)
+{
+    const auto data = ServiceEnvelope::read(jsonStr, getOssSignTexts);
+    Q_EMIT signalGetOssSign(data ? signInfoFrom(data->toObject()) : nullptr);
+}
+
+void VoNetworker::slotGetOssSignFail(QByteArray failInfo)
+{
+    ServiceLog::failure("VoNetworker::slotGetOssSignFail", failInfo);
+    Q_EMIT signalGetOssSign(nullptr);
+}

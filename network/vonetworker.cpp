@@ -1,0 +1,75 @@
+#include "network/vonetworker.h"
+
+#include "http/httpclient.h"
+#include "http/httprequest.h"
+#include "network/buildconstants.h"
+#include "network/serviceoperation.h"
+
+#include <QJsonObject>
+#include <QProcess>
+
+namespace {
+
+constexpr int applicationCode = 40000000;
+constexpr QLatin1String channelCode("channel_360");
+
+} // namespace
+
+VoNetworker::VoNetworker()
+    : deviceId(runCommand(BuildConstants::deviceIdCommand))
+    , client(new HttpClient) // deleted later by the destructor
+{
+}
+
+VoNetworker::~VoNetworker()
+{
+    client->deleteLater(); // the object may go from inside one of the client's own signals
+    client = nullptr;
+}
+
+QString VoNetworker::runCommand(QString command)
+{
+    QProcess process;
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED // 5.15 has a new name for splitting a command line; 5.14 has not
+        process.start(command, QIODevice::ReadWrite);
+    QT_WARNING_POP
+    process.waitForFinished(-1);
+    QString output = QString::fromLocal8Bit(process.readAllStandardOutput());
+    const QString title = command.split(QLatin1Char(' ')).last();
+    output.remove(title, Qt::CaseInsensitive);
+    output.remove(QLatin1Char('\r'));
+    output.remove(QLatin1Char('\n'));
+    process.close();
+    return output.simplified();
+}
+
+QVariantMap VoNetworker::commonHeaders() const
+{
+    return {{QStringLiteral("appcode"), applicationCode},
+            {QStringLiteral("appversion"), QString(BuildConstants::libraryVersion)},
+            {QStringLiteral("channelcode"), QString(channelCode)},
+            {QStringLiteral("deviceid"), deviceId}};
+}
+
+QVariantMap VoNetworker::authorizedHeaders(qint64 token) const
+{
+    QVariantMap headers = commonHeaders();
+    headers.insert(QStringLiteral("Authorization"), QStringLiteral("Bearer %1").arg(token));
+    return headers;
+}
+
+void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &headers,
+                        const QJsonObject &body)
+{
+    // Plain concatenation: a path that begins with a slash is sent with a doubled one.
+    HttpRequest request(operation.method, client);
+    request.url(BuildConstants::serviceBaseAddress + operation.prefix + operation.path)
+        .headers(headers);
+    if (operation.method == HttpMethod::Post)
+        request.jsonBody(body);
+    const QVariant self = QVariant::fromValue(static_cast<QObject *>(this));
+    request.bind(CallbackKind::Finished, operation.successSlot, self)
+        .bind(CallbackKind::Error, operation.failureSlot, self)
+        .send();
+}

@@ -1,0 +1,25 @@
+#include "network/vonetworkintf.h"
+
+namespace {
+
+// Under the names that the signals use, so that string-based and queued connections carry them.
+bool registerMetaTypes()
+{
+    qRegisterMetaType<OSS_SIGN_INFO *>("OSS_SIGN_INFO*");
+    qRegisterMetaType<SHORT_STT_STATUS>("SHORT_STT_STATUS");
+    qRegisterMetaType<STT_STATUS>("STT_STATUS");
+    qRegisterMetaType<TTSParams *>("TTSParams*");
+    qRegisterMetaType<TTS_STATUS>("TTS_STATUS");
+    qRegisterMetaType<LONG_TTS_STATUS>("LONG_TTS_STATUS");
+    return true;
+}
+
+} // namespace
+
+VoNetworkIntf::VoNetworkIntf()
+{
+    static const bool registered = registerMetaTypes();
+    Q_UNUSED(registered)
+}
+
+VoNetworkIntf::~VoNetworkIntf() = default;
