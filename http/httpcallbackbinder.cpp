@@ -5,6 +5,7 @@
 #include "http/httpresponse.h"
 
 #include <QDebug>
+#include <QHash>
 #include <QMetaMethod>
 
 #include <array>
@@ -116,50 +117,71 @@ bool namesMember(const QString &key)
     return code == methodCode || code == slotCode || code == signalCode;
 }
 
-/// A receiver's slot or signal, looked up once for all signals of a family.
+/// What a key names in a class of receivers.
 struct Member
 {
-    QObject *receiver = nullptr;
     QByteArray signature; ///< Normalised, with the code in front.
-    int index = -1;       ///< In the receiver's meta-object; -1: there is no such member.
+    int index = -1;       ///< In the class's meta-object; -1: there is no such member.
+    QByteArray declared;  ///< The signature that the meta-object has at the index.
 };
 
-Member findMember(const QString &key, const QVariant &target)
+Member findMember(const QMetaObject *metaObject, const QString &key)
 {
-    Member member;
-    member.receiver = target.value<QObject *>();
     // Qt compares argument lists from the bracket on and would run past a text without one.
-    if (!member.receiver || !key.contains(QLatin1Char('(')))
-        return member;
+    if (!key.contains(QLatin1Char('(')))
+        return {};
+    Member member;
     const QByteArray signature =
         QMetaObject::normalizedSignature(key.mid(1).toLatin1().constData());
     member.signature = key.at(0).toLatin1() + signature;
-    const QMetaObject *metaObject = member.receiver->metaObject();
     if (memberCode(key) == slotCode)
         member.index = metaObject->indexOfSlot(signature.constData());
     else if (memberCode(key) == signalCode)
         member.index = metaObject->indexOfSignal(signature.constData());
+    member.declared = metaObject->method(member.index).methodSignature();
     return member;
+}
+
+// Finding a member by its text costs more than all else that attaching does, and hosts bind the
+// same few members over and over, so what was found is kept, for each thread by itself. A
+// meta-object made at run time may have gone and another stand in its place: an entry is good for
+// as long as the method at its index is still the one that was found.
+Member memberOf(const QMetaObject *metaObject, const QString &key)
+{
+    constexpr int mostEntries = 1024;
+    thread_local QHash<QPair<const QMetaObject *, QString>, Member> found;
+    const auto place = qMakePair(metaObject, key);
+    const auto known = found.constFind(place);
+    if (known != found.constEnd()
+        && metaObject->method(known->index).methodSignature() == known->declared)
+        return *known;
+    if (found.size() >= mostEntries)
+        found.clear();
+    return *found.insert(place, findMember(metaObject, key));
 }
 
 // What a string connection does, by index: the signal's was found once for the process, the
 // member's once for the entry.
-bool connectMember(HttpResponse *response, const TargetSignal &signal, const Member &member)
+bool connectMember(HttpResponse *response, const TargetSignal &signal, QObject *receiver,
+                   const Member &member)
 {
     return member.index >= 0
            && QMetaObject::checkConnectArgs(signal.signature.constData(),
                                             member.signature.constData())
-           && QMetaObject::connect(response, signal.index, member.receiver, member.index,
+           && QMetaObject::connect(response, signal.index, receiver, member.index,
                                    Qt::AutoConnection);
 }
 
 int attachMember(HttpResponse *response, const Family &family, const QString &key,
                  const QVariant &target)
 {
-    const Member member = findMember(key, target);
+    auto *receiver = target.value<QObject *>();
+    if (!receiver)
+        return 0;
+    const Member member = memberOf(receiver->metaObject(), key);
     int attached = 0;
     for (const TargetSignal &signal : family)
-        attached += int(connectMember(response, signal, member));
+        attached += int(connectMember(response, signal, receiver, member));
     return attached;
 }
 

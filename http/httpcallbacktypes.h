@@ -52,7 +52,7 @@ VOHTTP_CALLBACK_TYPE("std::function<void (QMap<QString, QString>)>", void(QMap<Q
 
 #undef VOHTTP_CALLBACK_TYPE
 
-/// Makes every type that the signals and callbacks of HttpResponse carry known to the meta-type
+/// Makes the types that the signals and callbacks of HttpResponse carry known to the meta-type
 /// system, so that queued and string-based connections can carry them. Cheap after the first
 /// call; may be called from any thread.
 void registerHttpMetaTypes();

@@ -132,18 +132,19 @@ HttpResponse *HttpDispatch::dispatch(const HttpRequest &request, HttpResponse *r
         return nullptr;
     }
 
-    fields.reply = sendBody(fields, verb);
-    if (!fields.reply) {
+    QNetworkReply *reply = sendBody(fields, verb);
+    if (!reply) {
         complain(fields, QStringLiteral("Http reply invalid"));
         return nullptr;
     }
+    fields.reply = reply;
     applyReplyOptions(fields);
     if (fields.logLevel >= 4)
         qDebug().noquote() << HttpDump::request(fields);
 
     if (!response)
-        return new HttpResponse(sent, fields.reply); // the reply's child
-    response->setParent(fields.reply);
+        return new HttpResponse(std::move(sent), reply); // the reply's child
+    response->setParent(reply);
     response->setRequest(sent);
     return response;
 }

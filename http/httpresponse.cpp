@@ -11,6 +11,7 @@
 #include <QNetworkAccessManager>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -44,6 +45,46 @@ constexpr auto replyError = &QNetworkReply::errorOccurred;
 constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error);
 #endif
 
+/// A signal of the reply and the slot that answers it, by their places in the meta-objects.
+struct Wire
+{
+    int signal;
+    int slot;
+};
+
+template <typename Signal>
+Wire wire(Signal signal, const char *slot)
+{
+    const int index = HttpResponse::staticMetaObject.indexOfSlot(slot);
+    Q_ASSERT(index >= 0);
+    return {QMetaMethod::fromSignal(signal).methodIndex(), index};
+}
+
+// By index and worked out once: these connections are made for every request. onFinished() comes
+// before onHandleHead(), which answers the same finished().
+const std::vector<Wire> &replyWires()
+{
+    using Reply = QNetworkReply;
+    static const std::vector<Wire> wires{
+        wire(&Reply::finished, "onFinished()"),
+        wire(&Reply::finished, "onHandleHead()"),
+        wire(replyError, "onError(QNetworkReply::NetworkError)"),
+        wire(&Reply::downloadProgress, "onDownloadProgress(qint64,qint64)"),
+        wire(&Reply::uploadProgress, "onUploadProgress(qint64,qint64)"),
+        wire(&Reply::readyRead, "onReadOnceReplyHeader()"),
+        wire(&Reply::readyRead, "onHandleHead()"),
+        wire(&Reply::readyRead, "onReadyRead()"),
+        wire(&Reply::encrypted, "onEncrypted()"),
+        wire(&Reply::metaDataChanged, "onMetaDataChanged()"),
+        wire(&Reply::redirected, "onRedirected(QUrl)"),
+        wire(&Reply::sslErrors, "onSslErrors(QList<QSslError>)"),
+        wire(&Reply::redirectAllowed, "onRedirectAllowed()"),
+        wire(&Reply::preSharedKeyAuthenticationRequired,
+             "onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator*)"),
+    };
+    return wires;
+}
+
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
 {
     const QString text = reply->errorString();
@@ -70,13 +111,13 @@ void dumpResponses(const QNetworkReply *reply)
 
 } // namespace
 
-HttpResponse::HttpResponse(const HttpRequest &request, QObject *parent)
+HttpResponse::HttpResponse(HttpRequest request, QObject *parent)
     : QObject(parent)
-    , m_request(request)
-    , m_retriesLeft(request.fields.retryCount)
+    , m_request(std::move(request))
+    , m_retriesLeft(m_request.fields.retryCount)
 {
     registerHttpMetaTypes();
-    setRequest(request);
+    serveReply();
 }
 
 HttpResponse::~HttpResponse() = default;
@@ -85,38 +126,24 @@ const HttpRequest &HttpResponse::request() const { return m_request; }
 
 void HttpResponse::setRequest(const HttpRequest &request)
 {
-    QNetworkReply *reply = request.fields.reply;
-    if (reply) {
-        connectReply(reply);
-        HttpCallbackBinder::attach(this, request.fields);
-    }
-    const bool changed = m_request.fields.reply != reply;
+    const bool changed = m_request.fields.reply != request.fields.reply;
     m_request = request;
-    rememberReceivers();
+    serveReply();
     if (changed)
-        Q_EMIT replyChanged(reply);
+        Q_EMIT replyChanged(m_request.fields.reply);
 }
 
-// In this order: onFinished() must have run when onHandleHead() answers the same finished().
-void HttpResponse::connectReply(QNetworkReply *reply)
+void HttpResponse::serveReply()
 {
-    connect(reply, &QNetworkReply::finished, this, &HttpResponse::onFinished);
-    connect(reply, &QNetworkReply::finished, this, &HttpResponse::onHandleHead);
-    connect(reply, replyError, this, &HttpResponse::onError);
-    connect(reply, &QNetworkReply::downloadProgress, this, &HttpResponse::onDownloadProgress);
-    connect(reply, &QNetworkReply::uploadProgress, this, &HttpResponse::onUploadProgress);
-    connect(reply, &QNetworkReply::readyRead, this, &HttpResponse::onReadOnceReplyHeader);
-    connect(reply, &QNetworkReply::readyRead, this, &HttpResponse::onHandleHead);
-    connect(reply, &QNetworkReply::readyRead, this, &HttpResponse::onReadyRead);
-    connect(reply, &QNetworkReply::encrypted, this, &HttpResponse::onEncrypted);
-    connect(reply, &QNetworkReply::metaDataChanged, this, &HttpResponse::onMetaDataChanged);
-    connect(reply, &QNetworkReply::redirected, this, &HttpResponse::onRedirected);
-    connect(reply, &QNetworkReply::sslErrors, this, &HttpResponse::onSslErrors);
-    connect(reply, &QNetworkReply::redirectAllowed, this, &HttpResponse::onRedirectAllowed);
-    connect(reply, &QNetworkReply::preSharedKeyAuthenticationRequired, this,
-            &HttpResponse::onPreSharedKeyAuthenticationRequired);
+    QNetworkReply *reply = m_request.fields.reply;
+    if (!reply)
+        return;
+    for (const Wire &wire : replyWires())
+        QMetaObject::connect(reply, wire.signal, this, wire.slot);
     connect(reply->manager(), &QNetworkAccessManager::authenticationRequired, this,
             &HttpResponse::onAuthenticationRequired);
+    HttpCallbackBinder::attach(this, m_request.fields);
+    rememberReceivers();
 }
 
 template <auto Signal>
@@ -325,8 +352,7 @@ void HttpResponse::onReadOnceReplyHeader()
 {
     if (!m_request.fields.isDownload)
         return;
-    disconnect(m_request.fields.reply, &QNetworkReply::readyRead, this,
-               &HttpResponse::onReadOnceReplyHeader);
+    disconnect(m_request.fields.reply, SIGNAL(readyRead()), this, SLOT(onReadOnceReplyHeader()));
     const HttpRequestFields &fields = m_request.fields;
     m_downloadFile = std::make_unique<QFile>(fields.downloadFilePath);
     const bool resume = fields.supportsResume && fields.enableResume && m_downloadFile->exists();

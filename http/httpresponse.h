@@ -26,7 +26,7 @@ class HttpResponse : public QObject
 
 public:
     /// Serves the reply of @p request, if it has one, and attaches its callbacks.
-    HttpResponse(const HttpRequest &request, QObject *parent);
+    HttpResponse(HttpRequest request, QObject *parent);
     ~HttpResponse() override;
 
     /// Serves the reply of @p request from now on; used when a response is handed to a caller
@@ -126,7 +126,7 @@ private:
     template <auto Signal, typename... Values>
     bool deliver(Values &&...values);
 
-    void connectReply(QNetworkReply *reply);
+    void serveReply();
     void rememberReceivers();
     HttpRequest nextPerformance() const;
     bool deliverBody(QNetworkReply *reply);

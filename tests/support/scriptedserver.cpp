@@ -1,0 +1,112 @@
+#include "tests/support/scriptedserver.h"
+
+#include <QRegularExpression>
+#include <QSslSocket>
+
+namespace {
+
+/// The length of the first complete request in @p bytes; -1 while it is not complete.
+int completeLength(const QByteArray &bytes)
+{
+    const int headEnd = bytes.indexOf("\r\n\r\n");
+    if (headEnd < 0)
+        return -1;
+    static const QRegularExpression lengthHeader(QStringLiteral("\r\ncontent-length: *(\\d+)"),
+                                                 QRegularExpression::CaseInsensitiveOption);
+    const auto match = lengthHeader.match(QString::fromLatin1(bytes.left(headEnd)));
+    const int length = headEnd + 4 + match.captured(1).toInt();
+    return bytes.size() >= length ? length : -1;
+}
+
+} // namespace
+
+ScriptedServer::ScriptedServer(QObject *parent)
+    : QTcpServer(parent)
+{
+}
+
+ScriptedServer::ScriptedServer(Identity identity, QObject *parent)
+    : QTcpServer(parent)
+    , m_tls(true)
+    , m_configuration(QSslConfiguration::defaultConfiguration())
+{
+    m_configuration.setLocalCertificate(certificateOf(identity));
+    m_configuration.setPrivateKey(keyOf(identity));
+}
+
+bool ScriptedServer::start(quint16 port) { return listen(QHostAddress::LocalHost, port); }
+
+QString ScriptedServer::address(const QString &path) const
+{
+    return QStringLiteral("%1://localhost:%2%3")
+        .arg(m_tls ? QStringLiteral("https") : QStringLiteral("http"),
+             QString::number(serverPort()), path);
+}
+
+void ScriptedServer::answer(const QByteArray &bytes, Then then) { m_answers.append({bytes, then}); }
+
+void ScriptedServer::reset()
+{
+    m_answers.clear();
+    m_requests.clear();
+}
+
+QList<QByteArray> ScriptedServer::requests() const { return m_requests; }
+
+QByteArray ScriptedServer::reply(const QByteArray &body, const QByteArray &status,
+                                 const QByteArray &headers)
+{
+    return "HTTP/1.1 " + status + "\r\n" + headers
+           + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+}
+
+void ScriptedServer::incomingConnection(qintptr handle)
+{
+    auto *socket = new QSslSocket(this);
+    socket->setSocketDescriptor(handle);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    connect(socket, &QIODevice::readyRead, this, [this, socket] { read(socket); });
+    connect(socket, &QAbstractSocket::disconnected, this, [this, socket] {
+        m_pending.remove(socket);
+        socket->deleteLater();
+    });
+    if (m_tls) {
+        socket->setSslConfiguration(m_configuration);
+        socket->startServerEncryption();
+    }
+}
+
+void ScriptedServer::read(QTcpSocket *socket)
+{
+    QByteArray &bytes = m_pending[socket];
+    bytes += socket->readAll();
+    const int length = completeLength(bytes);
+    if (length < 0)
+        return;
+    const QByteArray request = bytes.left(length);
+    bytes.remove(0, length);
+    m_requests.append(request);
+    Q_EMIT requestReceived(request);
+    if (!m_answers.isEmpty())
+        give(socket, nextAnswer());
+}
+
+ScriptedServer::Answer ScriptedServer::nextAnswer()
+{
+    return m_answers.size() > 1 ? m_answers.takeFirst() : m_answers.first();
+}
+
+void ScriptedServer::give(QTcpSocket *socket, const Answer &answer)
+{
+    socket->write(answer.bytes);
+    if (answer.then == Then::Close) {
+        socket->disconnectFromHost(); // once the bytes are out
+    } else if (answer.then == Then::Reset) {
+        // A closed socket that lingers for no time at all sends a reset.
+        while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten())
+            ;
+        socket->abort();
+    } else {
+        socket->flush();
+    }
+}

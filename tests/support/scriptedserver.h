@@ -1,0 +1,77 @@
+#pragma once
+
+#include "tests/support/trust.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QSslConfiguration>
+#include <QTcpServer>
+
+class QSslSocket;
+class QTcpSocket;
+
+/// A server on loopback that answers each request with scripted bytes, over TLS or in the clear.
+/// Answers are used in order; the last one serves every further request.
+class ScriptedServer : public QTcpServer
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(ScriptedServer)
+
+public:
+    /// What follows the bytes of an answer.
+    enum class Then {
+        Close,    ///< The connection ends in order.
+        KeepOpen, ///< The connection waits for the next request.
+        Reset,    ///< The connection is cut off.
+    };
+
+    struct Answer
+    {
+        QByteArray bytes;
+        Then then = Then::Close;
+    };
+
+    /// In the clear.
+    explicit ScriptedServer(QObject *parent = nullptr);
+
+    /// Over TLS, as @p identity.
+    explicit ScriptedServer(Identity identity, QObject *parent = nullptr);
+
+    /// Listens on 127.0.0.1; port 0: any free one. False when it cannot.
+    bool start(quint16 port = 0);
+
+    /// The scheme, "localhost", the port and @p path.
+    QString address(const QString &path) const;
+
+    /// Adds an answer to the script.
+    void answer(const QByteArray &bytes, Then then = Then::Close);
+
+    /// Forgets the script and the requests.
+    void reset();
+
+    /// The bytes of each complete request, in order.
+    QList<QByteArray> requests() const;
+
+    /// A whole HTTP/1.1 reply with a Content-Length. @p headers: whole lines, each with its CRLF.
+    static QByteArray reply(const QByteArray &body, const QByteArray &status = "200 OK",
+                            const QByteArray &headers = QByteArray());
+
+Q_SIGNALS:
+    /// A request is complete; its answer follows when the receivers have returned.
+    void requestReceived(const QByteArray &request);
+
+protected:
+    void incomingConnection(qintptr handle) override;
+
+private:
+    void read(QTcpSocket *socket);
+    void give(QTcpSocket *socket, const Answer &answer);
+    Answer nextAnswer();
+
+    bool m_tls = false;
+    QSslConfiguration m_configuration;
+    QList<Answer> m_answers;
+    QList<QByteArray> m_requests;
+    QHash<QTcpSocket *, QByteArray> m_pending;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QtGlobal>
+
+/// The certificates that the test servers show.
+enum class Identity {
+    Localhost, ///< Right name, signed by the test authority.
+    Elsewhere, ///< Another name, signed by the test authority.
+    Stranger,  ///< Right name, signed by itself.
+};
+
+QSslCertificate certificateOf(Identity identity);
+QSslKey keyOf(Identity identity);
+
+/// Makes every TLS client of this process trust the test authority, and it alone, while it lives.
+class TrustTestAuthority
+{
+    Q_DISABLE_COPY(TrustTestAuthority)
+
+public:
+    TrustTestAuthority();
+    ~TrustTestAuthority();
+
+private:
+    QSslConfiguration m_previous;
+};
