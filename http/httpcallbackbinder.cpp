@@ -117,15 +117,16 @@ bool namesMember(const QString &key)
     return code == methodCode || code == slotCode || code == signalCode;
 }
 
-/// What a key names in a class of receivers.
+/// What a key under one kind comes to for a class of receivers.
 struct Member
 {
-    QByteArray signature; ///< Normalised, with the code in front.
-    int index = -1;       ///< In the class's meta-object; -1: there is no such member.
-    QByteArray declared;  ///< The signature that the meta-object has at the index.
+    int index = -1;           ///< In the class's meta-object; -1: there is no such member.
+    QByteArray declared;      ///< The signature that the meta-object has at the index.
+    std::vector<int> fitting; ///< The signals whose arguments begin with the member's own.
 };
 
-Member findMember(const QMetaObject *metaObject, const QString &key)
+// The rules are those of a string connection.
+Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
 {
     // Qt compares argument lists from the bracket on and would run past a text without one.
     if (!key.contains(QLatin1Char('(')))
@@ -133,12 +134,17 @@ Member findMember(const QMetaObject *metaObject, const QString &key)
     Member member;
     const QByteArray signature =
         QMetaObject::normalizedSignature(key.mid(1).toLatin1().constData());
-    member.signature = key.at(0).toLatin1() + signature;
     if (memberCode(key) == slotCode)
         member.index = metaObject->indexOfSlot(signature.constData());
     else if (memberCode(key) == signalCode)
         member.index = metaObject->indexOfSignal(signature.constData());
+    if (member.index < 0)
+        return member;
     member.declared = metaObject->method(member.index).methodSignature();
+    for (const TargetSignal &signal : *familyOf(kind)) {
+        if (QMetaObject::checkConnectArgs(signal.signature.constData(), signature.constData()))
+            member.fitting.push_back(signal.index);
+    }
     return member;
 }
 
@@ -146,42 +152,29 @@ Member findMember(const QMetaObject *metaObject, const QString &key)
 // same few members over and over, so what was found is kept, for each thread by itself. A
 // meta-object made at run time may have gone and another stand in its place: an entry is good for
 // as long as the method at its index is still the one that was found.
-Member memberOf(const QMetaObject *metaObject, const QString &key)
+const Member &memberOf(const QMetaObject *metaObject, int kind, const QString &key)
 {
     constexpr int mostEntries = 1024;
-    thread_local QHash<QPair<const QMetaObject *, QString>, Member> found;
-    const auto place = qMakePair(metaObject, key);
+    thread_local QHash<QPair<QPair<const QMetaObject *, int>, QString>, Member> found;
+    const auto place = qMakePair(qMakePair(metaObject, kind), key);
     const auto known = found.constFind(place);
-    if (known != found.constEnd()
+    if (known != found.constEnd() && known->index >= 0
         && metaObject->method(known->index).methodSignature() == known->declared)
         return *known;
     if (found.size() >= mostEntries)
         found.clear();
-    return *found.insert(place, findMember(metaObject, key));
+    return *found.insert(place, findMember(metaObject, kind, key));
 }
 
-// What a string connection does, by index: the signal's was found once for the process, the
-// member's once for the entry.
-bool connectMember(HttpResponse *response, const TargetSignal &signal, QObject *receiver,
-                   const Member &member)
-{
-    return member.index >= 0
-           && QMetaObject::checkConnectArgs(signal.signature.constData(),
-                                            member.signature.constData())
-           && QMetaObject::connect(response, signal.index, receiver, member.index,
-                                   Qt::AutoConnection);
-}
-
-int attachMember(HttpResponse *response, const Family &family, const QString &key,
-                 const QVariant &target)
+int attachMember(HttpResponse *response, int kind, const QString &key, const QVariant &target)
 {
     auto *receiver = target.value<QObject *>();
     if (!receiver)
         return 0;
-    const Member member = memberOf(receiver->metaObject(), key);
+    const Member &member = memberOf(receiver->metaObject(), kind, key);
     int attached = 0;
-    for (const TargetSignal &signal : family)
-        attached += int(connectMember(response, signal, receiver, member));
+    for (const int signal : member.fitting)
+        attached += int(bool(QMetaObject::connect(response, signal, receiver, member.index)));
     return attached;
 }
 
@@ -202,7 +195,7 @@ int attachEntry(HttpResponse *response, int kind, const QString &key, const QVar
     const Family *family = familyOf(kind);
     if (!family)
         return 0;
-    return namesMember(key) ? attachMember(response, *family, key, target)
+    return namesMember(key) ? attachMember(response, kind, key, target)
                             : attachFunction(response, *family, key, target);
 }
 

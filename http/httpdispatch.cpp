@@ -45,7 +45,7 @@ QNetworkReply *sendForm(HttpRequestFields &fields, const QByteArray &verb,
 {
     QNetworkReply *reply = sendMultiPart(fields, verb, form.get());
     if (reply)
-        form.release(); // the reply's child now
+        (void)form.release(); // the reply's child now
     return reply;
 }
 

@@ -87,7 +87,7 @@ const std::vector<Wire> &replyWires()
 
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
 {
-    const QString text = reply->errorString();
+    QString text = reply->errorString();
     if (!text.isEmpty())
         return text;
     return QLatin1String(QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(code));

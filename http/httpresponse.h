@@ -11,6 +11,9 @@
 
 #include <memory>
 
+// The overloads of finished, error, timeout and head are this class's interface: a callback picks
+// the form it wants by its own arguments. clazy:excludeall=overloaded-signal
+
 /// Serves one network reply: turns its events into signals, sends the request again for a retry or
 /// a repeat, and deletes the reply when it is over. A child of the reply, so it goes with it; it
 /// lives on the thread of the client. A receiver may destroy the response, the reply or the client

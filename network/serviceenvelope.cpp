@@ -24,7 +24,7 @@ void logRefusal(const ServiceEnvelope::Texts &texts, int code, const QString &me
 
 std::optional<QJsonValue> ServiceEnvelope::read(const QByteArray &reply, const Texts &texts)
 {
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(reply, &error);
     if (error.error != QJsonParseError::NoError) {
         logParseError(texts.slot, error);

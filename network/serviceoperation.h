@@ -2,17 +2,15 @@
 
 #include "http/httptypes.h"
 
-#include <QLatin1String>
-
 /// The parts of the web service, each the beginning of its endpoints' paths.
-constexpr QLatin1String convertServicePrefix("/convert/public/index.php/v1/");
+constexpr char convertServicePrefix[] = "/convert/public/index.php/v1/";
 
 /// What the request of an operation is made of, and the slots of VoNetworker that answer it.
 struct ServiceOperation
 {
-    HttpMethod method;
-    QLatin1String prefix;
-    QLatin1String path; ///< Appended to the prefix as it stands.
-    QLatin1String successSlot;
-    QLatin1String failureSlot;
+    HttpMethod method = HttpMethod::Unknown;
+    const char *prefix = nullptr;
+    const char *path = nullptr; ///< Appended to the prefix as it stands.
+    const char *successSlot = nullptr;
+    const char *failureSlot = nullptr;
 };

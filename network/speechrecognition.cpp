@@ -10,17 +10,15 @@
 
 namespace {
 
-constexpr ServiceOperation shortSTT{
-    HttpMethod::Post, convertServicePrefix, QLatin1String("asr/process"),
-    QLatin1String("1slotShortSTTSuc(QByteArray)"), QLatin1String("1slotShortSTTFail(QByteArray)")};
-constexpr ServiceOperation createSTTTask{HttpMethod::Post, convertServicePrefix,
-                                         QLatin1String("asr/process"),
-                                         QLatin1String("1slotCreateSTTTaskSuc(QByteArray)"),
-                                         QLatin1String("1slotCreateSTTTaskFail(QByteArray)")};
+constexpr ServiceOperation shortSTT{HttpMethod::Post, convertServicePrefix, "asr/process",
+                                    "1slotShortSTTSuc(QByteArray)",
+                                    "1slotShortSTTFail(QByteArray)"};
+constexpr ServiceOperation createSTTTask{HttpMethod::Post, convertServicePrefix, "asr/process",
+                                         "1slotCreateSTTTaskSuc(QByteArray)",
+                                         "1slotCreateSTTTaskFail(QByteArray)"};
 constexpr ServiceOperation getSTTTaskResult{HttpMethod::Post, convertServicePrefix,
-                                            QLatin1String("asr/getProcessResult"),
-                                            QLatin1String("1slotGetSTTRetSuc(QByteArray)"),
-                                            QLatin1String("1slotGetSTTRetFail(QByteArray)")};
+                                            "asr/getProcessResult", "1slotGetSTTRetSuc(QByteArray)",
+                                            "1slotGetSTTRetFail(QByteArray)"};
 
 constexpr ServiceEnvelope::Texts shortSTTTexts{"slotShortSTTSuc",
                                                "[error]slotShortSTTSuc failed:", ","};
@@ -29,7 +27,7 @@ constexpr ServiceEnvelope::Texts createSTTTaskTexts{"slotCreateSTTTaskSuc",
 constexpr ServiceEnvelope::Texts getSTTRetTexts{"slotGetSTTRetSuc",
                                                 "[error]slotGetSTTRetSuc failed:retCode=", ",msg="};
 
-constexpr QLatin1String longRecognition("recordingRecognition");
+const QLatin1String longRecognition("recordingRecognition");
 
 QJsonObject shortSTTBody(const QString &fileLink, const QString &pageFeature)
 {

@@ -10,20 +10,16 @@
 
 namespace {
 
-constexpr ServiceOperation tts{HttpMethod::Post, convertServicePrefix, QLatin1String("asr/process"),
-                               QLatin1String("1slotTTSSuc(QByteArray)"),
-                               QLatin1String("1slotTTSFail(QByteArray)")};
-constexpr ServiceOperation anonymousTTS{
-    HttpMethod::Post, convertServicePrefix, QLatin1String("asr/freeProcess"),
-    QLatin1String("1slotTTSSuc(QByteArray)"), QLatin1String("1slotTTSFail(QByteArray)")};
-constexpr ServiceOperation longTTSTask{HttpMethod::Post, convertServicePrefix,
-                                       QLatin1String("asr/process"),
-                                       QLatin1String("1slotLongTTSTaskSuc(QByteArray)"),
-                                       QLatin1String("1slotLongTTSTaskFail(QByteArray)")};
-constexpr ServiceOperation longTTSStatus{HttpMethod::Post, convertServicePrefix,
-                                         QLatin1String("asr/getProcessResult"),
-                                         QLatin1String("1slotLongTTSTaskStatusSuc(QByteArray)"),
-                                         QLatin1String("1slotLongTTSTaskStatusFail(QByteArray)")};
+constexpr ServiceOperation tts{HttpMethod::Post, convertServicePrefix, "asr/process",
+                               "1slotTTSSuc(QByteArray)", "1slotTTSFail(QByteArray)"};
+constexpr ServiceOperation anonymousTTS{HttpMethod::Post, convertServicePrefix, "asr/freeProcess",
+                                        "1slotTTSSuc(QByteArray)", "1slotTTSFail(QByteArray)"};
+constexpr ServiceOperation longTTSTask{HttpMethod::Post, convertServicePrefix, "asr/process",
+                                       "1slotLongTTSTaskSuc(QByteArray)",
+                                       "1slotLongTTSTaskFail(QByteArray)"};
+constexpr ServiceOperation longTTSStatus{
+    HttpMethod::Post, convertServicePrefix, "asr/getProcessResult",
+    "1slotLongTTSTaskStatusSuc(QByteArray)", "1slotLongTTSTaskStatusFail(QByteArray)"};
 
 constexpr ServiceEnvelope::Texts ttsTexts{"slotTTSSuc",
                                           "[error]slotTTSSuc failed:retCode=", ",msg="};
@@ -32,7 +28,7 @@ constexpr ServiceEnvelope::Texts longTTSTaskTexts{"slotLongTTSTaskSuc",
 constexpr ServiceEnvelope::Texts longTTSTaskStatusTexts{
     "slotLongTTSTaskStatusSuc", "[error]slotLongTTSTaskStatusSuc failed:retCode=", ",msg="};
 
-constexpr QLatin1String longSynthesis("longVoiceSynthesis");
+const QLatin1String longSynthesis("longVoiceSynthesis");
 
 QJsonObject synthesisBody(const QString &feature, const TTSParams &params)
 {

@@ -8,10 +8,9 @@
 
 namespace {
 
-constexpr ServiceOperation getOssSign{HttpMethod::Get, convertServicePrefix,
-                                      QLatin1String("upload/getsignsts"),
-                                      QLatin1String("1slotGetOssSignSuc(QByteArray)"),
-                                      QLatin1String("1slotGetOssSignFail(QByteArray)")};
+constexpr ServiceOperation getOssSign{HttpMethod::Get, convertServicePrefix, "upload/getsignsts",
+                                      "1slotGetOssSignSuc(QByteArray)",
+                                      "1slotGetOssSignFail(QByteArray)"};
 
 constexpr ServiceEnvelope::Texts getOssSignTexts{"slotGetOssSignSuc",
                                                  "[error]get oss sign failed:", nullptr};

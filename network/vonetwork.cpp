@@ -14,4 +14,4 @@ VoNetworkIntf *VoNetwork::CreateVoNetworkIntf()
 
 void VoNetwork::ReleaseVoNetwork(VoNetworkIntf *intf) { intf->deleteLater(); }
 
-QString VoNetwork::GetAppVersion() { return BuildConstants::libraryVersion; }
+QString VoNetwork::GetAppVersion() { return QLatin1String(BuildConstants::libraryVersion); }

@@ -11,12 +11,12 @@
 namespace {
 
 constexpr int applicationCode = 40000000;
-constexpr QLatin1String channelCode("channel_360");
+constexpr char channelCode[] = "channel_360";
 
 } // namespace
 
 VoNetworker::VoNetworker()
-    : deviceId(runCommand(BuildConstants::deviceIdCommand))
+    : deviceId(runCommand(QLatin1String(BuildConstants::deviceIdCommand)))
     , client(new HttpClient) // deleted later by the destructor
 {
 }
@@ -47,8 +47,8 @@ QString VoNetworker::runCommand(QString command)
 QVariantMap VoNetworker::commonHeaders() const
 {
     return {{QStringLiteral("appcode"), applicationCode},
-            {QStringLiteral("appversion"), QString(BuildConstants::libraryVersion)},
-            {QStringLiteral("channelcode"), QString(channelCode)},
+            {QStringLiteral("appversion"), QLatin1String(BuildConstants::libraryVersion)},
+            {QStringLiteral("channelcode"), QLatin1String(channelCode)},
             {QStringLiteral("deviceid"), deviceId}};
 }
 
@@ -63,13 +63,14 @@ void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &he
                         const QJsonObject &body)
 {
     // Plain concatenation: a path that begins with a slash is sent with a doubled one.
+    const QString address = QLatin1String(BuildConstants::serviceBaseAddress)
+                            + QLatin1String(operation.prefix) + QLatin1String(operation.path);
     HttpRequest request(operation.method, client);
-    request.url(BuildConstants::serviceBaseAddress + operation.prefix + operation.path)
-        .headers(headers);
+    request.url(address).headers(headers);
     if (operation.method == HttpMethod::Post)
         request.jsonBody(body);
     const QVariant self = QVariant::fromValue(static_cast<QObject *>(this));
-    request.bind(CallbackKind::Finished, operation.successSlot, self)
-        .bind(CallbackKind::Error, operation.failureSlot, self)
+    request.bind(CallbackKind::Finished, QLatin1String(operation.successSlot), self)
+        .bind(CallbackKind::Error, QLatin1String(operation.failureSlot), self)
         .send();
 }
