@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds with warnings as errors and runs every test.
+# Usage: scripts/test.sh [PRESET ...]   gcc (the default), clang or asan
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-packages.sh check
+for preset in "${@:-gcc}"; do
+    echo "== $preset"
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset"
+    ctest --preset "$preset" -j "$(nproc)"
+done
