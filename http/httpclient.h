@@ -3,7 +3,10 @@
 #include <QNetworkAccessManager>
 
 /// The access manager on which requests are made. It belongs to its parent or its creator, and
-/// requests are sent from its thread only. Destroying it ends its requests without an answer.
+/// requests are sent from its thread only. Destroying it ends its requests without an answer. It
+/// may be destroyed from inside a callback of its own requests, except those that Qt is waiting on
+/// for an answer: of AuthenticationRequired, AuthenticationRequireFailed and
+/// PreSharedKeyAuthenticationRequired.
 class HttpClient : public QNetworkAccessManager
 {
     Q_OBJECT
@@ -11,4 +14,5 @@ class HttpClient : public QNetworkAccessManager
 
 public:
     using QNetworkAccessManager::QNetworkAccessManager;
+    ~HttpClient() override;
 };

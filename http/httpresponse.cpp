@@ -124,13 +124,15 @@ HttpResponse::~HttpResponse() = default;
 
 const HttpRequest &HttpResponse::request() const { return m_request; }
 
+bool HttpResponse::isDelivering() const { return m_deliveries > 0; }
+
 void HttpResponse::setRequest(const HttpRequest &request)
 {
     const bool changed = m_request.fields.reply != request.fields.reply;
     m_request = request;
     serveReply();
     if (changed)
-        Q_EMIT replyChanged(m_request.fields.reply);
+        deliver<&HttpResponse::replyChanged>(m_request.fields.reply);
 }
 
 void HttpResponse::serveReply()
@@ -159,8 +161,12 @@ template <auto Signal, typename... Values>
 bool HttpResponse::deliver(Values &&...values)
 {
     const QPointer<HttpResponse> self(this);
+    ++m_deliveries;
     Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
-    return !self.isNull();
+    if (!self)
+        return false;
+    --m_deliveries;
+    return true;
 }
 
 void HttpResponse::onFinished()
@@ -316,7 +322,7 @@ void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator
     if (fields.maxAuthenticationTimes >= 0 && m_authenticationCount > fields.maxAuthenticationTimes)
         return;
     if (fields.authenticator.isNull()) {
-        Q_EMIT authenticationRequired(authenticator);
+        deliver<&HttpResponse::authenticationRequired>(authenticator);
         return;
     }
     authenticator->setUser(fields.authenticator.user());
@@ -370,7 +376,7 @@ void HttpResponse::onReadyRead()
         else if (!deliverFileProblem(QStringLiteral("Url: %1 %2 Write failed!")))
             return;
     }
-    Q_EMIT readyRead(reply);
+    deliver<&HttpResponse::readyRead>(reply);
 }
 
 bool HttpResponse::deliverFileProblem(const QString &pattern)
@@ -382,26 +388,29 @@ bool HttpResponse::deliverFileProblem(const QString &pattern)
 
 void HttpResponse::onDownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
 {
-    Q_EMIT downloadFileProgress(bytesReceived, bytesTotal);
+    deliver<&HttpResponse::downloadFileProgress>(bytesReceived, bytesTotal);
 }
 
 void HttpResponse::onUploadProgress(qint64 bytesSent, qint64 bytesTotal)
 {
-    Q_EMIT uploadProgress(bytesSent, bytesTotal);
+    deliver<&HttpResponse::uploadProgress>(bytesSent, bytesTotal);
 }
 
-void HttpResponse::onEncrypted() { Q_EMIT encrypted(); }
+void HttpResponse::onEncrypted() { deliver<&HttpResponse::encrypted>(); }
 
-void HttpResponse::onMetaDataChanged() { Q_EMIT metaDataChanged(); }
+void HttpResponse::onMetaDataChanged() { deliver<&HttpResponse::metaDataChanged>(); }
 
 void HttpResponse::onPreSharedKeyAuthenticationRequired(
     QSslPreSharedKeyAuthenticator *authenticator)
 {
-    Q_EMIT preSharedKeyAuthenticationRequired(authenticator);
+    deliver<&HttpResponse::preSharedKeyAuthenticationRequired>(authenticator);
 }
 
-void HttpResponse::onRedirectAllowed() { Q_EMIT redirectAllowed(); }
+void HttpResponse::onRedirectAllowed() { deliver<&HttpResponse::redirectAllowed>(); }
 
-void HttpResponse::onRedirected(QUrl url) { Q_EMIT redirected(std::move(url)); }
+void HttpResponse::onRedirected(QUrl url) { deliver<&HttpResponse::redirected>(std::move(url)); }
 
-void HttpResponse::onSslErrors(QList<QSslError> errors) { Q_EMIT sslErrors(std::move(errors)); }
+void HttpResponse::onSslErrors(QList<QSslError> errors)
+{
+    deliver<&HttpResponse::sslErrors>(std::move(errors));
+}

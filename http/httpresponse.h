@@ -16,8 +16,8 @@
 
 /// Serves one network reply: turns its events into signals, sends the request again for a retry or
 /// a repeat, and deletes the reply when it is over. A child of the reply, so it goes with it; it
-/// lives on the thread of the client. A receiver may destroy the response, the reply or the client
-/// from inside any signal.
+/// lives on the thread of the client. From inside a signal a receiver may abort the reply, delete
+/// it later, or destroy the client (HttpClient says when not).
 ///
 /// Exactly one outcome is reported for each performance of the request: either the finished()
 /// family or the error() family. Whoever is connected to finished(QNetworkReply*),
@@ -38,6 +38,9 @@ public:
 
     /// The copy of the request that was sent.
     const HttpRequest &request() const;
+
+    /// Whether one of the signals is being emitted.
+    bool isDelivering() const;
 
 Q_SIGNALS:
     /// Another reply is served than before.
@@ -145,5 +148,6 @@ private:
     qint32 m_authenticationCount = 0;
     bool m_headHandled = false;
     bool m_outcomeReported = false;
+    int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
     QHash<QObject *, QPointer<QObject>> m_receivers; ///< Only of requests that may go out again.
 };
