@@ -3,7 +3,6 @@
 #include "http/httpresponse.h"
 
 #include <QNetworkReply>
-#include <QSignalBlocker>
 
 namespace {
 
@@ -16,11 +15,12 @@ bool isInUse(const QNetworkReply *reply)
     return response && response->isDelivering();
 }
 
-// Aborted and silent, until control is back in the event loop.
+// Aborted, until control is back in the event loop; silent for good, since the access manager that
+// is about to go listens to it as well.
 void outlive(QNetworkReply *reply)
 {
     delete reply->findChild<HttpResponse *>(QString(), Qt::FindDirectChildrenOnly);
-    const QSignalBlocker silent(reply);
+    reply->blockSignals(true);
     reply->abort();
     reply->setParent(nullptr);
     reply->deleteLater();

@@ -10,7 +10,6 @@
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
 
-#include <algorithm>
 #include <vector>
 
 namespace {
@@ -259,8 +258,9 @@ void HttpResponse::rememberReceivers()
         return;
     for (const HttpRequestFields::Callbacks &callbacks : qAsConst(m_request.fields.callbacks)) {
         for (const auto &[key, target] : callbacks) {
-            if (auto *receiver = target.value<QObject *>())
-                m_receivers.insert(receiver, receiver);
+            auto *receiver = target.value<QObject *>();
+            m_receivers.push_back(receiver ? std::make_optional(QPointer<QObject>(receiver))
+                                           : std::nullopt);
         }
     }
 }
@@ -268,13 +268,16 @@ void HttpResponse::rememberReceivers()
 HttpRequest HttpResponse::nextPerformance() const
 {
     HttpRequest next(m_request);
+    auto receiver = m_receivers.cbegin();
     for (HttpRequestFields::Callbacks &callbacks : next.fields.callbacks) {
-        const auto isGone = [this](const QPair<QString, QVariant> &entry) {
-            auto *receiver = entry.second.value<QObject *>();
-            return receiver && m_receivers.value(receiver).isNull();
-        };
-        callbacks.erase(std::remove_if(callbacks.begin(), callbacks.end(), isGone),
-                        callbacks.end());
+        HttpRequestFields::Callbacks living;
+        for (const auto &callback : qAsConst(callbacks)) {
+            const bool gone = receiver->has_value() && receiver->value().isNull();
+            if (!gone)
+                living.append(callback);
+            ++receiver;
+        }
+        callbacks = living;
     }
     return next;
 }

@@ -3,13 +3,14 @@
 #include "http/httprequest.h"
 
 #include <QFile>
-#include <QHash>
 #include <QNetworkReply>
 #include <QObject>
 #include <QPointer>
 #include <QUrl>
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 // The overloads of finished, error, timeout and head are this class's interface: a callback picks
 // the form it wants by its own arguments. clazy:excludeall=overloaded-signal
@@ -149,5 +150,7 @@ private:
     bool m_headHandled = false;
     bool m_outcomeReported = false;
     int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
-    QHash<QObject *, QPointer<QObject>> m_receivers; ///< Only of requests that may go out again.
+    /// For each callback, in the table's order: the receiver, if it has one. Kept only for requests
+    /// that may go out again.
+    std::vector<std::optional<QPointer<QObject>>> m_receivers;
 };

@@ -28,7 +28,8 @@ FileFetch::Result FileFetch::fetch(const QString &address, const char *tag)
         reply->abort();
     if (reply->error() != QNetworkReply::NoError)
         qDebug() << "[error]" << tag << errorName(reply->error());
-    return {reply->error(), reply->readAll()}; // the reply goes with its manager
+    // An aborted reply is closed; any goes with its manager.
+    return {reply->error(), reply->isOpen() ? reply->readAll() : QByteArray()};
 }
 
 bool FileFetch::save(const QByteArray &body, const QString &path, const char *tag,

@@ -13,6 +13,13 @@ namespace {
 constexpr int applicationCode = 40000000;
 constexpr char channelCode[] = "channel_360";
 
+// A request depends on nothing that an earlier reply has left behind.
+void keepNoCookies(QNetworkRequest *request)
+{
+    request->setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request->setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+}
+
 } // namespace
 
 VoNetworker::VoNetworker()
@@ -35,6 +42,8 @@ QString VoNetworker::runCommand(QString command)
         process.start(command, QIODevice::ReadWrite);
     QT_WARNING_POP
     process.waitForFinished(-1);
+    if (!process.isOpen()) // there is no program in the command
+        return QString();
     QString output = QString::fromLocal8Bit(process.readAllStandardOutput());
     const QString title = command.split(QLatin1Char(' ')).last();
     output.remove(title, Qt::CaseInsensitive);
@@ -67,6 +76,7 @@ void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &he
                             + QLatin1String(operation.prefix) + QLatin1String(operation.path);
     HttpRequest request(operation.method, client);
     request.url(address).headers(headers);
+    keepNoCookies(&request.fields.networkRequest);
     if (operation.method == HttpMethod::Post)
         request.jsonBody(body);
     const QVariant self = QVariant::fromValue(static_cast<QObject *>(this));
