@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tests/network/operation.h"
+#include "tests/network/servicetest.h"
+
+/// What holds for every asynchronous operation; a test of one family says which are its own and
+/// adds what is particular to them.
+class OperationTest : public ServiceTest
+{
+    Q_OBJECT
+
+protected:
+    virtual QList<Operation> operations() const = 0;
+
+    /// Calls @p operation once with the service answering @p reply, and compares the request on
+    /// the wire, every log line (@p log: those after the start) and every signal.
+    void exchange(const Operation &operation, const QByteArray &reply, const QStringList &log,
+                  const QString &answer);
+
+    /// Compares the bytes that @p call sends and the only line it logs before the answer.
+    void compareRequest(const std::function<void(VoNetworkIntf *)> &call, const QByteArray &request,
+                        const QString &start);
+
+    /// The columns for rows that differ in the member "data" of a successful reply.
+    static void addDataColumns();
+
+    /// Compares what @p operation makes of the current row.
+    void exchangeData(const Operation &operation);
+
+private Q_SLOTS:
+    void sendsExactlyOneRequestAndDeliversItsResult_data();
+    void sendsExactlyOneRequestAndDeliversItsResult();
+    void readsTheEnvelope_data();
+    void readsTheEnvelope();
+    void turnsEveryHttpErrorIntoItsFailure_data();
+    void turnsEveryHttpErrorIntoItsFailure();
+    void failsWhenTheConnectionIsCutOff_data();
+    void failsWhenTheConnectionIsCutOff();
+    void failsWhenNobodyListens_data();
+    void failsWhenNobodyListens();
+
+private:
+    void addOperationRows();
+};

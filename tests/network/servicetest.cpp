@@ -1,0 +1,79 @@
+#include "tests/network/servicetest.h"
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+#include <QSslSocket>
+#include <QTest>
+
+void ServiceTest::initMain() { qputenv("LC_ALL", "C.UTF-8"); }
+
+bool ServiceTest::waitUntil(const std::function<bool()> &condition)
+{
+    return QTest::qWaitFor(condition, 30000);
+}
+
+void ServiceTest::init()
+{
+    trust = std::make_unique<TrustTestAuthority>();
+    server = std::make_unique<ScriptedServer>(Identity::Localhost);
+    QVERIFY(server->start(SERVICE_PORT));
+    log = std::make_unique<LogCapture>();
+    service = VoNetwork::CreateVoNetworkIntf();
+    answers = std::make_unique<Answers>(service);
+}
+
+void ServiceTest::cleanup()
+{
+    release();
+    answers.reset();
+    log.reset();
+    server.reset();
+    trust.reset();
+}
+
+QStringList ServiceTest::outcome(int count)
+{
+    answers->waitFor(count);
+    release();
+    return answers->calls();
+}
+
+void ServiceTest::release()
+{
+    if (!service)
+        return;
+    QSignalSpy gone(service, &QObject::destroyed);
+    VoNetwork::ReleaseVoNetwork(service);
+    service = nullptr;
+    QVERIFY(gone.wait());
+    QCoreApplication::processEvents(); // the access manager goes after its owner
+}
+
+QStringList ServiceTest::logged() const
+{
+    static const QStringList kinds{QString(), "warning: "_s, "critical: "_s, "fatal: "_s,
+                                   "info: "_s};
+    QStringList texts;
+    const QList<LogCapture::Line> lines = log->lines();
+    for (const LogCapture::Line &line : lines)
+        texts.append(kinds.at(line.type) + line.text);
+    return texts;
+}
+
+QList<QSslSocket *> ServiceTest::connections() const
+{
+    QList<QSslSocket *> open;
+    const auto sockets = server->findChildren<QSslSocket *>();
+    for (QSslSocket *socket : sockets) {
+        if (socket->state() == QAbstractSocket::ConnectedState)
+            open.append(socket);
+    }
+    return open;
+}
+
+void ServiceTest::answerLate(int index, const QByteArray &bytes)
+{
+    QSslSocket *socket = connections().at(index);
+    socket->write(bytes);
+    socket->disconnectFromHost();
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDebug>
+#include <QString>
+
+/// UTF-8 source text as a QString: "é"_s.
+inline QString operator""_s(const char *text, std::size_t size)
+{
+    return QString::fromUtf8(text, static_cast<int>(size));
+}
+
+/// @p text as the debug stream writes a QString.
+inline QString quoted(const QString &text)
+{
+    QString line;
+    QDebug(&line).nospace() << text;
+    return line;
+}

@@ -1,0 +1,246 @@
+#include "network/vonetworker.h"
+#include "tests/network/fakecommand.h"
+
+#include "tests/network/servicetest.h"
+
+#include <QFile>
+#include <QMetaMethod>
+#include <QTest>
+
+#include <type_traits>
+
+namespace {
+
+/// Reaches what is protected.
+class Networker : public VoNetworker
+{
+public:
+    using VoNetworker::runCommand;
+    using VoNetworker::slotCreateSTTTaskFail;
+    using VoNetworker::slotCreateSTTTaskSuc;
+    using VoNetworker::slotGetOssSignFail;
+    using VoNetworker::slotGetOssSignSuc;
+    using VoNetworker::slotGetSTTRetFail;
+    using VoNetworker::slotGetSTTRetSuc;
+    using VoNetworker::slotLongTTSTaskFail;
+    using VoNetworker::slotLongTTSTaskStatusFail;
+    using VoNetworker::slotLongTTSTaskStatusSuc;
+    using VoNetworker::slotLongTTSTaskSuc;
+    using VoNetworker::slotShortSTTFail;
+    using VoNetworker::slotShortSTTSuc;
+    using VoNetworker::slotTTSFail;
+    using VoNetworker::slotTTSSuc;
+};
+
+static_assert(std::is_base_of_v<VoNetworkIntf, VoNetworker>);
+static_assert(!std::is_abstract_v<VoNetworker>);
+static_assert(std::is_default_constructible_v<VoNetworker>);
+static_assert(!std::is_constructible_v<VoNetworker, QObject *>);
+static_assert(std::is_same_v<decltype(&Networker::runCommand), QString (VoNetworker::*)(QString)>);
+
+template <typename... Slots>
+constexpr bool takeBytesByValue(Slots...)
+{
+    return (std::is_same_v<Slots, void (VoNetworker::*)(QByteArray)> && ...);
+}
+static_assert(takeBytesByValue(&Networker::slotGetOssSignSuc, &Networker::slotGetOssSignFail,
+                               &Networker::slotShortSTTSuc, &Networker::slotShortSTTFail,
+                               &Networker::slotCreateSTTTaskSuc, &Networker::slotCreateSTTTaskFail,
+                               &Networker::slotGetSTTRetSuc, &Networker::slotGetSTTRetFail,
+                               &Networker::slotTTSSuc, &Networker::slotTTSFail,
+                               &Networker::slotLongTTSTaskSuc, &Networker::slotLongTTSTaskFail,
+                               &Networker::slotLongTTSTaskStatusSuc,
+                               &Networker::slotLongTTSTaskStatusFail));
+
+} // namespace
+
+/// What the networker is made of: its meta-object and its device-identifier command.
+class TestVoNetworker : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { ServiceTest::initMain(); }
+
+    void declaresItsSlotsInOrder();
+    void declaresNothingElse();
+    void cleansWhatACommandPrints_data();
+    void cleansWhatACommandPrints();
+    void removesTheLastWordOfTheCommand_data();
+    void removesTheLastWordOfTheCommand();
+    void splitsACommandIntoItsArguments_data();
+    void splitsACommandIntoItsArguments();
+    void readsAllThatACommandPrints();
+    void waitsForACommandToEnd();
+    void yieldsNothingForACommandThatCannotRun_data();
+    void yieldsNothingForACommandThatCannotRun();
+
+private:
+    static QString printed(const QByteArray &script, const QString &command)
+    {
+        const FakeCommand tool(QStringLiteral("vo-tool"), script);
+        const LogCapture log;
+        const QString output = Networker().runCommand(command);
+        return log.lines().isEmpty() ? output : "logged: "_s + log.lines().first().text;
+    }
+};
+
+void TestVoNetworker::declaresItsSlotsInOrder()
+{
+    const QMetaObject &meta = VoNetworker::staticMetaObject;
+    QStringList declared;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        QCOMPARE(method.methodType(), QMetaMethod::Slot);
+        QCOMPARE(method.access(), QMetaMethod::Protected);
+        QCOMPARE(method.typeName(), "void");
+        declared.append(QString::fromLatin1(method.methodSignature()) + QLatin1Char(' ')
+                        + QString::fromLatin1(method.parameterNames().join(',')));
+    }
+    QStringList expected;
+    for (const char *name : {"slotGetOssSign", "slotShortSTT", "slotCreateSTTTask", "slotGetSTTRet",
+                             "slotTTS", "slotLongTTSTask", "slotLongTTSTaskStatus"})
+        expected << "%1Suc(QByteArray) jsonStr"_s.arg(QLatin1String(name))
+                 << "%1Fail(QByteArray) failInfo"_s.arg(QLatin1String(name));
+    QCOMPARE(declared, expected);
+}
+
+void TestVoNetworker::declaresNothingElse()
+{
+    const QMetaObject &meta = VoNetworker::staticMetaObject;
+    QCOMPARE(meta.className(), "VoNetworker");
+    QCOMPARE(meta.superClass(), &VoNetworkIntf::staticMetaObject);
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+    QCOMPARE(meta.enumeratorCount(), meta.enumeratorOffset());
+    QCOMPARE(meta.classInfoCount(), 0);
+    QCOMPARE(meta.constructorCount(), 0);
+}
+
+void TestVoNetworker::cleansWhatACommandPrints_data()
+{
+    QTest::addColumn<QByteArray>("output"); // as printf takes it
+    QTest::addColumn<QString>("cleaned");
+    const auto row = [](const char *title, const char *output, const char *cleaned) {
+        QTest::newRow(title) << QByteArray(output) << QString::fromUtf8(cleaned);
+    };
+    row("a title and a value",
+        R"(UUID                                  \r\r\n)"
+        R"(4C4C4544-0042-3510  \r\r\n\r\r\n)",
+        "4C4C4544-0042-3510");
+    row("nothing", "", "");
+    row("the title alone", R"(UUID\r\n)", "");
+    row("blank lines alone", R"(\r\n \t \n)", "");
+    row("the title in any letter case", R"(uuidUUIDUuIda)", "a");
+    row("the title everywhere", R"(xUUIDyuuidz uuid 1uuid)", "xyz 1");
+    row("a title that forms by removal stays", R"(uuUUIDid)", "uuid");
+    row("a title across lines stays", R"(uu\nid)", "uuid");
+    row("a title across lines of the other kind stays", R"(uu\rid)", "uuid");
+    row("lines are joined without a blank", R"(a\nb\r\nc\rd)", "abcd");
+    row("runs of blanks become one", R"(  a \t b \013 c\f )", "a b c");
+    row("another script", R"(值 é UUID)", "值 é");
+    row("no-break blanks are blanks",
+        "\xc2\xa0"
+        R"(a)"
+        "\xc2\xa0\xc2\xa0"
+        R"(b)",
+        "a b");
+}
+
+void TestVoNetworker::cleansWhatACommandPrints()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(QString, cleaned);
+    QCOMPARE(printed("printf '" + output + '\'', "vo-tool csproduct get uuid"_s), cleaned);
+}
+
+void TestVoNetworker::removesTheLastWordOfTheCommand_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("cleaned");
+    QTest::newRow("the last of several") << "vo-tool one two"_s
+                                         << "one vo-tool"_s;
+    QTest::newRow("the command itself") << "vo-tool"_s
+                                        << "one two"_s;
+    QTest::newRow("in other letters") << "vo-tool TWO"_s
+                                      << "one vo-tool"_s;
+    QTest::newRow("no characters of a pattern") << "vo-tool o.e"_s
+                                                << "one two vo-tool"_s;
+    // A blank at the end leaves an empty last word, which is nowhere.
+    QTest::newRow("a blank at the end") << "vo-tool two "_s
+                                        << "one two vo-tool"_s;
+    // Words end at blanks only, whatever quotation marks say.
+    QTest::newRow("half a quotation") << R"(vo-tool "one two")"_s
+                                      << "one two vo-tool"_s;
+}
+
+void TestVoNetworker::removesTheLastWordOfTheCommand()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, cleaned);
+    QCOMPARE(printed("echo one two vo-tool", command), cleaned);
+}
+
+void TestVoNetworker::splitsACommandIntoItsArguments_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("arguments");
+    QTest::newRow("none") << "vo-tool"_s
+                          << ""_s;
+    QTest::newRow("several") << "vo-tool a b c z"_s
+                             << "[a][b][c][]"_s;
+    QTest::newRow("quotation marks keep blanks") << R"(vo-tool "a b" c z)"_s
+                                                 << "[a b][c][]"_s;
+    QTest::newRow("quotation marks in a word") << R"(vo-tool a" "b z)"_s
+                                               << "[a b][]"_s;
+    QTest::newRow("three quotation marks are one") << R"(vo-tool """a""" z)"_s
+                                                   << R"(["a"][])"_s;
+    QTest::newRow("runs of blanks") << "vo-tool   a    b z"_s
+                                    << "[a][b][]"_s;
+    QTest::newRow("nothing is expanded") << "vo-tool $HOME *;b|c z"_s
+                                         << "[$HOME][*;b|c][]"_s;
+}
+
+void TestVoNetworker::splitsACommandIntoItsArguments()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, arguments);
+    QCOMPARE(printed(R"(for a in "$@"; do printf '[%s]' "$a"; done)", command), arguments);
+}
+
+void TestVoNetworker::readsAllThatACommandPrints()
+{
+    // More than a pipe holds at once, and nothing of what goes to standard error.
+    const QString output =
+        printed("i=0; while [ $i -lt 20000 ]; do echo 0123456789; i=$((i+1)); done; echo bad >&2",
+                "vo-tool x"_s);
+    QCOMPARE(output.size(), 200000);
+    QCOMPARE(output, "0123456789"_s.repeated(20000));
+}
+
+void TestVoNetworker::waitsForACommandToEnd()
+{
+    // The command goes on after its output is closed: the end of that is not its own.
+    const FakeCommand tool("vo-tool"_s, "echo a; exec >&-; echo ended > \"${0%/*}/ended\"; exit 3");
+    QCOMPARE(Networker().runCommand("vo-tool x"_s), "a"_s);
+    QVERIFY(QFile::exists(tool.folder() + "/ended"_s));
+}
+
+void TestVoNetworker::yieldsNothingForACommandThatCannotRun_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("unknown") << "vo-no-such-tool get uuid"_s;
+    QTest::newRow("a path to nothing") << "/no/such/folder/tool uuid"_s;
+    QTest::newRow("a folder") << "/ uuid"_s;
+    QTest::newRow("empty") << QString();
+    QTest::newRow("blank") << "   "_s;
+    QTest::newRow("quotation marks alone") << R"("")"_s;
+}
+
+void TestVoNetworker::yieldsNothingForACommandThatCannotRun()
+{
+    QFETCH(QString, command);
+    QCOMPARE(printed("echo never", command), QString());
+}
+
+QTEST_GUILESS_MAIN(TestVoNetworker)
+#include "tst_vonetworker.moc"
