@@ -1,0 +1,55 @@
+#include "requestlog.h"
+
+#include <cstdio>
+#include <ctime>
+
+namespace localservice {
+
+namespace {
+
+constexpr std::size_t longestText = 200;
+
+// A client must not be able to write lines of its own, or to a terminal's controls.
+std::string printable(const std::string &text)
+{
+    std::string result = text.empty() ? "-" : text.substr(0, longestText);
+    for (char &c : result) {
+        if (c <= ' ' || c > '~')
+            c = '?';
+    }
+    return result;
+}
+
+std::string now()
+{
+    const auto time = std::chrono::system_clock::now();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm parts{};
+    gmtime_r(&seconds, &parts);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    return text;
+}
+
+} // namespace
+
+RequestNotes &requestNotes()
+{
+    thread_local RequestNotes notes;
+    return notes;
+}
+
+void logRequest(const httplib::Request &request, const httplib::Response &response)
+{
+    const RequestNotes &notes = requestNotes();
+    const auto duration = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - notes.start);
+    const std::string path = request.target.substr(0, request.target.find('?'));
+    const std::string line = now() + ' ' + printable(request.method) + ' ' + printable(path) + ' '
+                             + printable(notes.feature) + ' ' + std::to_string(response.status)
+                             + ' ' + std::to_string(static_cast<int>(notes.code)) + ' '
+                             + std::to_string(duration.count()) + " ms\n";
+    std::fwrite(line.data(), 1, line.size(), stderr); // one call: lines of threads do not mix
+}
+
+} // namespace localservice

@@ -1,0 +1,267 @@
+#include "server.h"
+
+#include "envelope.h"
+#include "refusal.h"
+#include "requestbody.h"
+#include "requestlog.h"
+
+#include <openssl/ssl.h>
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <sys/socket.h>
+
+namespace localservice {
+
+namespace {
+
+const std::string operations = "/convert/public/index.php/v1/";
+
+constexpr const char *loopback = "127.0.0.1";
+constexpr std::size_t threads = 64;          // every kept connection has one
+constexpr int keepAliveSeconds = 60;         // longer than clients wait between two questions
+constexpr std::size_t keepAliveCount = 1000; // requests
+constexpr int transferSeconds = 30;          // without a byte
+constexpr std::size_t longestTarget = 2048;
+
+// With a parameter the type is not one that the server compresses: clients see how much there is
+// to come.
+constexpr const char *envelopeType = "application/json;charset=utf-8";
+
+bool setUpTls(SSL_CTX &context, const TlsFiles &files, Connections &connections)
+{
+    return SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION) == 1
+           && SSL_CTX_use_certificate_chain_file(&context, files.certificate.c_str()) == 1
+           && SSL_CTX_use_PrivateKey_file(&context, files.key.c_str(), SSL_FILETYPE_PEM) == 1
+           && connections.watch(&context);
+}
+
+// The library's own choice would let two processes listen on the same port.
+void setListeningOptions(socket_t socket)
+{
+    const int yes = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+}
+
+// Without the query, and repeated slashes as one: clients put one at either side of a joint.
+std::string normalPath(const std::string &target)
+{
+    std::string path = target.substr(0, target.find('?'));
+    path.erase(
+        std::unique(path.begin(), path.end(), [](char a, char b) { return a == '/' && b == '/'; }),
+        path.end());
+    return path;
+}
+
+bool mayHaveBody(const std::string &method)
+{
+    return method == "POST" || method == "PUT" || method == "PATCH" || method == "DELETE";
+}
+
+std::string storageToken(const httplib::Request &request)
+{
+    if (request.method == "PUT" || request.has_header("x-security-token"))
+        return request.get_header_value("x-security-token");
+    return request.get_param_value("security-token");
+}
+
+bool isWave(const std::string &path)
+{
+    const std::string suffix = ".wav";
+    return path.size() > suffix.size()
+           && path.compare(path.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+// The last thing that is done about a request; its reply has been sent.
+void finish(const httplib::Request &request, const httplib::Response &response)
+{
+    logRequest(request, response);
+    if (requestNotes().endsConnection && request.ssl)
+        ::shutdown(SSL_get_fd(request.ssl), SHUT_RDWR);
+    requestNotes() = RequestNotes();
+}
+
+void setRefusal(httplib::Response &response, int status, Code code, const std::string &message)
+{
+    requestNotes().code = code;
+    response.status = status;
+    if (requestNotes().endsConnection)
+        response.set_header("Connection", "close");
+    response.set_content(refusalEnvelope(code, message), envelopeType);
+}
+
+class UnknownOperation : public Refusal
+{
+public:
+    UnknownOperation()
+        : Refusal(Code::NotFound, "there is no such operation")
+    {
+    }
+};
+
+// What the library refused itself, having understood too little of the request to route it.
+void refuseUnrouted(const httplib::Request &, httplib::Response &response)
+{
+    if (!response.body.empty())
+        return;
+    requestNotes().endsConnection = true;
+    setRefusal(response, response.status, static_cast<Code>(response.status),
+               "the request is not understood");
+}
+
+void refuseException(const httplib::Request &, httplib::Response &response,
+                     const std::exception_ptr &)
+{
+    requestNotes().endsConnection = true;
+    setRefusal(response, static_cast<int>(Code::Failed), Code::Failed, "the service failed");
+}
+
+} // namespace
+
+struct Server::Answer
+{
+    std::string body;
+    std::string type = envelopeType;
+};
+
+Server::Server(const TlsFiles &files)
+    : m_http([this, files](SSL_CTX &context) { return setUpTls(context, files, m_connections); })
+{
+    if (!m_http.is_valid())
+        throw std::runtime_error("the certificates cannot be used");
+    m_http.set_address_family(AF_INET);
+    m_http.set_tcp_nodelay(true);
+    m_http.set_socket_options(setListeningOptions);
+    m_http.set_keep_alive_timeout(keepAliveSeconds);
+    m_http.set_keep_alive_max_count(keepAliveCount);
+    m_http.set_read_timeout(transferSeconds);
+    m_http.set_write_timeout(transferSeconds);
+    m_http.new_task_queue = [] { return new httplib::ThreadPool(threads); };
+    m_http.set_logger(finish);
+    m_http.set_exception_handler(refuseException);
+    m_http.set_error_handler(httplib::Server::Handler(refuseUnrouted));
+    setHandlers();
+}
+
+Server::~Server() { stop(); }
+
+int Server::bind(int port)
+{
+    const int bound = port == 0                             ? m_http.bind_to_any_port(loopback)
+                      : m_http.bind_to_port(loopback, port) ? port
+                                                            : -1;
+    if (bound < 0)
+        throw std::runtime_error("cannot listen on port " + std::to_string(port));
+    return bound;
+}
+
+void Server::start(SpeechApi &speech, StorageApi &storage)
+{
+    m_speech = &speech;
+    m_storage = &storage;
+    m_thread = std::thread([this] { m_http.listen_after_bind(); });
+    // Before it runs it cannot be stopped.
+    while (!m_http.is_running())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+void Server::stop()
+{
+    m_connections.end();
+    if (!m_thread.joinable())
+        return;
+    m_http.stop();
+    m_thread.join();
+}
+
+// Routing is done here, by the path as it was sent: the library's matches regular expressions
+// with the decoded one. A body can only be read, within limits, by a handler of the second kind.
+void Server::setHandlers()
+{
+    m_http.set_pre_routing_handler([this](const auto &request, auto &response) {
+        requestNotes() = RequestNotes();
+        if (request.target.size() > longestTarget) {
+            requestNotes().endsConnection = true;
+            setRefusal(response, static_cast<int>(Code::AddressTooLong), Code::AddressTooLong,
+                       "the address is too long");
+            return httplib::Server::HandlerResponse::Handled;
+        }
+        if (mayHaveBody(request.method))
+            return httplib::Server::HandlerResponse::Unhandled;
+        respond(request, response, {});
+        return httplib::Server::HandlerResponse::Handled;
+    });
+    const httplib::Server::HandlerWithContentReader withBody = [this](const auto &request,
+                                                                      auto &response,
+                                                                      const auto &reader) {
+        try {
+            respond(request, response, readBody(request, reader));
+        } catch (const Refusal &refusal) {
+            setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
+        }
+    };
+    const std::string anyPath = "[^]*";
+    m_http.Post(anyPath, withBody);
+    m_http.Put(anyPath, withBody);
+    m_http.Patch(anyPath, withBody);
+    m_http.Delete(anyPath, withBody);
+}
+
+void Server::respond(const httplib::Request &request, httplib::Response &response,
+                     const std::string &body)
+{
+    const std::string path = normalPath(request.target);
+    // Clients of the operations look for a refusal in the envelope, those of the storage in the
+    // status.
+    const bool isOperation = path.compare(0, operations.size(), operations) == 0;
+    try {
+        const Answer served = answer(request, path, body);
+        response.set_content(served.body, served.type);
+    } catch (const UnknownOperation &refusal) {
+        setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
+    } catch (const Refusal &refusal) {
+        setRefusal(response, isOperation ? 200 : static_cast<int>(refusal.code()), refusal.code(),
+                   refusal.what());
+    } catch (const std::exception &) {
+        setRefusal(response, isOperation ? 200 : static_cast<int>(Code::Failed), Code::Failed,
+                   "the service failed");
+    }
+}
+
+Server::Answer Server::answer(const httplib::Request &request, const std::string &path,
+                              const std::string &body)
+{
+    if (StorageApi::isResponsible(path))
+        return answerStorage(request, path, body);
+    return {successEnvelope(operation(request, path, body))};
+}
+
+Server::Answer Server::answerStorage(const httplib::Request &request, const std::string &path,
+                                     const std::string &body)
+{
+    const std::string token = storageToken(request);
+    if (request.method == "PUT")
+        return {successEnvelope(m_storage->put(path, token, body))};
+    if (request.method == "GET" || request.method == "HEAD")
+        return {m_storage->get(path, token),
+                isWave(path) ? "audio/wav" : "application/octet-stream"};
+    throw UnknownOperation();
+}
+
+nlohmann::json Server::operation(const httplib::Request &request, const std::string &path,
+                                 const std::string &body)
+{
+    const std::string authorization = request.get_header_value("Authorization");
+    if (request.method == "POST" && path == operations + "asr/process")
+        return m_speech->process(authorization, body);
+    if (request.method == "POST" && path == operations + "asr/freeProcess")
+        return m_speech->freeProcess(body);
+    if (request.method == "POST" && path == operations + "asr/getProcessResult")
+        return m_speech->taskResult(authorization, body);
+    if (request.method == "GET" && path == operations + "upload/getsignsts")
+        return m_speech->uploadCredential();
+    throw UnknownOperation();
+}
+
+} // namespace localservice

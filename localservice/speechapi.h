@@ -1,0 +1,74 @@
+#pragma once
+
+#include "credentials.h"
+#include "jsonbody.h"
+#include "recognizer.h"
+#include "storage.h"
+#include "synthesizer.h"
+#include "tasks.h"
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace localservice {
+
+/// What the operations need; everything outlives them.
+struct SpeechServices
+{
+    Recognizer &recognizer;
+    Synthesizer &synthesizer;
+    Storage &storage;
+    Credentials &credentials;
+    Tasks &tasks;
+};
+
+/// The operations on speech. Each returns the "data" of its reply or throws a Refusal. May be used
+/// by several threads.
+class SpeechApi
+{
+public:
+    /// How the operations were set up.
+    struct Settings
+    {
+        int port = 0; ///< Of the service, for the addresses that it gives out.
+        std::int64_t token = 0;
+        std::chrono::seconds resultLifetime{};
+        std::chrono::seconds credentialLifetime{};
+    };
+
+    SpeechApi(const SpeechServices &services, const Settings &settings);
+
+    /// Recognises or speaks at once, or creates a task for it.
+    nlohmann::json process(const std::string &authorization, const std::string &body);
+
+    /// Speaks a short text for whoever asks.
+    nlohmann::json freeProcess(const std::string &body);
+
+    /// Tells how far a task has come.
+    nlohmann::json taskResult(const std::string &authorization, const std::string &body);
+
+    /// Gives out a credential for the storage to whoever asks.
+    nlohmann::json uploadCredential();
+
+private:
+    struct Request; // of a synthesis
+
+    void checkToken(const std::string &authorization) const;
+    std::filesystem::path recordingOf(const JsonBody &body) const;
+    Request synthesisOf(const JsonBody &body, std::size_t longestText) const;
+    std::string synthesize(const Request &request);
+
+    nlohmann::json recognizeNow(const JsonBody &body);
+    nlohmann::json recognizeLater(const JsonBody &body);
+    nlohmann::json speakNow(const JsonBody &body, std::size_t longestText);
+    nlohmann::json speakLater(const JsonBody &body);
+
+    SpeechServices m_services;
+    Settings m_settings;
+    std::string m_origin; // "https://localhost:PORT"
+};
+
+} // namespace localservice

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace localservice {
+
+/// Where an object is.
+struct ObjectName
+{
+    std::string directory; ///< "uploads/<id>" or "results/<id>".
+    std::string name;
+};
+
+/// Objects in files. May be used by several threads.
+class Storage
+{
+public:
+    static constexpr std::size_t largestObject = 64UL * 1024 * 1024; ///< Bytes.
+    static constexpr const char *uploads = "uploads";                ///< What clients put there.
+    static constexpr const char *results = "results";                ///< What tasks put there.
+
+    /// Makes the folders in @p folder; std::filesystem::filesystem_error if that fails.
+    explicit Storage(std::filesystem::path folder);
+
+    /// The object that is meant by the path of an address, nothing escaped in it; nothing if it
+    /// cannot be the path of any object.
+    static std::optional<ObjectName> parsePath(const std::string &path);
+
+    /// The opposite of parsePath().
+    static std::string pathOf(const ObjectName &object);
+
+    /// Stores @p bytes, as a whole or not at all, in place of an older object of that name.
+    /// std::runtime_error if that fails.
+    void write(const ObjectName &object, const std::string &bytes);
+
+    /// Nothing if there is no such object.
+    std::optional<std::string> read(const ObjectName &object) const;
+
+    /// The file of an object; nothing if there is no such object. It stays until it is swept.
+    std::optional<std::filesystem::path> file(const ObjectName &object) const;
+
+    /// Removes the directories that were last changed longer ago than given for their kind.
+    void sweep(std::chrono::seconds uploadsLifetime, std::chrono::seconds resultsLifetime);
+
+private:
+    std::filesystem::path m_objects;
+    std::filesystem::path m_unfinished;
+};
+
+} // namespace localservice

@@ -1,0 +1,46 @@
+#include "storageapi.h"
+
+#include "refusal.h"
+
+namespace localservice {
+
+StorageApi::StorageApi(Storage &storage, const Credentials &credentials, int port)
+    : m_storage(storage)
+    , m_credentials(credentials)
+    , m_origin("https://localhost:" + std::to_string(port))
+{
+}
+
+bool StorageApi::isResponsible(const std::string &path)
+{
+    return path.compare(0, 9, "/storage/") == 0;
+}
+
+nlohmann::json StorageApi::put(const std::string &path, const std::string &token,
+                               const std::string &bytes)
+{
+    const ObjectName object = permitted(path, token, Access::ReadAndWrite);
+    m_storage.write(object, bytes);
+    return {{"address", m_origin + Storage::pathOf(object)}};
+}
+
+std::string StorageApi::get(const std::string &path, const std::string &token) const
+{
+    auto bytes = m_storage.read(permitted(path, token, Access::Read));
+    if (!bytes)
+        throw Refusal(Code::NotFound, "there is no such object, or no longer");
+    return std::move(*bytes);
+}
+
+// A path that cannot be an object's is refused like one without the right token: who has none
+// learns nothing about what there is.
+ObjectName StorageApi::permitted(const std::string &path, const std::string &token,
+                                 Access access) const
+{
+    const auto object = Storage::parsePath(path);
+    if (!object || !m_credentials.allows(object->directory, token, access))
+        throw Refusal(Code::Forbidden, "the security token does not allow that, or no longer");
+    return *object;
+}
+
+} // namespace localservice
