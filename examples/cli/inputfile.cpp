@@ -1,0 +1,28 @@
+#include "inputfile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QString>
+
+bool InputFile::isAddress(const QString &recording)
+{
+    return recording.startsWith(QLatin1String("https://"));
+}
+
+QString InputFile::problem(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("there is no file \"%1\"").arg(path);
+    if (info.isDir())
+        return QStringLiteral("\"%1\" is a folder").arg(path);
+    // Opening a pipe would wait for somebody to write to it.
+    if (!info.isFile())
+        return QStringLiteral("\"%1\" is no ordinary file").arg(path);
+    if (info.size() == 0)
+        return QStringLiteral("the file \"%1\" is empty").arg(path);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("cannot read \"%1\": %2").arg(path, file.errorString());
+    return {};
+}

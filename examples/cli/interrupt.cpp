@@ -1,0 +1,116 @@
+#include "interrupt.h"
+
+#include "exitstatus.h"
+
+#ifdef Q_OS_WIN
+
+#include <QAtomicPointer>
+#include <QMetaObject>
+
+#include <qt_windows.h>
+
+namespace {
+
+QAtomicPointer<Interrupt> current;
+
+// Runs in a thread that the system makes for it. The pointer is taken, so a second Ctrl-C finds
+// none and the system's own handler ends the program.
+BOOL WINAPI onControl(DWORD control)
+{
+    if (control != CTRL_C_EVENT && control != CTRL_BREAK_EVENT)
+        return FALSE;
+    Interrupt *interrupt = current.fetchAndStoreOrdered(nullptr);
+    if (!interrupt)
+        return FALSE;
+    QMetaObject::invokeMethod(
+        interrupt, [interrupt] { Q_EMIT interrupt->interrupted(Interrupted); },
+        Qt::QueuedConnection);
+    return TRUE;
+}
+
+} // namespace
+
+Interrupt::Interrupt()
+{
+    current.storeRelease(this);
+    SetConsoleCtrlHandler(onControl, TRUE);
+}
+
+Interrupt::~Interrupt()
+{
+    SetConsoleCtrlHandler(onControl, FALSE);
+    current.storeRelease(nullptr);
+}
+
+#else
+
+#include <QSocketNotifier>
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// A handler may do next to nothing; it writes the signal's number into a pipe that the event loop
+// watches.
+int readEnd = -1;
+int writeEnd = -1;
+
+void onSignal(int number)
+{
+    const int savedErrno = errno;
+    const auto byte = static_cast<unsigned char>(number);
+    if (write(writeEnd, &byte, 1) != 1)
+        _exit(128 + number); // no loop will hear of it
+    errno = savedErrno;
+}
+
+// Once only: when the signal comes again, its default action ends the program.
+void handle(int number)
+{
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    sigemptyset(&action.sa_mask);
+    sigaction(number, &action, nullptr);
+}
+
+bool openPipe()
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        return false;
+    readEnd = ends[0];
+    writeEnd = ends[1];
+    for (const int end : ends)
+        fcntl(end, F_SETFD, FD_CLOEXEC);
+    return true;
+}
+
+} // namespace
+
+Interrupt::Interrupt()
+{
+    if (!openPipe())
+        return; // the signals keep their default action
+    auto *notifier = new QSocketNotifier(readEnd, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this] {
+        unsigned char number = 0;
+        if (read(readEnd, &number, 1) == 1)
+            Q_EMIT interrupted(128 + number);
+    });
+    handle(SIGINT);
+    handle(SIGTERM);
+}
+
+Interrupt::~Interrupt()
+{
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+    close(readEnd);
+    close(writeEnd);
+}
+
+#endif

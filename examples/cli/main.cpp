@@ -1,0 +1,89 @@
+#include "command.h"
+#include "commandline.h"
+#include "console.h"
+#include "ending.h"
+#include "exitstatus.h"
+#include "inputfile.h"
+#include "interrupt.h"
+#include "network/vonetwork.h"
+#include "network/vonetworkintf.h"
+#include "outputfile.h"
+#include "progress.h"
+#include "trust.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+
+#include <cstdlib>
+
+namespace {
+
+// Found out before the service is asked for anything.
+QString fileProblem(const Options &options)
+{
+    if (options.action == Options::Action::Say)
+        return OutputFile(options.output).problem();
+    if (InputFile::isAddress(options.recording))
+        return {};
+    return InputFile::problem(options.recording);
+}
+
+int refuse(const QString &problem)
+{
+    Console::complain(problem);
+    return WrongUse;
+}
+
+int carryOut(const Options &options)
+{
+    // Released while the loop still deletes what was to be deleted later.
+    VoNetworkIntf *service = VoNetwork::CreateVoNetworkIntf();
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, service,
+                     [service] { VoNetwork::ReleaseVoNetwork(service); });
+
+    // While verbose, the log would run into the progress line.
+    Progress progress(!options.verbose);
+    const std::unique_ptr<Command> command = Command::make(options, service, &progress);
+    Ending ending;
+    QObject::connect(command.get(), &Command::succeeded, &ending, [&] { ending.end(Success); });
+    QObject::connect(command.get(), &Command::failed, &ending, &Ending::fail);
+    const Interrupt interrupt;
+    QObject::connect(&interrupt, &Interrupt::interrupted, &ending, &Ending::end);
+
+    QMetaObject::invokeMethod(command.get(), &Command::start, Qt::QueuedConnection);
+    const int status = QCoreApplication::exec();
+    progress.clear();
+    if (!ending.problem().isEmpty())
+        Console::complain(ending.problem());
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("vospeak"));
+    QCoreApplication::setApplicationVersion(VoNetwork::GetAppVersion());
+
+    const CommandLine commandLine(QCoreApplication::arguments());
+    if (!commandLine.problem().isEmpty())
+        return refuse(commandLine.problem());
+    if (!commandLine.information().isEmpty())
+        return Console::print(commandLine.information()) ? Success : Failure;
+
+    const Options &options = commandLine.options();
+    Console::setUpLog(options.verbose);
+    if (const QString problem = fileProblem(options); !problem.isEmpty())
+        return refuse(problem);
+    if (!options.authority.isEmpty()) {
+        if (const QString problem = Trust::add(options.authority); !problem.isEmpty())
+            return refuse(problem);
+    }
+
+    const int status = carryOut(options);
+    // A name lookup cannot be cancelled, and the application's destructor would wait for it.
+    if (status == Interrupted || status == Terminated)
+        std::_Exit(status);
+    return status;
+}

@@ -1,0 +1,74 @@
+#include "outputfile.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+std::filesystem::path nativePath(const QString &path)
+{
+#ifdef Q_OS_WIN
+    return path.toStdWString();
+#else
+    return QFile::encodeName(path).toStdString();
+#endif
+}
+
+// QFile does not rename over a file that exists.
+bool renameOver(const QString &from, const QString &to)
+{
+    std::error_code error;
+    std::filesystem::rename(nativePath(from), nativePath(to), error);
+    return !error;
+}
+
+// A link stays a link: what it points at is replaced.
+QString resolved(const QString &path)
+{
+    const QString target = QFileInfo(path).canonicalFilePath();
+    return target.isEmpty() ? path : target;
+}
+
+} // namespace
+
+OutputFile::OutputFile(const QString &path)
+    : m_path(resolved(path))
+{
+}
+
+QString OutputFile::problem() const
+{
+    const QFileInfo file(m_path);
+    const QFileInfo folder(file.path());
+    if (file.isDir() || file.fileName().isEmpty())
+        return QStringLiteral("\"%1\" is a folder").arg(m_path);
+    if (file.exists() && !file.isFile())
+        return QStringLiteral("\"%1\" is no ordinary file").arg(m_path);
+    if (!folder.isDir())
+        return QStringLiteral("there is no folder \"%1\"").arg(folder.filePath());
+    if (!folder.isWritable() || (file.exists() && !file.isWritable()))
+        return QStringLiteral("\"%1\" may not be written").arg(m_path);
+    return {};
+}
+
+bool OutputFile::write(const QByteArray &bytes) const
+{
+    QSaveFile file(m_path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+}
+
+bool OutputFile::take(const std::function<bool(const QString &path)> &fetch) const
+{
+    const QFileInfo target(m_path);
+    // A folder of its own, so that the file is made with the permissions of any new file.
+    const QTemporaryDir folder(target.dir().filePath(QStringLiteral(".vospeak-XXXXXX")));
+    const QString fetched = folder.filePath(QStringLiteral("audio"));
+    return folder.isValid() && fetch(fetched) && renameOver(fetched, m_path);
+}

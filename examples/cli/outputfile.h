@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+class QByteArray;
+
+/// The audio file that the user asked for. It appears whole or not at all, and replaces an older
+/// one only then.
+class OutputFile
+{
+public:
+    explicit OutputFile(const QString &path);
+
+    /// Why the file could not be written, as far as can be told beforehand; empty: it could. Leaves
+    /// no trace.
+    QString problem() const;
+
+    /// Writes @p bytes. False when that failed.
+    bool write(const QByteArray &bytes) const;
+
+    /// Calls @p fetch with the path of a file to be made in the same folder; that file becomes the
+    /// output when @p fetch returns true, and is gone otherwise. False when there is no output.
+    bool take(const std::function<bool(const QString &path)> &fetch) const;
+
+private:
+    QString m_path;
+};

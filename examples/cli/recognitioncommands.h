@@ -1,0 +1,43 @@
+#pragma once
+
+#include "network/vonetworkintf.h"
+#include "poll.h"
+#include "recognition.h"
+
+/// Recognises a short recording: the text comes with the reply.
+class ShortRecognition : public Recognition
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(ShortRecognition)
+
+public:
+    ShortRecognition(const Options &options, VoNetworkIntf *service, Progress *progress);
+
+protected:
+    void recognize(const QString &address) override;
+
+private:
+    void onText(SHORT_STT_STATUS status, const QString &text);
+};
+
+/// Recognises a long recording: a task that is asked after until it is done.
+class LongRecognition : public Recognition
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(LongRecognition)
+
+public:
+    LongRecognition(const Options &options, VoNetworkIntf *service, Progress *progress);
+
+protected:
+    void recognize(const QString &address) override;
+
+private:
+    void onTask(STT_STATUS status, const QString &taskId);
+    void ask();
+    void onStatus(STT_STATUS status, const QString &taskId, const QString &requestId,
+                  const QString &text);
+
+    QString m_taskId;
+    Poll m_poll;
+};

@@ -1,0 +1,27 @@
+#include "wavfile.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+#include <QtEndian>
+
+namespace {
+
+constexpr int headSize = 8;                // "RIFF" and the number of bytes that follow
+constexpr quint32 openLength = 0xffffffff; // of a stream
+
+} // namespace
+
+bool WavFile::isCutShort(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray head = file.read(headSize);
+    if (head.size() < headSize)
+        return true;
+    if (!head.startsWith("RIFF"))
+        return false;
+    const auto announced = qFromLittleEndian<quint32>(head.constData() + 4);
+    return announced != openLength && file.size() < headSize + qint64(announced);
+}
