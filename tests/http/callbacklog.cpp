@@ -1,0 +1,33 @@
+#include "tests/http/callbacklog.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+HttpRequest &CallbackLog::bindOutcomes(HttpRequest &request)
+{
+    return request.onFinished([this] { add(QStringLiteral("finished()")); })
+        .onFinished([this](const QByteArray &body) {
+            add(QStringLiteral("finished(bytes %1)").arg(QString::fromLatin1(body)));
+        })
+        .onFinished(
+            [this](const QString &body) { add(QStringLiteral("finished(text %1)").arg(body)); })
+        .onFinished([this](const QVariantMap &map) {
+            const QJsonDocument json(QJsonObject::fromVariantMap(map));
+            add(QStringLiteral("finished(map %1)")
+                    .arg(QString::fromUtf8(json.toJson(QJsonDocument::Compact))));
+        })
+        .onError([this] { add(QStringLiteral("error()")); })
+        .onError([this](QNetworkReply::NetworkError code) {
+            add(QStringLiteral("error(code %1)").arg(int(code)));
+        })
+        .onError([this](const QByteArray &text) {
+            add(QStringLiteral("error(text %1)").arg(QString::fromLocal8Bit(text)));
+        })
+        .onRetried([this] { add(QStringLiteral("retried()")); })
+        .onRepeated([this] { add(QStringLiteral("repeated()")); });
+}
+
+int CallbackLog::outcomes() const
+{
+    return m_lines.count(QStringLiteral("finished()")) + m_lines.count(QStringLiteral("error()"));
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "http/httprequest.h"
+
+#include <QStringList>
+
+/// Writes down, over all performances of a request, which callbacks run and with what values. Binds
+/// no form that would take the reply over. Must outlive the exchange.
+class CallbackLog
+{
+    Q_DISABLE_COPY(CallbackLog)
+
+public:
+    CallbackLog() = default;
+
+    /// Binds a callback for both outcomes in every form but the reply, for retried() and
+    /// repeated().
+    HttpRequest &bindOutcomes(HttpRequest &request);
+
+    /// Appends a line, so that what the test does itself has its place in the order.
+    void add(const QString &line) { m_lines.append(line); }
+
+    QStringList lines() const { return m_lines; }
+
+    /// How many outcomes, of either sort, were reported.
+    int outcomes() const;
+
+private:
+    QStringList m_lines;
+};

@@ -1,0 +1,331 @@
+#include "http/httpclient.h"
+#include "http/httpdispatch.h"
+#include "http/httpresponse.h"
+#include "tests/http/callbacklog.h"
+#include "tests/http/controlledreply.h"
+#include "tests/http/httptesting.h"
+#include "tests/support/scriptedserver.h"
+#include "tests/support/signalrecorder.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using HttpTesting::waitUntilGone;
+
+/// The file side of a response to a download, and the end that a time-out makes.
+class TestHttpDownloadFile : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+
+    QString path(const QString &name) const { return m_folder.filePath(name); }
+
+    static QByteArray contents(const QString &fileName)
+    {
+        QFile file(fileName);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : "<unreadable>"_b;
+    }
+
+    static void write(const QString &fileName, const QByteArray &bytes)
+    {
+        QFile file(fileName);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("cannot write %s", qPrintable(fileName));
+    }
+
+    static void bindFile(HttpRequest &request, CallbackLog &log)
+    {
+        request.onDownloadFileFinished([&log] { log.add("file()"_s); })
+            .onDownloadFileFinished([&log](const QString &name) { log.add("file "_s + name); })
+            .onDownloadFileError([&log] { log.add("fileError()"_s); })
+            .onDownloadFileError([&log](const QString &text) { log.add("fileError "_s + text); });
+    }
+
+    static QStringList outcome(const QByteArray &body)
+    {
+        const QString text = QString::fromLatin1(body);
+        return {"finished()"_s, "finished(bytes "_s + text + ")"_s,
+                "finished(text "_s + text + ")"_s, "finished(map {})"_s, "repeated()"_s};
+    }
+
+    static void expireTimeout(HttpResponse *response)
+    {
+        QVERIFY(QMetaObject::invokeMethod(response, "onTimeout"));
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_folder.isValid()); }
+
+    void theBodyGoesIntoTheFile_data()
+    {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<bool>("supports");
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<QByteArray>("after");
+        QTest::newRow("new file") << QByteArray() << false << true << "body"_b;
+        QTest::newRow("new file, resume possible") << QByteArray() << true << true << "body"_b;
+        QTest::newRow("old file is replaced") << "a longer one"_b << false << true << "body"_b;
+        QTest::newRow("old file, resume switched off")
+            << "a longer one"_b << true << false << "body"_b;
+        QTest::newRow("old file is continued") << "some"_b << true << true << "somebody"_b;
+    }
+    void theBodyGoesIntoTheFile()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(bool, supports);
+        QFETCH(bool, enabled);
+        QFETCH(QByteArray, after);
+        const QString name = path("target"_s);
+        QFile::remove(name);
+        if (!before.isEmpty())
+            write(name, before);
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("body"));
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(server.address("/"_s)).download(name).enableResume(enabled);
+        request.fields.supportsResume = supports;
+        bindFile(request, log);
+        log.bindOutcomes(request);
+        QVERIFY(waitUntilGone(HttpDispatch::dispatch(request, nullptr)));
+        QCOMPARE(log.lines(), QStringList({"file()"_s, "file "_s + name}) + outcome(""));
+        QCOMPARE(contents(name), after);
+    }
+
+    void everyPartIsWrittenBeforeItIsAnnounced()
+    {
+        const QString name = path("parts"_s);
+        ControlledClient client;
+        HttpRequest request(HttpMethod::Get, &client);
+        HttpResponse *response = HttpDispatch::dispatch(request.download(name), nullptr);
+        CallbackLog log;
+        connect(response, &HttpResponse::readyRead, this, [&](QNetworkReply *reply) {
+            log.add("%1 written, %2 unread"_s.arg(response->request().fields.downloadedBytes)
+                        .arg(reply->bytesAvailable()));
+        });
+        connect(response, QOverload<>::of(&HttpResponse::downloadFileFinished), this,
+                [&] { log.add("file()"_s); });
+        client.replies.first()->receive("one");
+        client.replies.first()->receive("three");
+        client.replies.first()->succeed();
+        QCOMPARE(log.lines(),
+                 (QStringList{"3 written, 0 unread"_s, "8 written, 0 unread"_s, "file()"_s}));
+        QCOMPARE(contents(name), "onethree"_b);
+    }
+
+    void anEmptyBodyMakesNoFile()
+    {
+        const QString name = path("none"_s);
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        bindFile(request.download(name), log);
+        HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
+        client.replies.first()->succeed();
+        QCOMPARE(log.lines(), outcome(""));
+        QVERIFY(!QFile::exists(name));
+    }
+
+    void aFileThatCannotBeWrittenIsReportedAndTheBodyDelivered()
+    {
+        const QString name = path("missing/folder/file"_s);
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        bindFile(request.url("http://h/a%20b"_s).download(name), log);
+        HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
+        client.replies.first()->receive("bo");
+        client.replies.first()->receive("dy");
+        client.replies.first()->succeed();
+        QCOMPARE(log.lines(), QStringList({"fileError()"_s, "fileError Url: http://h/a b "_s + name
+                                                                + " Non-Writable"_s})
+                                  + outcome("body"));
+    }
+
+    void aWriteThatFailsIsReportedForEachPart()
+    {
+        // A file that takes nothing: every write to it fails for want of room.
+        const QString name = "/dev/full"_s;
+        QVERIFY2(QFile::exists(name), "this machine has no such file");
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        bindFile(request.url("http://h/"_s).download(name), log);
+        request.onReadyRead([&log](QNetworkReply *) { log.add("readyRead"_s); });
+        HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
+        const QByteArray more(100000, 'x'); // than a buffer holds
+        client.replies.first()->receive(more);
+        const QStringList failed{"fileError()"_s,
+                                 "fileError Url: http://h/ /dev/full Write "
+                                 "failed!"_s,
+                                 "readyRead"_s};
+        QCOMPARE(log.lines(), failed);
+        client.replies.first()->receive(more);
+        QCOMPARE(log.lines(), failed + failed);
+        client.replies.first()->succeed(); // the transfer goes on in spite of it
+        QCOMPARE(log.outcomes(), 1);
+    }
+
+    void aFailureComesWithAFileError_data()
+    {
+        QTest::addColumn<bool>("begun");
+        QTest::newRow("before the body") << false;
+        QTest::newRow("in the body") << true;
+    }
+    void aFailureComesWithAFileError()
+    {
+        QFETCH(bool, begun);
+        const QString name = path("failing"_s);
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        bindFile(request.url("http://h/a%20b"_s).download(name), log);
+        HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
+        if (begun)
+            client.replies.first()->receive("begun");
+        client.replies.first()->fail(QNetworkReply::TimeoutError, "too %1 late"_s);
+        QCOMPARE(log.lines(),
+                 (QStringList{"fileError()"_s,
+                              "fileError Url: http://h/a b file: "_s + (begun ? name : QString())
+                                  + " error: too %1 late"_s,
+                              "error()"_s, "error(code 4)"_s, "error(text too %1 late)"_s,
+                              "repeated()"_s}));
+        if (begun)
+            QCOMPARE(contents(name), "begun"_b);
+    }
+
+    void aRequestThatIsNoDownloadWritesNoFile()
+    {
+        const QString name = path("unmarked"_s);
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.fields.downloadFilePath = name;
+        bindFile(request, log);
+        log.bindOutcomes(request).send();
+        client.replies.first()->receive("body");
+        client.replies.first()->succeed();
+        QCOMPARE(log.lines(), outcome("body"));
+        QVERIFY(!QFile::exists(name));
+    }
+
+    void theFileIsClosedAfterItsSignals()
+    {
+        const QString name = path("closed"_s);
+        ControlledClient client;
+        QByteArray during;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.download(name).onFinished([&during, name] { during = contents(name); });
+        HttpDispatch::dispatch(request, nullptr);
+        client.replies.first()->receive("body"); // stays in the file's buffer until it is closed
+        client.replies.first()->succeed();
+        QCOMPARE(during, "body"_b);
+    }
+
+    void aTimeoutAbortsAndIsReportedAfterTheError()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        log.bindOutcomes(request.onTimeout([&log] { log.add("timeout()"_s); }));
+        HttpResponse *response = request.send();
+        const QPointer<ControlledReply> reply = client.replies.first();
+        expireTimeout(response);
+        QCOMPARE(log.lines(), (QStringList{"error()"_s, "error(code 5)"_s, "error(text aborted)"_s,
+                                           "repeated()"_s, "timeout()"_s}));
+        QVERIFY(waitUntilGone(reply));
+    }
+
+    void aTimeoutOfARealExchangeIsOneOutcome()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        QSignalSpy arrived(&server, &ScriptedServer::requestReceived); // and is never answered
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        log.bindOutcomes(
+            request.url(server.address("/"_s)).onTimeout([&log] { log.add("timeout()"_s); }));
+        const QPointer<HttpResponse> response = request.send();
+        QVERIFY(arrived.wait());
+        expireTimeout(response);
+        QCOMPARE(log.lines(),
+                 (QStringList{"error()"_s, "error(code 5)"_s, "error(text Operation canceled)"_s,
+                              "repeated()"_s, "timeout()"_s}));
+        QVERIFY(waitUntilGone(response));
+        QCOMPARE(log.outcomes(), 1);
+    }
+
+    void aReceiverOfTheTimedOutReplyKeepsItUnlessTheErrorLetItGo()
+    {
+        ControlledClient client;
+        QNetworkReply *timedOut = nullptr;
+        HttpRequest request(HttpMethod::Get, &client);
+        HttpResponse *response =
+            request
+                .onError([](QNetworkReply *) {}) // else the error lets it go
+                .onTimeout([&timedOut](QNetworkReply *reply) { timedOut = reply; })
+                .send();
+        expireTimeout(response);
+        QCOMPARE(timedOut, client.replies.first().data());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!client.replies.first().isNull());
+    }
+
+    void theTimedOutReplyComesBeforeThePlainTimeout()
+    {
+        ControlledClient client;
+        HttpResponse *response = HttpRequest(HttpMethod::Get, &client).send();
+        const SignalRecorder recorder(response,
+                                      {"timeout()"_s, "timeout(QNetworkReply*)"_s, "error()"_s});
+        expireTimeout(response);
+        QCOMPARE(recorder.calls(),
+                 (QStringList{"error()"_s,
+                              "timeout("_s
+                                  + HttpTesting::recorded(
+                                      QVariant::fromValue<QNetworkReply *>(client.replies.first()))
+                                  + ")"_s,
+                              "timeout()"_s}));
+    }
+
+    void aTimeoutOfAFinishedExchangeIsNothing()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        log.bindOutcomes(request.onTimeout([&log] { log.add("timeout()"_s); }));
+        HttpResponse *response = request.send();
+        client.replies.first()->succeed();
+        expireTimeout(response);
+        QCOMPARE(log.lines(), outcome(""));
+    }
+
+    void aTimeoutWithoutAReplyIsNothing()
+    {
+        HttpResponse response(HttpRequest(HttpMethod::Get, nullptr), nullptr);
+        const SignalRecorder recorder(&response, {"timeout()"_s, "error()"_s});
+        expireTimeout(&response);
+        QCOMPARE(recorder.calls(), QStringList());
+    }
+
+    void aTimeoutIsRetriedLikeAnyFailure()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        log.bindOutcomes(request.retry(1).onTimeout([&log] { log.add("timeout()"_s); }));
+        expireTimeout(request.send());
+        QCOMPARE(log.lines(), QStringList{"timeout()"_s});
+        QCOMPARE(client.replies.size(), 2);
+        client.replies.at(1)->succeed();
+        QCOMPARE(log.lines(), QStringList({"timeout()"_s, "retried()"_s}) + outcome(""));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpDownloadFile)
+#include "tst_httpdownloadfile.moc"

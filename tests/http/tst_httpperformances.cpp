@@ -1,0 +1,302 @@
+#include "http/httpclient.h"
+#include "http/httpresponse.h"
+#include "tests/http/callbacklog.h"
+#include "tests/http/controlledreply.h"
+#include "tests/http/httptesting.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/scriptedserver.h"
+
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+/// A receiver that notes when it is called.
+class Receiver : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Receiver(CallbackLog *log)
+        : m_log(log)
+    {
+    }
+
+public Q_SLOTS:
+    void done() { m_log->add("slot"_s); }
+    void bytes(QByteArray body) { m_log->add("slot "_s + QString::fromLatin1(body)); }
+
+private:
+    CallbackLog *m_log;
+};
+
+} // namespace
+
+/// How often a request goes out, and what is reported of it: retries and repeats.
+class TestHttpPerformances : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aRequestIsPerformedAsItsCountsSay_data()
+    {
+        QTest::addColumn<int>("retry");
+        QTest::addColumn<int>("repeat");
+        QTest::addColumn<QString>("answers"); // '+' success, '-' failure
+        QTest::addColumn<QString>("reported");
+        const auto row = [](int retry, int repeat, const char *answers, const char *reported) {
+            QTest::addRow("retry %d, repeat %d, answers %s", retry, repeat, answers)
+                << retry << repeat << QString::fromLatin1(answers) << QString::fromLatin1(reported);
+        };
+        // Each "R" is retried(), "+" a success, "-" a failure, "." repeated().
+        row(0, 1, "+", "+.");
+        row(0, 1, "-", "-.");
+        row(1, 1, "+", "+.");
+        row(1, 1, "-+", "R+.");
+        row(1, 1, "--", "R-.");
+        row(2, 1, "---", "R-.");
+        row(2, 1, "--+", "R+.");
+        row(5, 1, "---+", "R+.");
+        row(-1, 1, "-", "-.");
+        row(0, 2, "++", "++.");
+        row(0, 2, "--", "--.");
+        row(0, 3, "+-+", "+-+.");
+        row(0, 0, "+", "+.");
+        row(0, -5, "-", "-.");
+        row(1, 2, "+-+", "+R+.");
+        row(1, 2, "+--", "+R-.");
+        // What is left of the retries is shared by the repeats, which are retries from then on.
+        row(1, 2, "-++", "R+R+.");
+        row(1, 2, "-+-", "R+R-.");
+        row(2, 2, "-+-+", "R+R+.");
+        row(1, 3, "-+++", "R+R+R+.");
+        row(1, 2, "---", "R-R-.");
+    }
+    void aRequestIsPerformedAsItsCountsSay()
+    {
+        QFETCH(int, retry);
+        QFETCH(int, repeat);
+        QFETCH(QString, answers);
+        QFETCH(QString, reported);
+        ScriptedServer server;
+        QVERIFY(server.start());
+        for (const QChar answer : answers) {
+            server.answer(answer == QLatin1Char('+') ? ScriptedServer::reply("{}")
+                                                     : ScriptedServer::reply("", "500 Broken"));
+        }
+        // One more than expected would be answered and so be seen.
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Put, &client);
+        log.bindOutcomes(
+            request.url(server.address("/"_s)).rawBody("body").retry(retry).repeat(repeat));
+        QVERIFY(request.send());
+        QStringList expected;
+        for (const QChar event : reported) {
+            if (event == QLatin1Char('R'))
+                expected.append("retried()"_s);
+            else if (event == QLatin1Char('+'))
+                expected += QStringList{"finished()"_s, "finished(bytes {})"_s,
+                                        "finished(text {})"_s, "finished(map {})"_s};
+            else if (event == QLatin1Char('-'))
+                expected += QStringList{"error()"_s, "error(code 401)"_s,
+                                        "error(text Error transferring "_s + server.address("/"_s)
+                                            + " - server replied: Broken)"_s};
+            else
+                expected.append("repeated()"_s);
+        }
+        QTRY_VERIFY(log.lines().contains("repeated()"_s));
+        QTRY_COMPARE(client.findChildren<QNetworkReply *>().size(), 0);
+        QCOMPARE(log.lines(), expected);
+        QCOMPARE(server.requests().size(), answers.size());
+        for (const QByteArray &bytes : server.requests()) {
+            QCOMPARE(HttpTesting::withoutLanguage(bytes),
+                     HttpTesting::wire("PUT", "/", server.serverPort(), QByteArray(), "body"));
+        }
+    }
+
+    void aRetryCarriesWhatIsLeft()
+    {
+        ControlledClient client;
+        HttpRequest(HttpMethod::Get, &client).retry(2).repeat(3).send();
+        const auto state = [&client](int index) {
+            const auto *response = client.replies.at(index)->findChild<HttpResponse *>();
+            const HttpRequestFields &fields = response->request().fields;
+            return QVector<int>{fields.retryCount, int(fields.isRetry), fields.repeatCount};
+        };
+        QCOMPARE(state(0), (QVector<int>{2, 0, 3}));
+        client.replies.at(0)->fail(QNetworkReply::TimeoutError, "1"_s);
+        QCOMPARE(client.replies.size(), 2);
+        QCOMPARE(state(1), (QVector<int>{1, 1, 3}));
+        client.replies.at(1)->succeed();
+        QCOMPARE(client.replies.size(), 3);
+        QCOMPARE(state(2), (QVector<int>{1, 1, 2}));
+        client.replies.at(2)->fail(QNetworkReply::TimeoutError, "2"_s);
+        QCOMPARE(state(3), (QVector<int>{0, 1, 2}));
+        client.replies.at(3)->fail(QNetworkReply::TimeoutError, "3"_s);
+        QCOMPARE(state(4), (QVector<int>{0, 1, 1}));
+        client.replies.at(4)->succeed();
+        QCOMPARE(client.replies.size(), 5);
+    }
+
+    void aFailureThatIsRetriedReportsNothingAndGoes()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        int errors = 0;
+        log.bindOutcomes(request.retry(1))
+            .onError([&errors](QNetworkReply *) { ++errors; })
+            .onDownloadFileError([&log] { log.add("file error"_s); })
+            .send();
+        const QPointer<ControlledReply> first = client.replies.at(0);
+        first->fail(QNetworkReply::TimeoutError, "late"_s);
+        QCOMPARE(log.lines(), QStringList());
+        QCOMPARE(errors, 0);
+        QVERIFY(HttpTesting::waitUntilGone(first)); // although the reply is asked for
+        QCOMPARE(client.replies.size(), 2);
+    }
+
+    void aRepeatedRequestWhoseReplyIsTakenKeepsEveryReply()
+    {
+        ControlledClient client;
+        QVector<QNetworkReply *> taken;
+        HttpRequest(HttpMethod::Get, &client)
+            .repeat(2)
+            .onFinished([&taken](QNetworkReply *reply) { taken.append(reply); })
+            .send();
+        client.replies.at(0)->succeed();
+        client.replies.at(1)->succeed();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(taken, (QVector<QNetworkReply *>{client.replies.at(0), client.replies.at(1)}));
+    }
+
+    void theNextPerformanceIsSentBeforeTheLastReplyGoes()
+    {
+        ControlledClient client;
+        HttpRequest(HttpMethod::Get, &client).repeat(2).send();
+        client.replies.at(0)->succeed();
+        QCOMPARE(client.replies.size(), 2);
+        QVERIFY(!client.replies.at(0).isNull());
+        QVERIFY(HttpTesting::waitUntilGone(client.replies.at(0)));
+        QVERIFY(!client.replies.at(1).isNull());
+    }
+
+    void aSlotIsAttachedAnewForEveryPerformance()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        Receiver receiver(&log);
+        HttpRequest(HttpMethod::Get, &client)
+            .repeat(3)
+            .onFinished(&receiver, SLOT(bytes(QByteArray)))
+            .send();
+        for (int i = 0; i < 3; ++i) {
+            client.replies.at(i)->receive("body %1"_s.arg(i).toLatin1());
+            client.replies.at(i)->succeed();
+        }
+        QCOMPARE(log.lines(), (QStringList{"slot body 0"_s, "slot body 1"_s, "slot body 2"_s}));
+    }
+
+    void aReceiverThatGoesBeforeTheNextPerformanceIsLeftOut_data()
+    {
+        QTest::addColumn<bool>("retry");
+        QTest::addColumn<bool>("typed"); // the variant holds a pointer to the receiver's own class
+        QTest::newRow("retry") << true << false;
+        QTest::newRow("repeat") << false << false;
+        QTest::newRow("retry, typed pointer") << true << true;
+        QTest::newRow("repeat, typed pointer") << false << true;
+    }
+    void aReceiverThatGoesBeforeTheNextPerformanceIsLeftOut()
+    {
+        QFETCH(bool, retry);
+        QFETCH(bool, typed);
+        ControlledClient client;
+        CallbackLog log;
+        auto receiver = std::make_unique<Receiver>(&log);
+        Receiver other(&log);
+        const QVariant target = typed ? QVariant::fromValue(receiver.get())
+                                      : QVariant::fromValue<QObject *>(receiver.get());
+        HttpRequest(HttpMethod::Get, &client)
+            .retry(retry ? 1 : 0)
+            .repeat(retry ? 1 : 2)
+            .bind(CallbackKind::Repeated, "1done()"_s, target)
+            .bind(CallbackKind::Finished, "1bytes(QByteArray)"_s, target)
+            .onRepeated([&log] { log.add("function"_s); })
+            .bind(CallbackKind::Repeated, "1done()"_s, QVariant::fromValue<QObject *>(&other))
+            .send();
+        receiver.reset();
+        LogCapture messages;
+        if (retry)
+            client.replies.at(0)->fail(QNetworkReply::TimeoutError, "late"_s);
+        else
+            client.replies.at(0)->succeed();
+        QCOMPARE(client.replies.size(), 2);
+        client.replies.at(1)->succeed();
+        QCOMPARE(log.lines(), (QStringList{"function"_s, "slot"_s}));
+        QCOMPARE(messages.lines().size(), 0);
+    }
+
+    void aReceiverMayGoInsideTheCallbackThatPrecedesTheRepeat()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        auto *receiver = new Receiver(&log);
+        HttpRequest(HttpMethod::Get, &client)
+            .repeat(2)
+            .onFinished(receiver, SLOT(bytes(QByteArray)))
+            .onFinished([&receiver](const QByteArray &) {
+                delete receiver;
+                receiver = nullptr;
+            })
+            .send();
+        client.replies.at(0)->receive("1");
+        client.replies.at(0)->succeed();
+        client.replies.at(1)->receive("2");
+        client.replies.at(1)->succeed();
+        QCOMPARE(log.lines(), QStringList{"slot 1"_s});
+    }
+
+    void anotherObjectInThePlaceOfAReceiverIsNotCalled()
+    {
+        // What is remembered of a receiver must not be its address alone.
+        ControlledClient client;
+        CallbackLog log;
+        alignas(Receiver) unsigned char place[sizeof(Receiver)];
+        auto *first = new (place) Receiver(&log);
+        HttpRequest(HttpMethod::Get, &client)
+            .repeat(2)
+            .bind(CallbackKind::Repeated, "1done()"_s, QVariant::fromValue<QObject *>(first))
+            .send();
+        first->~Receiver();
+        auto *second = new (place) Receiver(&log);
+        client.replies.at(0)->succeed();
+        client.replies.at(1)->succeed();
+        QCOMPARE(log.lines(), QStringList());
+        second->~Receiver();
+    }
+
+    void theSameReceiverUnderTwoKindsIsLeftOutOfBoth()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        auto receiver = std::make_unique<Receiver>(&log);
+        HttpRequest(HttpMethod::Get, &client)
+            .retry(1)
+            .repeat(2)
+            .onError(receiver.get(), SLOT(done()))
+            .onRetried(receiver.get(), SLOT(done()))
+            .onFinished(receiver.get(), &Receiver::bytes)
+            .send();
+        client.replies.at(0)->fail(QNetworkReply::TimeoutError, "late"_s);
+        receiver.reset();
+        client.replies.at(1)->succeed();
+        client.replies.at(2)->succeed();
+        QCOMPARE(client.replies.size(), 3);
+        QCOMPARE(log.lines(), QStringList());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpPerformances)
+#include "tst_httpperformances.moc"
