@@ -1,0 +1,127 @@
+#!/usr/bin/env bash
+# Shows the whole way on this machine: builds vospeak and the local service, speaks a sentence,
+# recognises it again, at once and as tasks, and compares. Keeps the audio in demo-output/.
+# For a fresh Debian 12, as root or with sudo.
+set -euo pipefail
+export LC_ALL=C.UTF-8
+cd "$(dirname "$0")/.."
+
+sentence="Go forward ten meters."
+build=build/gcc
+vospeak=$build/examples/cli/vospeak
+localservice=$build/localservice/vo-localservice
+output=demo-output
+token=$((RANDOM * 32768 + RANDOM))
+work=$(mktemp -d)
+service_pid=
+
+finish() {
+    local status=$?
+    trap - EXIT
+    if [ -n "$service_pid" ]; then
+        kill "$service_pid" 2>/dev/null || true
+        wait "$service_pid" 2>/dev/null || true
+    fi
+    rm -rf "$work"
+    exit "$status"
+}
+trap finish EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+fail() {
+    echo "demo: $1" >&2
+    exit 1
+}
+
+# Does one thing and says how long it took; what it printed is shown when it fails.
+step() { # TEXT COMMAND...
+    local text=$1 begin=${EPOCHREALTIME//./} took
+    shift
+    printf '  %-60s' "$text"
+    if ! "$@" >"$work/log" 2>&1; then
+        printf '  failed\n'
+        cat "$work/log" >&2
+        exit 1
+    fi
+    took=$(((${EPOCHREALTIME//./} - begin) / 10000))
+    printf '%5d.%02d s\n' $((took / 100)) $((took % 100))
+}
+
+configure() { cmake --preset gcc; }
+
+build() { cmake --build --preset gcc --target vospeak vo-localservice; }
+
+base_address() { sed -n 's/^VONETWORK_SERVICE_BASE_ADDRESS:STRING=//p' "$build/CMakeCache.txt"; }
+
+is_taken() { # PORT
+    (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
+}
+
+# Returns when the service says that it listens.
+start_service() {
+    local line
+    # Its descriptors are copied: bash closes its own as soon as the service ends.
+    coproc "$localservice" --port "$port" --data "$work/data" --token "$token" 2>"$work/service.log"
+    service_pid=$!
+    exec {service_out}<&"${COPROC[0]}"
+    if ! read -r -t 60 line <&"$service_out"; then
+        cat "$work/service.log"
+        return 1
+    fi
+    authority=${line##*, authority }
+}
+
+say() { # FILE [OPTION]
+    "$vospeak" say "$sentence" -o "$1" --ca "$authority" --token "$token" "${@:2}"
+}
+
+hear() { # FILE [OPTION]
+    "$vospeak" recognize "$1" --ca "$authority" --token "$token" "${@:2}" >"$work/text"
+}
+
+# Case and punctuation cannot be heard.
+words() { tr '[:upper:]' '[:lower:]' | tr -cs "a-z'\n" ' ' | sed 's/^ *//; s/ *$//'; }
+
+compare() { # FILE
+    local heard
+    heard=$(<"$work/text")
+    if [ "$(words <<<"$heard")" != "$(words <<<"$sentence")" ]; then
+        {
+            echo "demo: the sentence that was recognised is not the one that was spoken"
+            echo "  spoken:      $sentence"
+            echo "  recognised:  $heard"
+            echo "  audio:       $1"
+        } >&2
+        exit 1
+    fi
+    printf '      spoken      %s\n      recognised  %s\n      the same; the audio is in %s (%d bytes)\n' \
+        "$sentence" "$heard" "$1" "$(stat -c %s "$1")"
+}
+
+echo "Building"
+step "install what is missing" scripts/install-packages.sh build
+step "configure ($build)" configure
+step "build vospeak and vo-localservice" build
+
+address=$(base_address)
+[[ $address =~ ^https://localhost:([0-9]+)$ ]] ||
+    fail "the library in $build is built for $address, not for a service on this machine"
+port=${BASH_REMATCH[1]}
+! is_taken "$port" || fail "port $port of this machine is taken; end what listens there and try again"
+
+echo "Starting"
+step "start the local service at $address" start_service
+mkdir -p "$output"
+
+echo "At once"
+step "speak" say "$output/short.wav"
+step "upload and recognise" hear "$output/short.wav"
+compare "$output/short.wav"
+
+echo "As tasks"
+step "speak: queue, wait, fetch the audio" say "$output/long.wav" --long
+step "upload and recognise: queue, wait" hear "$output/long.wav" --long
+compare "$output/long.wav"
+
+echo "Done: every sentence came back as it was spoken."

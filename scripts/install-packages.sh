@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# Installs, on Debian 12, what is missing of the packages that are named. As root or with sudo.
+# Usage: scripts/install-packages.sh [build | check | PACKAGE ...]
+#   build (the default)  what building and running everything needs
+#   check                the same and the tools that check the sources
+set -euo pipefail
+
+build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
+    libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
+    libsamplerate0-dev libqrencode-dev openssl ca-certificates)
+check=(clang clang-format clang-tidy clazy valgrind)
+
+wanted=()
+for name in "${@:-build}"; do
+    case $name in
+    build) wanted+=("${build[@]}") ;;
+    check) wanted+=("${build[@]}" "${check[@]}") ;;
+    -*)
+        echo "usage: scripts/install-packages.sh [build | check | PACKAGE ...]" >&2
+        exit 2
+        ;;
+    *) wanted+=("$name") ;;
+    esac
+done
+
+fail() {
+    echo "install-packages: $1" >&2
+    exit 1
+}
+
+is_installed() { # PACKAGE
+    [ "$(dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | sort -u)" = installed ]
+}
+
+is_known() { # PACKAGE
+    [ -n "$(apt-cache madison "$1" 2>/dev/null)" ]
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+update() {
+    [ -z "${updated:-}" ] || return 0
+    updated=yes
+    echo "install-packages: reading the package lists"
+    as_root apt-get -qq update || fail "the package lists cannot be read"
+}
+
+install() {
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -y --no-install-recommends \
+        -o Dpkg::Use-Pty=0 install "${missing[@]}" >/dev/null
+}
+
+command -v apt-get >/dev/null || fail "there is no apt-get; these must be there: ${wanted[*]}"
+missing=()
+for package in "${wanted[@]}"; do
+    is_installed "$package" || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+[ "$(id -u)" = 0 ] || command -v sudo >/dev/null ||
+    fail "run this as root, or install sudo; missing: ${missing[*]}"
+
+for package in "${missing[@]}"; do
+    is_known "$package" || update
+done
+echo "install-packages: installing ${missing[*]}"
+if ! install; then
+    # The lists may name versions that the archive has replaced since.
+    [ -z "${updated:-}" ] || fail "cannot install ${missing[*]}"
+    update
+    install || fail "cannot install ${missing[*]}"
+fi

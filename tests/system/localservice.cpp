@@ -1,0 +1,75 @@
+#include "localservice.h"
+
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QUrl>
+
+#include <csignal>
+
+namespace {
+
+constexpr int patience = 60000; // ms
+
+} // namespace
+
+LocalService::LocalService() = default;
+
+LocalService::~LocalService()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+qint64 LocalService::token() { return 9007199254740993; }
+
+bool LocalService::start(const QStringList &furtherArguments)
+{
+    const int port = QUrl(QStringLiteral(SERVICE_BASE_ADDRESS)).port();
+    m_process.setStandardErrorFile(m_folder.filePath(QStringLiteral("log")));
+    m_process.start(program(),
+                    QStringList{QStringLiteral("--port"), QString::number(port),
+                                QStringLiteral("--data"), m_folder.filePath(QStringLiteral("data")),
+                                QStringLiteral("--token"), QString::number(token())}
+                        + furtherArguments);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (!m_readyLine.endsWith('\n') && elapsed.elapsed() < patience) {
+        if (!m_process.waitForReadyRead(static_cast<int>(patience - elapsed.elapsed())))
+            break;
+        m_readyLine += m_process.readAllStandardOutput();
+    }
+    if (!m_readyLine.endsWith('\n'))
+        qWarning() << "the local service is not ready:" << m_process.errorString() << log();
+    return m_readyLine.endsWith('\n');
+}
+
+int LocalService::stop(int signal)
+{
+    if (m_process.processId() > 0)
+        ::kill(static_cast<pid_t>(m_process.processId()), signal);
+    const bool ended =
+        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patience);
+    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+QByteArray LocalService::readyLine() const { return m_readyLine; }
+
+QString LocalService::authority() const
+{
+    return m_folder.filePath(QStringLiteral("data/tls/authority.pem"));
+}
+
+QByteArray LocalService::log() const
+{
+    QFile file(m_folder.filePath(QStringLiteral("log")));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList LocalService::access() const
+{
+    return {QStringLiteral("--ca"), authority(), QStringLiteral("--token"),
+            QString::number(token())};
+}
+
+QString LocalService::program() { return QStringLiteral(LOCALSERVICE); }

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// The local service in a process of its own, with a data folder of its own, where the library's
+/// built-in base address points. It ends with the object.
+class LocalService
+{
+    Q_DISABLE_COPY(LocalService)
+
+public:
+    LocalService();
+    ~LocalService();
+
+    /// The token that it takes: no double can hold it.
+    static qint64 token();
+
+    /// Waits until it is ready. False, with the reason in the test's log, when it never is.
+    bool start(const QStringList &furtherArguments = {});
+
+    /// Sends the signal and waits for the end. The exit status; -1: a crash or no end.
+    int stop(int signal);
+
+    /// The line that says that it is ready, with its newline.
+    QByteArray readyLine() const;
+
+    /// The file of the authority that signed its certificate.
+    QString authority() const;
+
+    /// What it wrote to standard error so far.
+    QByteArray log() const;
+
+    /// --ca and --token, as vospeak needs them.
+    QStringList access() const;
+
+    /// The program, for a run that start() does not fit.
+    static QString program();
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_process;
+    QByteArray m_readyLine;
+};

@@ -1,0 +1,47 @@
+#include "program.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <csignal>
+
+Program::Program(const QStringList &arguments)
+{
+    m_process.start(QStringLiteral(VOSPEAK), arguments);
+    m_process.waitForStarted();
+}
+
+Program::~Program()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+Outcome Program::outcome(int timeoutMs)
+{
+    QEventLoop loop;
+    QObject::connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+                     &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    if (m_process.state() != QProcess::NotRunning)
+        loop.exec();
+    const bool ended =
+        m_process.state() == QProcess::NotRunning && m_process.exitStatus() == QProcess::NormalExit;
+    return {ended ? m_process.exitCode() : -1, m_process.readAllStandardOutput(),
+            m_process.readAllStandardError()};
+}
+
+void Program::signal(int number) const
+{
+    if (m_process.processId() > 0)
+        ::kill(static_cast<pid_t>(m_process.processId()), number);
+}
+
+Outcome vospeak(const QStringList &arguments) { return Program(arguments).outcome(); }
+
+QStringList arguments(const char *line) { return QString::fromUtf8(line).split(QLatin1Char(' ')); }
+
+bool isOneLine(const QByteArray &err)
+{
+    return err.startsWith("vospeak: ") && err.count('\n') == 1 && err.endsWith('\n');
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+/// What a program did.
+struct Outcome
+{
+    int status = -1; ///< Exit status; -1: it crashed or did not end.
+    QByteArray out;
+    QByteArray err;
+};
+
+/// A program under test in its own process. It is killed when the object goes.
+class Program
+{
+    Q_DISABLE_COPY(Program)
+
+public:
+    /// Starts vospeak.
+    explicit Program(const QStringList &arguments);
+    ~Program();
+
+    /// Waits in an event loop for the end.
+    Outcome outcome(int timeoutMs = 120000);
+
+    void signal(int number) const;
+
+private:
+    QProcess m_process;
+};
+
+/// Runs vospeak to its end.
+Outcome vospeak(const QStringList &arguments);
+
+/// The words of @p line, which are separated by single blanks.
+QStringList arguments(const char *line);
+
+/// Whether @p err is one line for the user and nothing else.
+bool isOneLine(const QByteArray &err);

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QString>
+
+class QNetworkRequest;
+
+/// Talks to the service straight over HTTPS, as a client of another make would.
+class ServiceClient
+{
+    Q_DISABLE_COPY(ServiceClient)
+
+public:
+    struct Reply
+    {
+        int status = 0; ///< Of HTTP; 0: there was no reply.
+        QByteArray body;
+
+        /// Whether this is the service's way to refuse: a code, and a message that says why.
+        bool isRefusal() const;
+        /// Whether this is the service's way to agree.
+        bool isSuccess() const;
+        QJsonObject data() const;
+    };
+
+    explicit ServiceClient(const QString &authority);
+
+    /// POST of @p body to the operation @p name, with an Authorization header if one is given.
+    Reply post(const QString &name, const QByteArray &body,
+               const QByteArray &authorization = QByteArray());
+    Reply post(const QString &name, const QJsonObject &body,
+               const QByteArray &authorization = QByteArray());
+
+    /// The credentials for an upload.
+    QJsonObject credentials();
+
+    /// To the storage, with a security token if one is given.
+    Reply put(const QString &address, const QByteArray &body, const QString &securityToken);
+    Reply get(const QString &address, const QString &securityToken = QString());
+
+    /// A request line that is sent as it is: no client in between tidies its path.
+    Reply verbatim(const QByteArray &requestLine, const QByteArray &headers,
+                   const QByteArray &body = QByteArray());
+
+    /// "Bearer " and the token that the service takes.
+    static QByteArray authorization();
+
+private:
+    QNetworkRequest request(const QString &address) const;
+    Reply wait(QNetworkReply *reply);
+
+    QString m_authority;
+    QNetworkAccessManager m_manager;
+};

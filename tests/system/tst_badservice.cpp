@@ -1,0 +1,209 @@
+#include "tests/support/scriptedserver.h"
+#include "tests/system/answers.h"
+#include "tests/system/program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+// The head of a WAV file that announces ten times as many bytes as there are.
+QByteArray cutShort() { return QByteArray("RIFF\xa0\0\0\0WAVE", 12) + QByteArray(8, ' '); }
+
+} // namespace
+
+Q_DECLARE_METATYPE(QList<QByteArray>)
+
+/// How vospeak ends when the service answers, but not as it should.
+class TestBadService : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const quint16 port = SERVICE_PORT;
+        QVERIFY(m_server.start(port));
+        QVERIFY(QDir::setCurrent(m_folder.path()));
+    }
+    void init()
+    {
+        m_server.reset();
+        QFile speech(QStringLiteral("speech.wav"));
+        QVERIFY(speech.open(QIODevice::WriteOnly));
+        QVERIFY(speech.write("older") > 0);
+    }
+
+    void anAnswerThatCannotBeUsedIsAFailure_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QList<QByteArray>>("answers");
+        speechRows();
+        longSpeechRows();
+        recognitionRows();
+    }
+    void anAnswerThatCannotBeUsedIsAFailure()
+    {
+        QFETCH(const QStringList, command);
+        QFETCH(const QList<QByteArray>, answers);
+        for (const QByteArray &answer : answers)
+            m_server.answer(answer);
+        const Outcome outcome = run(command);
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.out, QByteArray());
+        QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
+        QCOMPARE(m_server.requests().size(), answers.size());
+        onlyTheOlderFileIsThere();
+    }
+
+    void theStoragesOwnWordsAreShown()
+    {
+        m_server.answer(Answers::credentials());
+        m_server.answer(Answers::refusal(7, "the shelf is full"));
+        const Outcome outcome = run(arguments("recognize speech.wav --token 1"));
+        QVERIFY2(outcome.err.contains("the shelf is full"), outcome.err.constData());
+    }
+
+    void theRecordingIsPutUnderTheCredentialsDirectoryWithTheirToken()
+    {
+        m_server.answer(Answers::credentials());
+        m_server.answer(Answers::envelope());
+        m_server.answer(Answers::one("text", "heard"));
+        const Outcome outcome = run(arguments("recognize speech.wav --token 1"));
+        QCOMPARE(outcome.status, 0);
+        QCOMPARE(outcome.out, QByteArray("heard\n"));
+        QCOMPARE(m_server.requests().size(), 3);
+        const QByteArray put = m_server.requests().at(1);
+        const QByteArray path = put.split(' ').value(1);
+        QVERIFY2(put.startsWith("PUT /storage/speech/uploads/x/"), put.constData());
+        QVERIFY2(path.endsWith(".wav") && !path.contains('?'), path.constData());
+        QVERIFY2(put.toLower().contains("\r\nx-security-token: top secret\r\n"), put.constData());
+        QVERIFY2(put.toLower().contains("\r\ncontent-type: audio/wav\r\n"), put.constData());
+        QVERIFY2(put.endsWith("\r\n\r\nolder"), put.constData());
+        QVERIFY2(
+            m_server.requests().at(2).contains('"' + QByteArray(SERVICE_BASE_ADDRESS) + path + '"'),
+            m_server.requests().at(2).constData());
+    }
+
+    void everyUploadHasANameOfItsOwn()
+    {
+        QByteArrayList paths;
+        for (int i = 0; i < 2; ++i) {
+            m_server.reset();
+            m_server.answer(Answers::credentials());
+            m_server.answer(Answers::envelope());
+            m_server.answer(Answers::one("text", "heard"));
+            QCOMPARE(run(arguments("recognize speech.wav --token 1")).status, 0);
+            paths.append(m_server.requests().value(1).split(' ').value(1));
+        }
+        QVERIFY2(paths.at(0) != paths.at(1), paths.at(0).constData());
+    }
+
+    void anAddressIsHandedOnAsItIs()
+    {
+        const QString odd = QStringLiteral("https://a.example/%41 b/../c.wav?x=1&y=#z");
+        m_server.answer(Answers::one("text", "heard"));
+        const Outcome outcome = run(arguments("recognize --token 1") << odd);
+        QCOMPARE(outcome.out, QByteArray("heard\n"));
+        QCOMPARE(m_server.requests().size(), 1);
+        QVERIFY2(m_server.requests().at(0).contains('"' + odd.toLatin1() + '"'),
+                 m_server.requests().at(0).constData());
+    }
+
+    void aTaskIsAskedAfterUntilItIsDone()
+    {
+        m_server.answer(Answers::task());
+        for (const char *status : {"QUEUEING", "QUEUEING", "RUNNING"})
+            m_server.answer(Answers::status(status));
+        m_server.answer(Answers::finishedRecognition());
+        const Outcome outcome =
+            run(arguments("recognize https://a.example/b.wav --token 1 --long"));
+        QCOMPARE(outcome.status, 0);
+        QCOMPARE(outcome.out, QByteArray("one two\n"));
+        QCOMPARE(outcome.err, QByteArray()); // no terminal, no progress
+        QCOMPARE(m_server.requests().size(), 5);
+    }
+
+    void theTextIsPrintedInUtf8WhateverTheLocale()
+    {
+        qputenv("LC_ALL", "C");
+        m_server.answer(Answers::one("text", "\xe4\xbd\xa0\xe5\xa5\xbd"));
+        const Outcome outcome = run(arguments("recognize https://a.example/b.wav --token 1"));
+        qunsetenv("LC_ALL");
+        QCOMPARE(outcome.out, QByteArray("\xe4\xbd\xa0\xe5\xa5\xbd\n"));
+    }
+
+private:
+    static void row(const char *name, const QStringList &command, const QList<QByteArray> &answers)
+    {
+        QTest::newRow(name) << command << answers;
+    }
+
+    static void speechRows()
+    {
+        const QStringList say = arguments("say hello -o speech.wav --token 1");
+        row("audio is empty", say, {Answers::one("audio", "")});
+        row("audio is missing", say, {Answers::envelope()});
+        row("audio is no base64", say, {Answers::one("audio", "UklGR*==")});
+        row("audio has a line break", say, {Answers::one("audio", "UklG\nRgAA")});
+        row("audio breaks off", say, {Answers::one("audio", "UklGR")});
+        row("no JSON", say, {ScriptedServer::reply("<html>")});
+        row("HTTP error", say, {ScriptedServer::reply("", "503 Busy")});
+    }
+
+    static void longSpeechRows()
+    {
+        const QStringList say = arguments("say hello -o speech.wav --token 1 --long");
+        row("task without identifier", say, {Answers::one("task_id", "")});
+        row("task fails", say, {Answers::task(), Answers::status("FAILED")});
+        row("task in an unknown state", say, {Answers::task(), Answers::status("DREAMING")});
+        row("audio without address", say, {Answers::task(), Answers::status("SUCCESS")});
+        const auto fetched = [](const QByteArray &audio) {
+            return QList<QByteArray>{Answers::task(), Answers::finishedSpeech(), audio};
+        };
+        row("audio is gone", say, fetched(ScriptedServer::reply("", "404 Not Found")));
+        row("audio file is empty", say, fetched(ScriptedServer::reply("")));
+        row("connection ends within the audio", say,
+            fetched("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nRIFF"));
+        row("audio file is cut short", say, fetched(ScriptedServer::reply(cutShort())));
+    }
+
+    static void recognitionRows()
+    {
+        const QStringList recognize = arguments("recognize speech.wav --token 1");
+        const QByteArray credentials = Answers::credentials();
+        row("no credentials", recognize, {Answers::refusal(5, "no")});
+        row("upload forbidden", recognize,
+            {credentials, ScriptedServer::reply("", "403 Forbidden")});
+        row("upload refused", recognize, {credentials, Answers::refusal(7, "full")});
+        row("upload answered with nonsense", recognize,
+            {credentials, ScriptedServer::reply("<html>")});
+        row("recognition refused", recognize,
+            {credentials, Answers::envelope(), Answers::refusal(9, "no")});
+        row("recognition task fails", recognize + arguments("--long"),
+            {credentials, Answers::envelope(), Answers::task(), Answers::status("FAILED")});
+    }
+
+    static Outcome run(const QStringList &command)
+    {
+        return vospeak(command
+                       + QStringList{QStringLiteral("--ca"), QStringLiteral(TEST_AUTHORITY)});
+    }
+
+    static void onlyTheOlderFileIsThere()
+    {
+        QCOMPARE(QDir().entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList{QStringLiteral("speech.wav")});
+        QFile speech(QStringLiteral("speech.wav"));
+        QVERIFY(speech.open(QIODevice::ReadOnly));
+        QCOMPARE(speech.readAll(), QByteArray("older"));
+    }
+
+    ScriptedServer m_server{Identity::Localhost};
+    const QTemporaryDir m_folder;
+};
+
+QTEST_GUILESS_MAIN(TestBadService)
+#include "tst_badservice.moc"

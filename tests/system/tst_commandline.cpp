@@ -1,0 +1,256 @@
+#include "tests/system/localservice.h"
+#include "tests/system/program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <unistd.h>
+
+/// What is decided before the service is asked. None is running here.
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(QDir::setCurrent(m_folder.path()));
+        write("empty.wav", QByteArray());
+        write("some.wav", "RIFF");
+        write("nonsense.pem", "-----BEGIN CERTIFICATE-----\nnonsense\n");
+        QVERIFY(QDir().mkdir(QStringLiteral("folder")));
+    }
+
+    void wrongUseIsToldInOneLine_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        textRows();
+        outputRows();
+        numberRows();
+        recordingRows();
+        authorityRows();
+    }
+    void wrongUseIsToldInOneLine()
+    {
+        QFETCH(const QStringList, command);
+        const QStringList before = entries();
+        const Outcome outcome = vospeak(command);
+        QCOMPARE(outcome.status, 2);
+        QCOMPARE(outcome.out, QByteArray());
+        QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
+        QCOMPARE(entries(), before);
+    }
+
+    void aFolderThatMayNotBeWrittenIsWrongUse()
+    {
+        if (geteuid() == 0)
+            QSKIP("the superuser may write everywhere", );
+        QVERIFY(QDir().mkdir(QStringLiteral("locked")));
+        QVERIFY(
+            QFile::setPermissions(QStringLiteral("locked"), QFile::ReadOwner | QFile::ExeOwner));
+        const Outcome outcome = vospeak(arguments("say hello -o locked/a.wav --token 1"));
+        QCOMPARE(outcome.status, 2);
+        QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
+    }
+
+    void anyNumberOf64BitsIsAToken_data()
+    {
+        QTest::addColumn<QString>("token");
+        for (const char *token : {"0", "-1", "9223372036854775807", "-9223372036854775808"})
+            QTest::newRow(token) << QString::fromLatin1(token);
+    }
+    // The token is right when the only thing wrong is that nobody answers.
+    void anyNumberOf64BitsIsAToken()
+    {
+        QFETCH(const QString, token);
+        const Outcome outcome = vospeak(arguments("say hello -o a.wav --token") << token);
+        QCOMPARE(outcome.status, 1);
+        QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
+    }
+
+    void aServiceThatIsNotRunningIsAFailure_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::newRow("say") << arguments("say hello -o a.wav --token 1");
+        QTest::newRow("say long") << arguments("say hello -o a.wav --token 1 --long");
+        QTest::newRow("say anonymously") << arguments("say hello -o a.wav --anonymous");
+        QTest::newRow("recognize") << arguments("recognize some.wav --token 1");
+        QTest::newRow("recognize long") << arguments("recognize some.wav --token 1 --long");
+        QTest::newRow("recognize address") << arguments("recognize https://a/b.wav --token 1");
+    }
+    void aServiceThatIsNotRunningIsAFailure()
+    {
+        QFETCH(const QStringList, command);
+        const QStringList before = entries();
+        const Outcome outcome = vospeak(command);
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.out, QByteArray());
+        QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
+        QCOMPARE(entries(), before);
+    }
+
+    void verboseShowsWhyAnOperationFailed()
+    {
+        const Outcome outcome = vospeak(arguments("say hello -o a.wav --token 1 --verbose"));
+        QCOMPARE(outcome.status, 1);
+        QVERIFY2(outcome.err.contains("refused"), outcome.err.constData());
+        QVERIFY2(outcome.err.count('\n') > 1, outcome.err.constData());
+    }
+
+    void helpAndVersionGoToStandardOutput_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QString>("contents");
+        QTest::newRow("--help") << arguments("--help") << QStringLiteral("recognize");
+        QTest::newRow("-h") << arguments("-h") << QStringLiteral("--token");
+        QTest::newRow("say --help") << arguments("say --help") << QStringLiteral("--voice");
+        QTest::newRow("--version") << arguments("--version") << QStringLiteral("vospeak 1.");
+    }
+    void helpAndVersionGoToStandardOutput()
+    {
+        QFETCH(const QStringList, command);
+        QFETCH(const QString, contents);
+        const Outcome outcome = vospeak(command);
+        QCOMPARE(outcome.status, 0);
+        QVERIFY(QString::fromUtf8(outcome.out).contains(contents));
+        QCOMPARE(outcome.err, QByteArray());
+    }
+
+    void theServiceRefusesWrongUseInOneLine_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::newRow("unknown option") << arguments("--port 1 --data d --token 1 --loud");
+        QTest::newRow("port is a word") << arguments("--port x --data d --token 1");
+        QTest::newRow("port is too large") << arguments("--port 65536 --data d --token 1");
+        QTest::newRow("token is a word") << arguments("--port 1 --data d --token x");
+        QTest::newRow("workers is zero") << arguments("--port 1 --data d --token 1 --workers 0");
+    }
+    void theServiceRefusesWrongUseInOneLine()
+    {
+        QFETCH(const QStringList, command);
+        QProcess service;
+        service.start(LocalService::program(), command);
+        QVERIFY(service.waitForFinished());
+        QCOMPARE(service.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.exitCode(), 2);
+        QCOMPARE(service.readAllStandardOutput(), QByteArray());
+        const QByteArray err = service.readAllStandardError();
+        QVERIFY2(err.startsWith("vo-localservice: ") && err.count('\n') == 1, err.constData());
+    }
+
+    void aDataFolderThatCannotBeMadeIsToldInOneLine()
+    {
+        QProcess service;
+        service.start(LocalService::program(), arguments("--port 1 --data some.wav --token 1"));
+        QVERIFY(service.waitForFinished());
+        QCOMPARE(service.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.exitCode(), 1);
+        const QByteArray err = service.readAllStandardError();
+        QVERIFY2(err.startsWith("vo-localservice: ") && err.count('\n') == 1, err.constData());
+    }
+
+    void theServiceHasHelp()
+    {
+        QProcess service;
+        service.start(LocalService::program(), arguments("--help"));
+        QVERIFY(service.waitForFinished());
+        QCOMPARE(service.exitCode(), 0);
+        const QByteArray out = service.readAllStandardOutput();
+        for (const char *option : {"--port", "--data", "--token", "--workers"})
+            QVERIFY2(out.contains(option), option);
+    }
+
+private:
+    // Rows of wrongUseIsToldInOneLine().
+    static void textRows()
+    {
+        QTest::newRow("nothing") << QStringList();
+        QTest::newRow("unknown command") << arguments("sing la --token 1");
+        QTest::newRow("unknown option") << arguments("say hello -o a.wav --token 1 --loud");
+        QTest::newRow("option without value") << arguments("say hello -o a.wav --token");
+        QTest::newRow("no text") << arguments("say -o a.wav --token 1");
+        QTest::newRow("two texts") << arguments("say one two -o a.wav --token 1");
+        QTest::newRow("empty text") << arguments("say  -o a.wav --token 1");
+        QTest::newRow("text of blanks")
+            << QStringList{QStringLiteral("say"), QStringLiteral(" \t\n ")}
+                   + arguments("-o a.wav --token 1");
+        QTest::newRow("long and anonymous") << arguments("say hello -o a.wav --long --anonymous");
+    }
+
+    static void outputRows()
+    {
+        QTest::newRow("no output") << arguments("say hello --token 1");
+        QTest::newRow("output in no folder") << arguments("say hello -o nowhere/a.wav --token 1");
+        QTest::newRow("output in a file") << arguments("say hello -o some.wav/a.wav --token 1");
+        QTest::newRow("output is a folder") << arguments("say hello -o folder --token 1");
+        QTest::newRow("output ends in a slash") << arguments("say hello -o other/ --token 1");
+        QTest::newRow("output is a device") << arguments("say hello -o /dev/null --token 1");
+    }
+
+    static void numberRows()
+    {
+        QTest::newRow("no token") << arguments("say hello -o a.wav");
+        QTest::newRow("token is a word") << arguments("say hello -o a.wav --token secret");
+        QTest::newRow("token is empty") << arguments("say hello -o a.wav --token ");
+        QTest::newRow("token is too large")
+            << arguments("say hello -o a.wav --token 9223372036854775808");
+        QTest::newRow("anonymous with a bad token")
+            << arguments("say hello -o a.wav --anonymous --token x");
+        QTest::newRow("rate is a word") << arguments("say hello -o a.wav --token 1 --rate fast");
+        QTest::newRow("rate is zero") << arguments("say hello -o a.wav --token 1 --rate 0");
+        QTest::newRow("rate is negative") << arguments("say hello -o a.wav --token 1 --rate -8000");
+    }
+
+    static void recordingRows()
+    {
+        QTest::newRow("no recording") << arguments("recognize --token 1");
+        QTest::newRow("missing recording") << arguments("recognize missing.wav --token 1");
+        QTest::newRow("folder as recording") << arguments("recognize folder --token 1");
+        QTest::newRow("empty recording") << arguments("recognize empty.wav --token 1");
+        QTest::newRow("device as recording") << arguments("recognize /dev/zero --token 1");
+        QTest::newRow("recognize without token") << arguments("recognize some.wav");
+        QTest::newRow("recognize anonymously")
+            << arguments("recognize some.wav --token 1 --anonymous");
+        QTest::newRow("recognize with voice")
+            << arguments("recognize some.wav --token 1 --voice rms");
+        QTest::newRow("recognize with rate")
+            << arguments("recognize some.wav --token 1 --rate 8000");
+        QTest::newRow("recognize with output")
+            << arguments("recognize some.wav --token 1 -o text.txt");
+        QTest::newRow("newline in a name")
+            << QStringList{QStringLiteral("recognize"), QStringLiteral("two\nlines.wav")}
+                   + arguments("--token 1");
+    }
+
+    static void authorityRows()
+    {
+        QTest::newRow("missing authority")
+            << arguments("recognize some.wav --token 1 --ca missing.pem");
+        QTest::newRow("authority is no certificate")
+            << arguments("recognize some.wav --token 1 --ca some.wav");
+        QTest::newRow("authority is a broken certificate")
+            << arguments("recognize some.wav --token 1 --ca nonsense.pem");
+        QTest::newRow("authority is a folder")
+            << arguments("recognize some.wav --token 1 --ca folder");
+    }
+
+    static void write(const char *name, const QByteArray &bytes)
+    {
+        QFile file(QString::fromLatin1(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+
+    static QStringList entries()
+    {
+        return QDir().entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    const QTemporaryDir m_folder;
+};
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "tst_commandline.moc"

@@ -1,0 +1,165 @@
+#include "tests/system/localservice.h"
+#include "tests/system/serviceclient.h"
+
+#include <QJsonDocument>
+#include <QtTest>
+
+namespace {
+
+QJsonObject speech(const char *feature, const QString &text)
+{
+    return {{QStringLiteral("feature"), QString::fromLatin1(feature)},
+            {QStringLiteral("text"), text},
+            {QStringLiteral("format"), QStringLiteral("wav")},
+            {QStringLiteral("sample_rate"), 16000},
+            {QStringLiteral("voice"), QStringLiteral("rms")},
+            {QStringLiteral("volume"), 50},
+            {QStringLiteral("speech_rate"), 0},
+            {QStringLiteral("pitch_rate"), 0},
+            {QStringLiteral("pageFeature"), QString()}};
+}
+
+QByteArray bytes(const QJsonObject &object) { return QJsonDocument(object).toJson(); }
+
+QString hello() { return QStringLiteral("Hello."); }
+
+} // namespace
+
+/// What the service answers to a request that it cannot serve: an envelope that says why.
+class TestEnvelopes : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_service.start());
+        m_client.reset(new ServiceClient(m_service.authority()));
+    }
+
+    void aGoodRequestIsServed()
+    {
+        const auto reply =
+            m_client->post(QStringLiteral("asr/process"), speech("voiceSynthesis", hello()),
+                           ServiceClient::authorization());
+        QVERIFY2(reply.isSuccess(), reply.body.constData());
+        const QByteArray audio = QByteArray::fromBase64(
+            reply.data().value(QLatin1String("audio")).toString().toLatin1());
+        QVERIFY(audio.startsWith("RIFF"));
+    }
+
+    void aBadRequestIsRefusedInAnEnvelope_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QByteArray>("authorization");
+        tokenRows();
+        malformedRows();
+        speechRows();
+        linkRows();
+    }
+    void aBadRequestIsRefusedInAnEnvelope()
+    {
+        QFETCH(const QString, operation);
+        QFETCH(const QByteArray, body);
+        QFETCH(const QByteArray, authorization);
+        const auto reply = m_client->post(operation, body, authorization);
+        QVERIFY2(reply.isRefusal(), QByteArray::number(reply.status) + ' ' + reply.body);
+    }
+
+    void aBodyThatIsTooLargeIsRefusedInAnEnvelope()
+    {
+        const QByteArray body =
+            bytes(speech("voiceSynthesis", QString(65 * 1024 * 1024, QLatin1Char('a'))));
+        const auto reply =
+            m_client->post(QStringLiteral("asr/process"), body, ServiceClient::authorization());
+        QVERIFY2(reply.isRefusal(), QByteArray::number(reply.status) + ' ' + reply.body.left(200));
+        aGoodRequestIsServed();
+    }
+
+private:
+    // A row of aBadRequestIsRefusedInAnEnvelope().
+    static void row(const char *name, const char *operation, const QByteArray &body,
+                    const QByteArray &authorization = ServiceClient::authorization())
+    {
+        QTest::newRow(name) << QString::fromLatin1(operation) << body << authorization;
+    }
+
+    static void tokenRows()
+    {
+        const QByteArray right = ServiceClient::authorization();
+        const QByteArray good = bytes(speech("voiceSynthesis", hello()));
+        row("wrong token", "asr/process", good, "Bearer 1");
+        row("no token", "asr/process", good, {});
+        row("empty token", "asr/process", good, "Bearer ");
+        row("token without scheme", "asr/process", good, right.mid(int(qstrlen("Bearer "))));
+        row("token with a tail", "asr/process", good, right + "0");
+        row("result, wrong token", "asr/getProcessResult",
+            "{\"feature\":\"longVoiceSynthesis\",\"task_id\":\"x\"}", "Bearer 1");
+    }
+
+    static void malformedRows()
+    {
+        row("no JSON", "asr/process", "{\"feature\":");
+        row("no body", "asr/process", {});
+        row("an array", "asr/process", "[]");
+        row("no UTF-8", "asr/process", "{\"feature\":\"\xff\xfe\"}");
+        row("nested too deeply", "asr/process", QByteArray(200000, '['));
+        row("no feature", "asr/process", "{}");
+        row("feature is a number", "asr/process", "{\"feature\":1}");
+        row("unknown feature", "asr/process", bytes(speech("singing", hello())));
+        row("unknown operation", "asr/sing", bytes(speech("voiceSynthesis", hello())));
+        row("no JSON, anonymous", "asr/freeProcess", "{", {});
+        row("unknown feature, anonymous", "asr/freeProcess",
+            bytes(speech("longVoiceSynthesis", hello())), {});
+        row("unknown feature, result", "asr/getProcessResult",
+            "{\"feature\":\"singing\",\"task_id\":\"x\"}");
+        row("unknown task, result", "asr/getProcessResult",
+            "{\"feature\":\"longVoiceSynthesis\",\"task_id\":\"x\"}");
+    }
+
+    static void speechRows()
+    {
+        row("empty text, anonymous", "asr/freeProcess", bytes(speech("voiceSynthesis", QString())),
+            {});
+        for (const char *feature : {"voiceSynthesis", "longVoiceSynthesis"}) {
+            const auto featureRow = [feature](const char *what, const QJsonObject &body) {
+                row((QByteArray(feature) + ", " + what).constData(), "asr/process", bytes(body));
+            };
+            featureRow("empty text", speech(feature, QString()));
+            featureRow("text of blanks", speech(feature, QStringLiteral(" \n\t")));
+            QJsonObject voice = speech(feature, hello());
+            voice.insert(QStringLiteral("voice"), QStringLiteral("../rms"));
+            featureRow("unknown voice", voice);
+            QJsonObject noText = speech(feature, hello());
+            noText.remove(QStringLiteral("text"));
+            featureRow("no text", noText);
+        }
+    }
+
+    static void linkRows()
+    {
+        // What looks like the service's own address up to the "@" is a user's name there.
+        const QString disguised = QStringLiteral("%1@elsewhere.example/storage/a.wav")
+                                      .arg(QStringLiteral(SERVICE_BASE_ADDRESS));
+        const QStringList links{QString(),
+                                QStringLiteral("nonsense"),
+                                QStringLiteral("file:///etc/passwd"),
+                                QStringLiteral("https://elsewhere.example/a.wav"),
+                                QStringLiteral("https://localhost/storage/speech/a.wav"),
+                                disguised};
+        for (const char *feature : {"inWord", "recordingRecognition"}) {
+            for (const QString &link : links)
+                row(qPrintable(QStringLiteral("%1, link \"%2\"").arg(QLatin1String(feature), link)),
+                    "asr/process",
+                    bytes({{QStringLiteral("feature"), QString::fromLatin1(feature)},
+                           {QStringLiteral("file_link"), link}}));
+        }
+    }
+
+    LocalService m_service;
+    QScopedPointer<ServiceClient> m_client;
+};
+
+QTEST_GUILESS_MAIN(TestEnvelopes)
+#include "tst_envelopes.moc"

@@ -1,0 +1,152 @@
+#include "tests/system/localservice.h"
+#include "tests/system/program.h"
+#include "tests/system/serviceclient.h"
+
+#include <QNetworkInterface>
+#include <QRegularExpression>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+
+quint16 servicePort()
+{
+    return static_cast<quint16>(QUrl(QStringLiteral(SERVICE_BASE_ADDRESS)).port());
+}
+
+bool accepts(const QHostAddress &address)
+{
+    QTcpSocket socket;
+    socket.connectToHost(address, servicePort());
+    return socket.waitForConnected(3000);
+}
+
+} // namespace
+
+/// The local service as a process: how it begins, what it writes, where it listens, how it ends.
+class TestServiceProcess : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void itSaysInOneLineWhereItListens()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        QCOMPARE(service.readyLine(), "vo-localservice: listening on " SERVICE_BASE_ADDRESS
+                                      ", authority "
+                                          + service.authority().toUtf8() + '\n');
+    }
+
+    void aSignalEndsItWithStatusZero_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("SIGTERM") << SIGTERM;
+        QTest::newRow("SIGINT") << SIGINT;
+    }
+    void aSignalEndsItWithStatusZero()
+    {
+        QFETCH(const int, number);
+        LocalService service;
+        QVERIFY(service.start());
+        QCOMPARE(service.stop(number), 0);
+        QVERIFY(!accepts(QHostAddress(QHostAddress::LocalHost)));
+    }
+
+    void aSignalEndsItAlsoWithAConnectionOpenAndATaskRunning()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        QTcpSocket idle;
+        idle.connectToHost(QHostAddress(QHostAddress::LocalHost), servicePort());
+        QVERIFY(idle.waitForConnected());
+        ServiceClient client(service.authority());
+        const QJsonObject task{
+            {QStringLiteral("feature"), QStringLiteral("longVoiceSynthesis")},
+            {QStringLiteral("text"), QStringLiteral("Come back. ").repeated(200)},
+            {QStringLiteral("format"), QStringLiteral("wav")},
+            {QStringLiteral("sample_rate"), 16000},
+            {QStringLiteral("voice"), QStringLiteral("rms")},
+            {QStringLiteral("volume"), 50}};
+        QVERIFY(client.post(QStringLiteral("asr/process"), task, ServiceClient::authorization())
+                    .isSuccess());
+        QCOMPARE(service.stop(SIGTERM), 0);
+    }
+
+    void itListensOnLoopbackOnly()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        QVERIFY(accepts(QHostAddress(QHostAddress::LocalHost)));
+        // Reached by whoever listens everywhere, though it is loopback itself.
+        QVERIFY(!accepts(QHostAddress(QStringLiteral("127.0.0.2"))));
+        const auto addresses = QNetworkInterface::allAddresses();
+        for (const QHostAddress &address : addresses)
+            QVERIFY2(address.isLoopback() || !accepts(address), qPrintable(address.toString()));
+    }
+
+    void aPortThatIsTakenIsToldInOneLine()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        QTemporaryDir folder;
+        QProcess second;
+        second.start(LocalService::program(), arguments("--token 1 --port")
+                                                  << QString::number(servicePort())
+                                                  << QStringLiteral("--data") << folder.path());
+        QVERIFY(second.waitForFinished());
+        QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second.exitCode(), 1);
+        QCOMPARE(second.readAllStandardOutput(), QByteArray());
+        const QByteArray err = second.readAllStandardError();
+        QVERIFY2(err.startsWith("vo-localservice: ") && err.count('\n') == 1, err.constData());
+    }
+
+    void theLogHasALineForEveryRequestAndNoSecret()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        const QTemporaryDir folder;
+        const QString audio = folder.filePath(QStringLiteral("audio.wav"));
+        QCOMPARE(vospeak(arguments("say hello -o") + QStringList{audio} + service.access()).status,
+                 0);
+        QCOMPARE(vospeak(QStringList{QStringLiteral("recognize"), audio} + service.access()).status,
+                 0);
+        ServiceClient client(service.authority());
+        const QJsonObject credentials = client.credentials();
+        const QByteArray secret = "Bearer 1234512345";
+        QVERIFY(client.post(QStringLiteral("asr/process"), QJsonObject(), secret).isRefusal());
+
+        // Speaking; credentials, upload and recognition; credentials; the refused one.
+        const QByteArray log = service.log();
+        QCOMPARE(log.count('\n'), 6);
+        QVERIFY(log.endsWith('\n'));
+        QCOMPARE(log.count("asr/process"), 3);
+        QCOMPARE(log.count("upload/getsignsts"), 2);
+        QCOMPARE(log.count("PUT "), 1);
+        QVERIFY(!log.contains(QByteArray::number(LocalService::token())));
+        QVERIFY(!log.contains("1234512345"));
+        for (const char *name : {"SecurityToken", "AccessKeySecret"}) {
+            const QString value = credentials.value(QLatin1String(name)).toString();
+            QVERIFY(!value.isEmpty());
+            QVERIFY2(!log.contains(value.toUtf8()), name);
+        }
+        QVERIFY2(!log.toLower().contains("security-token"), log.constData());
+    }
+
+    void aRequestCannotForgeALineOfTheLog()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        ServiceClient client(service.authority());
+        client.verbatim("GET /a%0aforged%20line", QByteArray());
+        QCOMPARE(service.log().count('\n'), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestServiceProcess)
+#include "tst_serviceprocess.moc"
