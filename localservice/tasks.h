@@ -20,6 +20,8 @@ namespace localservice {
 enum class TaskState { Queueing, Running, Success, Failed };
 
 /// How far a task has come.
+// Moving JSON never throws, although its checks of itself look as if they could.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 struct TaskReport
 {
     TaskState state = TaskState::Queueing;

@@ -130,6 +130,7 @@ private Q_SLOTS:
     {
         QCOMPARE(vospeak(say() + m_service.access()).status, 0);
         QCOMPARE(vospeak(recognize() + m_service.access()).status, 0);
+        QTRY_VERIFY(m_service.log().contains("/storage/speech/"));
         const QByteArray log = m_service.log();
         const int path = log.lastIndexOf("/storage/speech/");
         QVERIFY(path > 0);
