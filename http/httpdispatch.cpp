@@ -61,7 +61,7 @@ std::unique_ptr<QHttpMultiPart> fileForm(const QMap<QString, QString> &nameToPat
     auto form = std::make_unique<QHttpMultiPart>(QHttpMultiPart::FormDataType);
     for (auto it = nameToPath.cbegin(); it != nameToPath.cend(); ++it) {
         auto *file = new QFile(it.value(), form.get());
-        file->open(QIODevice::ReadOnly); // unreadable: Qt meets a closed device and sends nothing
+        file->open(QIODevice::ReadOnly); // Qt notices a file that did not open
         QHttpPart part = formPart(QStringLiteral(R"(form-data; name="%1";filename="%2")")
                                       .arg(it.key(), QFileInfo(it.value()).fileName()));
         part.setBodyDevice(file);

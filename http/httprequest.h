@@ -97,7 +97,8 @@ public:
     /// "application/x-www-form-urlencoded".
     HttpRequest &formUrlEncodedBody(const QVariantMap &nameToValue);
 
-    /// A multi-part form with one file per entry. A file that cannot be opened is sent empty.
+    /// A multi-part form with one file per entry. When one of them cannot be opened, Qt sends the
+    /// whole form empty.
     HttpRequest &fileMapBody(const QMap<QString, QString> &nameToPath);
 
     /// A multi-part form with one text per entry.

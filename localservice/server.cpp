@@ -10,13 +10,14 @@
 #include <algorithm>
 #include <chrono>
 #include <stdexcept>
+#include <string_view>
 #include <sys/socket.h>
 
 namespace localservice {
 
 namespace {
 
-const std::string operations = "/convert/public/index.php/v1/";
+constexpr std::string_view operations = "/convert/public/index.php/v1/";
 
 constexpr const char *loopback = "127.0.0.1";
 constexpr std::size_t threads = 64;          // every kept connection has one
@@ -253,13 +254,16 @@ nlohmann::json Server::operation(const httplib::Request &request, const std::str
                                  const std::string &body)
 {
     const std::string authorization = request.get_header_value("Authorization");
-    if (request.method == "POST" && path == operations + "asr/process")
+    const auto is = [&](const char *method, std::string_view name) {
+        return request.method == method && path == std::string(operations) + std::string(name);
+    };
+    if (is("POST", "asr/process"))
         return m_speech->process(authorization, body);
-    if (request.method == "POST" && path == operations + "asr/freeProcess")
+    if (is("POST", "asr/freeProcess"))
         return m_speech->freeProcess(body);
-    if (request.method == "POST" && path == operations + "asr/getProcessResult")
+    if (is("POST", "asr/getProcessResult"))
         return m_speech->taskResult(authorization, body);
-    if (request.method == "GET" && path == operations + "upload/getsignsts")
+    if (is("GET", "upload/getsignsts"))
         return m_speech->uploadCredential();
     throw UnknownOperation();
 }

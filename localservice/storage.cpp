@@ -5,13 +5,14 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 namespace localservice {
 
 namespace {
 
-const std::string prefix = "/storage/speech/";
+constexpr std::string_view prefix = "/storage/speech/";
 constexpr std::size_t longestName = 128;
 
 bool isObjectName(const std::string &name)
@@ -65,7 +66,7 @@ std::optional<ObjectName> Storage::parsePath(const std::string &path)
 
 std::string Storage::pathOf(const ObjectName &object)
 {
-    return prefix + object.directory + "/" + object.name;
+    return std::string(prefix) + object.directory + "/" + object.name;
 }
 
 void Storage::write(const ObjectName &object, const std::string &bytes)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds with clang and clazy (level 1) with warnings as errors, and checks layout and clang-tidy.
+# Builds everything with clang, warnings as errors, and checks the layout; checks all but the tests
+# with clazy (level 1) and clang-tidy.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh check
@@ -7,11 +8,12 @@ scripts/install-packages.sh check
 mapfile -t sources < <(git ls-files '*.cpp' '*.h')
 clang-format --dry-run --Werror "${sources[@]}"
 
-# clazy is clang with a plugin: one build is both.
+# clazy is clang with a plugin: one build is both. Tests bind callbacks to what stands on the stack
+# and look into temporary lists, which clazy warns of and which is safe within a test function.
 export CLAZY_CHECKS=level1
-export CLAZY_IGNORE_DIRS='(/usr/include|_autogen)'
+export CLAZY_IGNORE_DIRS='(/usr/include|_autogen|/tests/)'
 cmake --preset clang -DCMAKE_CXX_COMPILER=clazy >/dev/null
 cmake --build --preset clang
 
-mapfile -t units < <(git ls-files '*.cpp')
-printf '%s\n' "${units[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p build/clang --quiet
+git ls-files '*.cpp' ':!tests' |
+    xargs -P "$(nproc)" -n 4 clang-tidy -p build/clang --quiet
