@@ -3,9 +3,11 @@
 # Usage: scripts/test.sh [PRESET ...]   gcc (the default), clang or asan
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-packages.sh check
 for preset in "${@:-gcc}"; do
     echo "== $preset"
+    packages=(build)
+    [ "$preset" != clang ] || packages+=(clang)
+    scripts/install-packages.sh "${packages[@]}"
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset"
     ctest --preset "$preset" -j "$(nproc)"
