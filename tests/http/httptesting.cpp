@@ -74,10 +74,3 @@ quint16 HttpTesting::deadPort()
     server.listen(QHostAddress::LocalHost);
     return server.serverPort(); // free again on return
 }
-
-#ifdef __SANITIZE_ADDRESS__
-// What OpenSSL keeps for a thread goes when the thread has ended, which may be a moment after the
-// last test.
-extern "C" const char *__lsan_default_suppressions();
-extern "C" const char *__lsan_default_suppressions() { return "leak:libcrypto.so"; }
-#endif
