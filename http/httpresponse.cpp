@@ -214,7 +214,8 @@ void HttpResponse::onError(QNetworkReply::NetworkError code)
     if (m_request.fields.logLevel >= 5)
         qDebug().noquote() << QStringLiteral("%1 error: %2")
                                   .arg(reply->url().toString(), QString::number(int(code)));
-    if (m_retriesLeft-- >= 1) {
+    if (m_retriesLeft >= 1) {
+        --m_retriesLeft;
         HttpRequest retry = nextPerformance();
         retry.fields.retryCount = m_retriesLeft;
         retry.fields.isRetry = true;
@@ -243,8 +244,9 @@ bool HttpResponse::deliverRetried()
 
 bool HttpResponse::repeatOrEnd()
 {
-    if (--m_request.fields.repeatCount < 1)
+    if (m_request.fields.repeatCount <= 1)
         return deliver<&HttpResponse::repeated>();
+    --m_request.fields.repeatCount;
     nextPerformance().send();
     return true;
 }

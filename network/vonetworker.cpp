@@ -39,7 +39,7 @@ QString VoNetworker::runCommand(QString command)
     QProcess process;
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED // 5.15 has a new name for splitting a command line; 5.14 has not
-        process.start(command, QIODevice::ReadWrite);
+    process.start(command, QIODevice::ReadWrite);
     QT_WARNING_POP
     process.waitForFinished(-1);
     if (!process.isOpen()) // there is no program in the command

@@ -8,6 +8,7 @@
 
 #include <QTest>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -64,6 +65,9 @@ private Q_SLOTS:
         row(0, 3, "+-+", "+-+.");
         row(0, 0, "+", "+.");
         row(0, -5, "-", "-.");
+        constexpr int least = std::numeric_limits<int>::min();
+        row(least, least, "+", "+.");
+        row(least, least, "-", "-.");
         row(1, 2, "+-+", "+R+.");
         row(1, 2, "+--", "+R-.");
         // What is left of the retries is shared by the repeats, which are retries from then on.
