@@ -5,7 +5,9 @@
 #include "network/buildconstants.h"
 #include "network/serviceoperation.h"
 
+#include <QEventLoop>
 #include <QJsonObject>
+#include <QPointer>
 #include <QProcess>
 
 namespace {
@@ -69,11 +71,12 @@ QVariantMap VoNetworker::authorizedHeaders(qint64 token) const
 }
 
 void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &headers,
-                        const QJsonObject &body)
+                        const QJsonObject &body, const QString &query)
 {
     // Plain concatenation: a path that begins with a slash is sent with a doubled one.
-    const QString address = QLatin1String(BuildConstants::serviceBaseAddress)
-                            + QLatin1String(operation.prefix) + QLatin1String(operation.path);
+    const QString path = QString::fromLatin1(operation.path).replace(QLatin1String("%1"), query);
+    const QString address =
+        QLatin1String(BuildConstants::serviceBaseAddress) + QLatin1String(operation.prefix) + path;
     HttpRequest request(operation.method, client);
     request.url(address).headers(headers);
     keepNoCookies(&request.fields.networkRequest);
@@ -83,4 +86,24 @@ void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &he
     request.bind(CallbackKind::Finished, QLatin1String(operation.successSlot), self)
         .bind(CallbackKind::Error, QLatin1String(operation.failureSlot), self)
         .send();
+}
+
+// False when the host has given this object back meanwhile: nothing of it is left.
+bool VoNetworker::waitForAnswer()
+{
+    const QPointer<VoNetworker> self(this);
+    QEventLoop loop;
+    connect(client, &QObject::destroyed, &loop, &QEventLoop::quit); // it goes with this object
+    blockingLoop = &loop;
+    loop.exec();
+    if (!self)
+        return false;
+    blockingLoop = nullptr;
+    return true;
+}
+
+void VoNetworker::endWait()
+{
+    if (blockingLoop && blockingLoop->isRunning())
+        blockingLoop->exit(0);
 }

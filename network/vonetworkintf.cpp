@@ -11,6 +11,12 @@ bool registerMetaTypes()
     qRegisterMetaType<TTSParams *>("TTSParams*");
     qRegisterMetaType<TTS_STATUS>("TTS_STATUS");
     qRegisterMetaType<LONG_TTS_STATUS>("LONG_TTS_STATUS");
+    qRegisterMetaType<DubType>("DubType");
+    qRegisterMetaType<DubInfo *>("DubInfo*");
+    qRegisterMetaType<BgmInfo *>("BgmInfo*");
+    qRegisterMetaType<LoginQrCode *>("LoginQrCode*");
+    qRegisterMetaType<UserInfo *>("UserInfo*");
+    qRegisterMetaType<UpdateInfo *>("UpdateInfo*");
     return true;
 }
 

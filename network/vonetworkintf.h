@@ -2,6 +2,8 @@
 
 #include "network/vonetwork_export.h"
 
+#include <QDateTime>
+#include <QList>
 #include <QMetaType>
 #include <QObject>
 #include <QString>
@@ -58,12 +60,85 @@ enum LONG_TTS_STATUS : int {
     LONG_TTS_FAILED = 2,
 };
 
+/// What kind of voice it is; the service's own word for it is DubInfo::category.
+enum DubType : int {
+    DUB_TYPE_UNSET = 0, ///< A record that was not filled.
+    DUB_TYPE_ULTRA_HD = 1,
+    DUB_TYPE_LITERATURE = 2,
+    DUB_TYPE_GENERAL = 3, ///< Also every kind that is not known.
+    DUB_TYPE_FOREIGN_LANGUAGE = 4,
+    DUB_TYPE_DIALECT = 5,
+    DUB_TYPE_CUSTOMER_SERVICE = 6,
+    DUB_TYPE_LIVE_STREAMING = 7,
+    DUB_TYPE_CHILD = 8,
+    DUB_TYPE_EMOTIONAL = 9,
+};
+
+/// A voice that texts can be spoken with.
+struct DubInfo
+{
+    QString name;
+    QString voiceParam; ///< The voice's identifier, for TTSParams::voice.
+    QString type;
+    DubType dubType = DUB_TYPE_UNSET;
+    QString category;            ///< As the service names it.
+    QString avatar;              ///< Name of a picture file that the host brings along.
+    QString scene;               ///< What the voice is meant for.
+    QString audition_url;        ///< Address of a sample recording.
+    bool supportTTS = false;     ///< Speaks short texts.
+    bool supportLongTTS = false; ///< Speaks long texts.
+};
+
+/// A track of background music.
+struct BgmInfo
+{
+    QString name;
+    QString url; ///< Address of the audio file.
+};
+
+/// A code that the user scans with a phone to sign in.
+struct LoginQrCode
+{
+    QString qrImagePath;   ///< The picture's file, which the next code overwrites.
+    QDateTime expire_time; ///< Local time.
+    QString business_code; ///< Identifies the attempt to sign in.
+};
+
+/// A user who has signed in. Numbers that the service leaves out are 0.
+struct UserInfo
+{
+    qint64 user_id = -1;
+    QString nickname;
+    QString header_url; ///< Address of the user's picture.
+    qint64 token = -1;  ///< For the speech operations.
+    qint64 refresh_token = -1;
+    QDateTime token_expire_time;   ///< Local time; invalid when the service's text is no date.
+    QDateTime refresh_expire_time; ///< As above.
+};
+
+/// What the service says of newer versions of the host. The library compares nothing.
+struct UpdateInfo
+{
+    qint32 upgradeStatus = 0;    ///< The service's and the host's agreement.
+    QString currentVersion;      ///< The library's version.
+    QString version_code;        ///< The version that the service offers.
+    QString external_update_log; ///< One line a change, each indented by two blanks and ended by
+                                 ///< a line feed.
+    QString url;                 ///< Where that version is to be had.
+};
+
 Q_DECLARE_METATYPE(OSS_SIGN_INFO *)
 Q_DECLARE_METATYPE(SHORT_STT_STATUS)
 Q_DECLARE_METATYPE(STT_STATUS)
 Q_DECLARE_METATYPE(TTSParams *)
 Q_DECLARE_METATYPE(TTS_STATUS)
 Q_DECLARE_METATYPE(LONG_TTS_STATUS)
+Q_DECLARE_METATYPE(DubType)
+Q_DECLARE_METATYPE(DubInfo *)
+Q_DECLARE_METATYPE(BgmInfo *)
+Q_DECLARE_METATYPE(LoginQrCode *)
+Q_DECLARE_METATYPE(UserInfo *)
+Q_DECLARE_METATYPE(UpdateInfo *)
 
 /// The service as a host sees it; VoNetwork::CreateVoNetworkIntf() makes one.
 ///
@@ -72,8 +147,15 @@ Q_DECLARE_METATYPE(LONG_TTS_STATUS)
 /// once by its signal. Why an operation failed is in the debug log only. No operation has a
 /// time-out: a service that never answers leaves it pending.
 ///
+/// A synchronous operation (GetBgmList(), GetDubList(), GetUpdateInfo(), DownloadLongTTSRet())
+/// waits in a nested event loop: other signals are delivered meanwhile, and an application that
+/// quits or an object that is given back ends the wait with a failure. Of the first three only one
+/// may wait at a time. Called from a handler that runs during the wait of another, it would take
+/// over that wait, whose caller would never return.
+///
 /// Tokens are the numbers that sign-in gives; they are sent in decimal and never kept. Records
-/// that a signal carries belong to the receiver, which deletes them.
+/// that a signal or a list carries belong to the receiver, which deletes them; UpdateInfo alone
+/// stays the library's.
 class VONETWORK_EXPORT VoNetworkIntf : public QObject
 {
     Q_OBJECT
@@ -98,6 +180,10 @@ public:
     /// again while that reports STT_PROCESSING, at the host's own pace.
     virtual void GetSTTTaskResult(QString taskId, qint64 token) = 0;
 
+    /// The tracks of background music, in the service's order; empty on any failure. Waits in a
+    /// nested event loop.
+    virtual QList<BgmInfo *> GetBgmList() = 0;
+
     /// Speaks a short text at once; answered by signalTTSRet(). @p params must not be null.
     /// With @p anonymous no token is sent.
     virtual void TTS(TTSParams *params, bool anonymous, qint64 token) = 0;
@@ -114,6 +200,32 @@ public:
     /// replaced; its folder must exist. Returns whether the file was written. Waits in a nested
     /// event loop, without a time-out; other signals are delivered meanwhile.
     virtual bool DownloadLongTTSRet(QString fileUrl, QString saveDir) = 0;
+
+    /// The voices, in the service's order; empty on any failure. Waits in a nested event loop.
+    virtual QList<DubInfo *> GetDubList() = 0;
+
+    /// Asks for a newer version of the host; null on any failure. The record is the library's and
+    /// valid until the next call; it outlives this object. Waits in a nested event loop.
+    virtual UpdateInfo *GetUpdateInfo() = 0;
+
+    /// Asks for a code to sign in with and fetches its picture into the file
+    /// "VoTTS/login_qr_code.png" of the temporary folder; answered by signalGetLoginQrCodeEnd().
+    /// The host has to make the folder "VoTTS": without it there is no answer. One code at a time.
+    virtual void GetLoginQrCode() = 0;
+
+    /// Asks whether the user has scanned and confirmed the code @p businessCode, a record's
+    /// business_code; answered by signalGetLoginQrCodeStatusEnd(). Called again, at the host's own
+    /// pace, until the user has signed in or the host gives up.
+    virtual void GetLoginQrCodeStatus(QString businessCode) = 0;
+
+    /// Asks for a sign-in code to be sent to @p phone; answered by signalSendSmsEnd().
+    virtual void SendSmsVerifyCode(QString phone) = 0;
+
+    /// Signs in with the code that the user received; answered by signalSmsLoginEnd().
+    virtual void SmsVerifyCodeLogin(QString phone, QString verifyCode) = 0;
+
+    /// Asks for a new access token; answered by signalRefreshTokenEnd().
+    virtual void RefreshToken(qint64 refreshToken) = 0;
 
 Q_SIGNALS:
     /// Answers GetOssSign(); null when it failed.
@@ -139,4 +251,23 @@ Q_SIGNALS:
     /// failed on the service still brings both identifiers, a request that failed brings none.
     void signalGetLongTTSResult(LONG_TTS_STATUS, QString taskid, QString request_id,
                                 QString audioUrl);
+
+    /// Answers GetLoginQrCode() once the picture is written; null when it failed. When only the
+    /// picture could not be fetched, null is followed by the record, whose picture is empty. The
+    /// library keeps using the record until the next code's answer.
+    void signalGetLoginQrCodeEnd(LoginQrCode *pLoginQrCodeInfo);
+
+    /// Answers GetLoginQrCodeStatus(); null when the request failed and while the user has not
+    /// signed in.
+    void signalGetLoginQrCodeStatusEnd(UserInfo *pUserInfo);
+
+    /// Answers SendSmsVerifyCode(): the attempt has ended, whether or not a code was sent.
+    void signalSendSmsEnd();
+
+    /// Answers SmsVerifyCodeLogin(); null when it failed.
+    void signalSmsLoginEnd(UserInfo *pUInfo);
+
+    /// Answers RefreshToken(); @p newToken is -1 when it failed, and @p expireTime says nothing
+    /// then.
+    void signalRefreshTokenEnd(qlonglong newToken, QDateTime expireTime);
 };

@@ -1,50 +1,84 @@
 #include "tests/network/answers.h"
 
+#include "tests/network/records.h"
+
+#include <QDir>
 #include <QSignalSpy>
 
 namespace {
 
-QString text(const QString &value) { return QStringLiteral("\"%1\"").arg(value); }
+template <typename Record>
+QString recordCall(const char *signal, const Record *record)
+{
+    return QLatin1String(signal) + (record ? written(*record) : QStringLiteral("(null)"));
+}
 
 } // namespace
 
 Answers::Answers(VoNetworkIntf *service)
 {
     connect(service, &VoNetworkIntf::signalGetOssSign, this, [this](OSS_SIGN_INFO *info) {
-        if (!info)
-            return note("signalGetOssSign", {QStringLiteral("null")});
-        note("signalGetOssSign", {text(info->AccessKeyId), text(info->AccessKeySecret),
-                                  text(info->endpoint), text(info->bucketName), text(info->dir),
-                                  text(info->SecurityToken), text(info->bucketRegion)});
+        note(recordCall("signalGetOssSign", info));
         delete info;
     });
+    connectSpeech(service);
+    connectSignIn(service);
+}
+
+Answers::~Answers() { qDeleteAll(m_codes); }
+
+void Answers::connectSpeech(VoNetworkIntf *service)
+{
     connect(service, &VoNetworkIntf::signalShortSTT, this,
             [this](SHORT_STT_STATUS status, const QString &spoken) {
-                note("signalShortSTT", {QString::number(status), text(spoken)});
+                note("signalShortSTT", {QString::number(status), written(spoken)});
             });
     connect(service, &VoNetworkIntf::signalCreateSTTTask, this,
             [this](STT_STATUS status, const QString &taskId) {
-                note("signalCreateSTTTask", {QString::number(status), text(taskId)});
+                note("signalCreateSTTTask", {QString::number(status), written(taskId)});
             });
     connect(service, &VoNetworkIntf::signalGetSTTResult, this,
             [this](STT_STATUS status, const QString &taskId, const QString &requestId,
                    const QString &spoken) {
-                note("signalGetSTTResult",
-                     {QString::number(status), text(taskId), text(requestId), text(spoken)});
+                note("signalGetSTTResult", {QString::number(status), written(taskId),
+                                            written(requestId), written(spoken)});
             });
     connect(service, &VoNetworkIntf::signalTTSRet, this,
             [this](TTS_STATUS status, const QString &audio) {
-                note("signalTTSRet", {QString::number(status), text(audio)});
+                note("signalTTSRet", {QString::number(status), written(audio)});
             });
     connect(service, &VoNetworkIntf::signalLongTTSTask, this,
             [this](LONG_TTS_STATUS status, const QString &taskId) {
-                note("signalLongTTSTask", {QString::number(status), text(taskId)});
+                note("signalLongTTSTask", {QString::number(status), written(taskId)});
             });
     connect(service, &VoNetworkIntf::signalGetLongTTSResult, this,
             [this](LONG_TTS_STATUS status, const QString &taskId, const QString &requestId,
                    const QString &address) {
-                note("signalGetLongTTSResult",
-                     {QString::number(status), text(taskId), text(requestId), text(address)});
+                note("signalGetLongTTSResult", {QString::number(status), written(taskId),
+                                                written(requestId), written(address)});
+            });
+}
+
+void Answers::connectSignIn(VoNetworkIntf *service)
+{
+    connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, this, [this](LoginQrCode *code) {
+        if (code && !m_codes.contains(code))
+            m_codes.append(code);
+        note(recordCall("signalGetLoginQrCodeEnd", code));
+    });
+    connect(service, &VoNetworkIntf::signalGetLoginQrCodeStatusEnd, this, [this](UserInfo *user) {
+        note(recordCall("signalGetLoginQrCodeStatusEnd", user));
+        delete user;
+    });
+    connect(service, &VoNetworkIntf::signalSendSmsEnd, this,
+            [this] { note("signalSendSmsEnd", QStringList()); });
+    connect(service, &VoNetworkIntf::signalSmsLoginEnd, this, [this](UserInfo *user) {
+        note(recordCall("signalSmsLoginEnd", user));
+        delete user;
+    });
+    connect(service, &VoNetworkIntf::signalRefreshTokenEnd, this,
+            [this](qlonglong token, const QDateTime &expires) {
+                note("signalRefreshTokenEnd", {QString::number(token), dateText(expires)});
             });
 }
 
@@ -60,9 +94,22 @@ bool Answers::waitFor(int count)
     return true;
 }
 
+QList<LoginQrCode *> Answers::codes() const { return m_codes; }
+
+QString Answers::dateText(const QDateTime &date) const
+{
+    const bool isNow = date.isValid() && date.timeSpec() == Qt::LocalTime && m_start <= date
+                       && date <= QDateTime::currentDateTime();
+    return isNow ? QStringLiteral("now") : written(date);
+}
+
 void Answers::note(const char *signal, const QStringList &values)
 {
-    m_calls.append(QLatin1String(signal) + QLatin1Char('(') + values.join(QStringLiteral(", "))
-                   + QLatin1Char(')'));
+    note(QLatin1String(signal) + inBrackets(values));
+}
+
+void Answers::note(const QString &call)
+{
+    m_calls.append(QString(call).replace(QDir::tempPath(), QStringLiteral("<temporary>")));
     Q_EMIT arrived();
 }

@@ -2,13 +2,17 @@
 
 #include "network/vonetworkintf.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QStringList>
 
 /// A host that is connected to every signal of a service object. It writes each of them down as
 /// "signalShortSTT(0, "text")": statuses as numbers, texts in quotation marks, a record by its
-/// fields in their order. Records are deleted once they are written down, as is their receiver's
-/// duty.
+/// fields in their order, the temporary folder's path as "<temporary>", a local time as "now"
+/// when it lies between the making of this object and the signal.
+///
+/// Records are the receiver's to delete, which this host does once they are written down. Only
+/// those of codes to sign in with go with this object: the service object may emit one again.
 class Answers : public QObject
 {
     Q_OBJECT
@@ -16,6 +20,7 @@ class Answers : public QObject
 
 public:
     explicit Answers(VoNetworkIntf *service);
+    ~Answers() override;
 
     /// What was emitted so far, in order.
     QStringList calls() const;
@@ -23,11 +28,20 @@ public:
     /// Runs the event loop until @p count signals were emitted in all; false when they were not.
     bool waitFor(int count);
 
+    /// The records of codes, each once, in the order of their first emission.
+    QList<LoginQrCode *> codes() const;
+
 Q_SIGNALS:
     void arrived();
 
 private:
+    void connectSpeech(VoNetworkIntf *service);
+    void connectSignIn(VoNetworkIntf *service);
+    QString dateText(const QDateTime &date) const;
     void note(const char *signal, const QStringList &values);
+    void note(const QString &call);
 
+    QDateTime m_start = QDateTime::currentDateTime();
     QStringList m_calls;
+    QList<LoginQrCode *> m_codes;
 };

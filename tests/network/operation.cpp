@@ -17,17 +17,19 @@ QByteArray requestStart(const QByteArray &method, const QByteArray &path)
            + "\r\n";
 }
 
+QByteArray commonHeaders(const QByteArray &deviceId)
+{
+    return "appcode: 40000000\r\nappversion: 1.1.1.26\r\nchannelcode: channel_360\r\n"
+           "deviceid: "
+           + deviceId + "\r\n";
+}
+
 QByteArray requestEnd(const QByteArray &body)
 {
     return "Content-Length: " + QByteArray::number(body.size())
            + "\r\nConnection: Keep-Alive\r\nAccept-Encoding: gzip, deflate\r\n"
              "Accept-Language: en,*\r\nUser-Agent: Mozilla/5.0\r\n\r\n"
            + body;
-}
-
-QString started(const char *operation, const QByteArray &body)
-{
-    return QLatin1String(operation) + QLatin1Char(' ') + quoted(QString::fromUtf8(body));
 }
 
 const QByteArray shortBody = R"({
@@ -103,16 +105,24 @@ QByteArray Operations::bareGet(const QByteArray &path)
     return requestStart("GET", path) + requestEnd(QByteArray());
 }
 
+QByteArray Operations::get(const QByteArray &path, const QByteArray &deviceId)
+{
+    return requestStart("GET", path) + commonHeaders(deviceId) + requestEnd(QByteArray());
+}
+
 QByteArray Operations::post(const QByteArray &path, const QByteArray &authorization,
                             const QByteArray &body, const QByteArray &deviceId)
 {
     QByteArray headers;
     if (!authorization.isEmpty())
         headers += "Authorization: " + authorization + "\r\n";
-    headers += "appcode: 40000000\r\nappversion: 1.1.1.26\r\nchannelcode: channel_360\r\n"
-               "deviceid: "
-               + deviceId + "\r\nContent-Type: application/json\r\n";
+    headers += commonHeaders(deviceId) + "Content-Type: application/json\r\n";
     return requestStart("POST", path) + headers + requestEnd(body);
+}
+
+QString Operations::started(const char *operation, const QByteArray &body)
+{
+    return QLatin1String(operation) + QLatin1Char(' ') + quoted(QString::fromUtf8(body));
 }
 
 QByteArray Operations::envelope(const QByteArray &data)
@@ -140,7 +150,7 @@ Operation Operations::getOssSign()
     operation.name = "GetOssSign"_s;
     operation.call = [](VoNetworkIntf *service) { service->GetOssSign(); };
     operation.request = bareGet("/convert/public/index.php/v1/upload/getsignsts");
-    operation.start = "get oss sign begin"_s;
+    operation.start = QStringList{"get oss sign begin"_s};
     operation.successSlot = "slotGetOssSignSuc"_s;
     operation.failureSlot = "slotGetOssSignFail"_s;
     operation.refusal = "[error]get oss sign failed: %2"_s;
@@ -150,9 +160,9 @@ Operation Operations::getOssSign()
     operation.answer =
         R"(signalGetOssSign("id", "secret", "end", "bucket", "a/", "token", "region"))"_s;
     operation.dataLog = QStringList{R"("bucket")"_s};
-    operation.emptyAnswer = R"(signalGetOssSign("", "", "", "", "", "", ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalGetOssSign("", "", "", "", "", "", ""))"_s};
     operation.emptyLog = QStringList{R"("")"_s};
-    operation.failure = "signalGetOssSign(null)"_s;
+    operation.failure = operation.networkFailure = "signalGetOssSign(null)"_s;
     return operation;
 }
 
@@ -162,14 +172,14 @@ Operation Operations::shortSTT()
     operation.name = "ShortSTT"_s;
     operation.call = [](VoNetworkIntf *service) { service->ShortSTT(fileLink, 12, page); };
     operation.request = post(processPath, "Bearer 12", shortBody);
-    operation.start = started("VoNetworker::ShortSTT", shortBody);
+    operation.start = QStringList{started("VoNetworker::ShortSTT", shortBody)};
     operation.successSlot = "slotShortSTTSuc"_s;
     operation.failureSlot = "slotShortSTTFail"_s;
     operation.refusal = "[error]slotShortSTTSuc failed: %1 , %2"_s;
     operation.data = R"({"text":"said"})";
     operation.answer = R"(signalShortSTT(0, "said"))"_s;
-    operation.emptyAnswer = R"(signalShortSTT(0, ""))"_s;
-    operation.failure = R"(signalShortSTT(1, ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalShortSTT(0, ""))"_s};
+    operation.failure = operation.networkFailure = R"(signalShortSTT(1, ""))"_s;
     return operation;
 }
 
@@ -179,14 +189,14 @@ Operation Operations::createSTTTask()
     operation.name = "CreateSTTTask"_s;
     operation.call = [](VoNetworkIntf *service) { service->CreateSTTTask(fileLink, 12, page); };
     operation.request = post(processPath, "Bearer 12", taskBody);
-    operation.start = started("VoNetworker::CreateSTTTask", taskBody);
+    operation.start = QStringList{started("VoNetworker::CreateSTTTask", taskBody)};
     operation.successSlot = "slotCreateSTTTaskSuc"_s;
     operation.failureSlot = "slotCreateSTTTaskFail"_s;
     operation.refusal = "[error]slotCreateSTTTaskSuc failed: %1 , %2"_s;
     operation.data = R"({"task_id":"t1"})";
     operation.answer = R"(signalCreateSTTTask(0, "t1"))"_s;
-    operation.emptyAnswer = R"(signalCreateSTTTask(0, ""))"_s;
-    operation.failure = R"(signalCreateSTTTask(2, ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalCreateSTTTask(0, ""))"_s};
+    operation.failure = operation.networkFailure = R"(signalCreateSTTTask(2, ""))"_s;
     return operation;
 }
 
@@ -196,15 +206,15 @@ Operation Operations::getSTTTaskResult()
     operation.name = "GetSTTTaskResult"_s;
     operation.call = [](VoNetworkIntf *service) { service->GetSTTTaskResult(task, 12); };
     operation.request = post(resultPath, "Bearer 12", resultBody);
-    operation.start = R"(VoNetworker::GetSTTTaskResult "task 1")"_s;
+    operation.start = QStringList{R"(VoNetworker::GetSTTTaskResult "task 1")"_s};
     operation.successSlot = "slotGetSTTRetSuc"_s;
     operation.failureSlot = "slotGetSTTRetFail"_s;
     operation.refusal = "[error]slotGetSTTRetSuc failed:retCode= %1 ,msg= %2"_s;
     operation.data = R"({"status":"SUCCESS","task_id":"t1","request_id":"r1",)"
                      R"("result":{"Sentences":[{"Text":"said"}]}})";
     operation.answer = R"(signalGetSTTResult(0, "t1", "r1", "said"))"_s;
-    operation.emptyAnswer = R"(signalGetSTTResult(2, "", "", ""))"_s;
-    operation.failure = R"(signalGetSTTResult(2, "", "", ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalGetSTTResult(2, "", "", ""))"_s};
+    operation.failure = operation.networkFailure = R"(signalGetSTTResult(2, "", "", ""))"_s;
     return operation;
 }
 
@@ -217,14 +227,14 @@ Operation Operations::tts()
         service->TTS(&params, false, 12);
     };
     operation.request = post(processPath, "Bearer 12", ttsBody);
-    operation.start = started("VoNetworker::TTS", ttsBody);
+    operation.start = QStringList{started("VoNetworker::TTS", ttsBody)};
     operation.successSlot = "slotTTSSuc"_s;
     operation.failureSlot = "slotTTSFail"_s;
     operation.refusal = "[error]slotTTSSuc failed:retCode= %1 ,msg= %2"_s;
     operation.data = R"({"audio":"QUJD"})";
     operation.answer = R"(signalTTSRet(0, "QUJD"))"_s;
-    operation.emptyAnswer = R"(signalTTSRet(0, ""))"_s;
-    operation.failure = R"(signalTTSRet(1, ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalTTSRet(0, ""))"_s};
+    operation.failure = operation.networkFailure = R"(signalTTSRet(1, ""))"_s;
     return operation;
 }
 
@@ -249,14 +259,14 @@ Operation Operations::longTTSTask()
         service->LongTTSTask(&params, 12);
     };
     operation.request = post(processPath, "Bearer 12", longTtsBody);
-    operation.start = started("VoNetworker::LongTTSTask", longTtsBody);
+    operation.start = QStringList{started("VoNetworker::LongTTSTask", longTtsBody)};
     operation.successSlot = "slotLongTTSTaskSuc"_s;
     operation.failureSlot = "slotLongTTSTaskFail"_s;
     operation.refusal = "[error]slotLongTTSTaskSuc failed: %1 , %2"_s;
     operation.data = R"({"task_id":"t1"})";
     operation.answer = R"(signalLongTTSTask(0, "t1"))"_s;
-    operation.emptyAnswer = R"(signalLongTTSTask(0, ""))"_s;
-    operation.failure = R"(signalLongTTSTask(2, ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalLongTTSTask(0, ""))"_s};
+    operation.failure = operation.networkFailure = R"(signalLongTTSTask(2, ""))"_s;
     return operation;
 }
 
@@ -266,20 +276,31 @@ Operation Operations::longTTSStatus()
     operation.name = "LongTTSStatus"_s;
     operation.call = [](VoNetworkIntf *service) { service->LongTTSStatus(task, 12); };
     operation.request = post(resultPath, "Bearer 12", longStatusBody);
-    operation.start = started("VoNetworker::LongTTSStatus", longStatusBody);
+    operation.start = QStringList{started("VoNetworker::LongTTSStatus", longStatusBody)};
     operation.successSlot = "slotLongTTSTaskStatusSuc"_s;
     operation.failureSlot = "slotLongTTSTaskStatusFail"_s;
     operation.refusal = "[error]slotLongTTSTaskStatusSuc failed:retCode= %1 ,msg= %2"_s;
     operation.data = R"({"status":"SUCCESS","task_id":"t1","request_id":"r1",)"
                      R"("audio_address":"https://files.example/a.mp3"})";
     operation.answer = R"(signalGetLongTTSResult(0, "t1", "r1", "https://files.example/a.mp3"))"_s;
-    operation.emptyAnswer = R"(signalGetLongTTSResult(2, "", "", ""))"_s;
-    operation.failure = R"(signalGetLongTTSResult(2, "", "", ""))"_s;
+    operation.emptyAnswers = QStringList{R"(signalGetLongTTSResult(2, "", "", ""))"_s};
+    operation.failure = operation.networkFailure = R"(signalGetLongTTSResult(2, "", "", ""))"_s;
     return operation;
 }
 
 QList<Operation> Operations::all()
 {
-    return {getOssSign(), shortSTT(),     createSTTTask(), getSTTTaskResult(),
-            tts(),        anonymousTTS(), longTTSTask(),   longTTSStatus()};
+    return {getOssSign(),
+            shortSTT(),
+            createSTTTask(),
+            getSTTTaskResult(),
+            tts(),
+            anonymousTTS(),
+            longTTSTask(),
+            longTTSStatus(),
+            getLoginQrCode(),
+            getLoginQrCodeStatus(),
+            sendSmsVerifyCode(),
+            smsVerifyCodeLogin(),
+            refreshToken()};
 }

@@ -8,22 +8,25 @@
 
 #include <functional>
 
-/// One asynchronous operation with sample arguments, and everything that must follow from it.
+/// One operation with sample arguments, and everything that must follow from it. What is said of
+/// its signals is said of the written result when it is a synchronous one.
 struct Operation
 {
     QString name;
-    std::function<void(VoNetworkIntf *)> call;
-    QByteArray request; ///< All its bytes.
-    QString start;      ///< The line logged before it is sent.
-    QString successSlot;
+    std::function<void(VoNetworkIntf *)> call;      ///< Of an asynchronous one.
+    std::function<QString(VoNetworkIntf *)> result; ///< Calls a synchronous one, writes its result.
+    QByteArray request;                             ///< All its bytes.
+    QStringList start;                              ///< The lines logged before it is sent.
+    QString successSlot;                            ///< As the log names it.
     QString failureSlot;
-    QString refusal;      ///< The line about a refusal; %1 the code, %2 the quoted message.
-    QByteArray data;      ///< The member "data" of a reply that brings a result.
-    QString answer;       ///< The signal for it.
-    QStringList dataLog;  ///< The lines logged for it.
-    QString emptyAnswer;  ///< The signal for a success that brings no data.
-    QStringList emptyLog; ///< The lines logged for that.
-    QString failure;      ///< The signal for a request that failed.
+    QString refusal;          ///< The line about a refusal; %1 the code, %2 the quoted message.
+    QByteArray data;          ///< The member "data" of a reply that brings a result.
+    QString answer;           ///< The signal for it.
+    QStringList dataLog;      ///< The lines logged for it; <body> is the quoted body of the reply.
+    QStringList emptyAnswers; ///< The signals for a success that brings no data.
+    QStringList emptyLog;     ///< The lines logged for that.
+    QString failure;          ///< The signal for a reply that is none, or a refusal.
+    QString networkFailure;   ///< The signal for a request that failed on the network.
 };
 
 Q_DECLARE_METATYPE(Operation)
@@ -38,16 +41,38 @@ Operation tts();
 Operation anonymousTTS();
 Operation longTTSTask();
 Operation longTTSStatus();
+Operation getLoginQrCode();
+Operation getLoginQrCodeStatus();
+Operation sendSmsVerifyCode();
+Operation smsVerifyCodeLogin();
+Operation refreshToken();
 
-/// Every operation once, in the interface's order.
+/// Every asynchronous operation once, in the interface's order.
 QList<Operation> all();
+
+Operation getBgmList();
+Operation getDubList();
+Operation getUpdateInfo();
+
+/// Every synchronous operation that asks the service, once, in the interface's order.
+QList<Operation> synchronous();
+
+/// Calls GetUpdateInfo(). The record is the library's, which leaves the last one behind: that is
+/// deleted after @p service is gone.
+UpdateInfo *updateInfo(VoNetworkIntf *service);
 
 /// The bytes of a GET of the service without any header of the library's own.
 QByteArray bareGet(const QByteArray &path);
 
+/// The bytes of a GET of the service with the common headers.
+QByteArray get(const QByteArray &path, const QByteArray &deviceId = QByteArray());
+
 /// The bytes of a POST to the service. @p authorization: the header's value, none when empty.
 QByteArray post(const QByteArray &path, const QByteArray &authorization, const QByteArray &body,
                 const QByteArray &deviceId = QByteArray());
+
+/// The line logged when @p operation sends @p body.
+QString started(const char *operation, const QByteArray &body);
 
 /// An envelope of code 0 with @p data.
 QByteArray envelope(const QByteArray &data);

@@ -3,8 +3,8 @@
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
 
-/// What holds for every asynchronous operation; a test of one family says which are its own and
-/// adds what is particular to them.
+/// What holds for every operation that asks the service; a test of one family says which are its
+/// own and adds what is particular to them.
 class OperationTest : public ServiceTest
 {
     Q_OBJECT
@@ -12,12 +12,17 @@ class OperationTest : public ServiceTest
 protected:
     virtual QList<Operation> operations() const = 0;
 
+    /// Calls @p operation, and releases the service object once @p count signals have come or the
+    /// result is there. The result, written, and every signal.
+    QStringList outcomeOf(const Operation &operation, int count = 1);
+
     /// Calls @p operation once with the service answering @p reply, and compares the request on
     /// the wire, every log line (@p log: those after the start) and every signal.
     void exchange(const Operation &operation, const QByteArray &reply, const QStringList &log,
-                  const QString &answer);
+                  const QStringList &expected);
 
-    /// Compares the bytes that @p call sends and the only line it logs before the answer.
+    /// Compares the bytes that @p call sends and the only line it logs before the answer, none
+    /// when @p start is empty.
     void compareRequest(const std::function<void(VoNetworkIntf *)> &call, const QByteArray &request,
                         const QString &start);
 

@@ -1,11 +1,16 @@
 #include "tests/network/servicetest.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QSignalSpy>
 #include <QSslSocket>
 #include <QTest>
 
-void ServiceTest::initMain() { qputenv("LC_ALL", "C.UTF-8"); }
+void ServiceTest::initMain()
+{
+    qputenv("LC_ALL", "C.UTF-8");
+    qputenv("TZ", "TEST-5:30");
+}
 
 bool ServiceTest::waitUntil(const std::function<bool()> &condition)
 {
@@ -14,6 +19,8 @@ bool ServiceTest::waitUntil(const std::function<bool()> &condition)
 
 void ServiceTest::init()
 {
+    temporary = std::make_unique<TemporaryFolder>();
+    QVERIFY(QDir().mkdir(temporary->filePath("VoTTS"_s)));
     trust = std::make_unique<TrustTestAuthority>();
     server = std::make_unique<ScriptedServer>(Identity::Localhost);
     QVERIFY(server->start(SERVICE_PORT));
@@ -29,6 +36,7 @@ void ServiceTest::cleanup()
     log.reset();
     server.reset();
     trust.reset();
+    temporary.reset();
 }
 
 QStringList ServiceTest::outcome(int count)
@@ -56,7 +64,8 @@ QStringList ServiceTest::logged() const
     QStringList texts;
     const QList<LogCapture::Line> lines = log->lines();
     for (const LogCapture::Line &line : lines)
-        texts.append(kinds.at(line.type) + line.text);
+        texts.append(kinds.at(line.type)
+                     + QString(line.text).replace(QDir::tempPath(), "<temporary>"_s));
     return texts;
 }
 

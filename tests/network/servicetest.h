@@ -3,6 +3,7 @@
 #include "network/vonetwork.h"
 #include "network/vonetworkintf.h"
 #include "tests/network/answers.h"
+#include "tests/network/temporaryfolder.h"
 #include "tests/network/text.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/scriptedserver.h"
@@ -15,14 +16,16 @@
 #include <memory>
 
 /// Around every test: a server that plays the service where the library looks for it, a service
-/// object, a host that writes down its answers, and the log. On this machine the service object
-/// finds no device-identifier command unless a test makes one.
+/// object, a host that writes down its answers, the log, and a temporary folder in which the host
+/// has made the folder "VoTTS". On this machine the service object finds no device-identifier
+/// command unless a test makes one.
 class ServiceTest : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The texts of the network and the headers of the toolkit below follow the locale.
+    /// The texts of the network and the headers of the toolkit below follow the locale, the dates
+    /// the time zone: 05:30 hours before UTC's.
     static void initMain();
 
 protected:
@@ -36,7 +39,8 @@ protected:
     /// Releases the service object and waits until it and its requests are gone.
     void release();
 
-    /// All log lines; those that are no debug lines have their kind in front of them.
+    /// All log lines; those that are no debug lines have their kind in front of them, and the
+    /// temporary folder's path is "<temporary>".
     QStringList logged() const;
 
     /// The server's connections that have not ended, in the order in which they were made.
@@ -45,6 +49,7 @@ protected:
     /// Ends the @p index-th of the connections() with @p bytes.
     void answerLate(int index, const QByteArray &bytes);
 
+    std::unique_ptr<TemporaryFolder> temporary;
     std::unique_ptr<TrustTestAuthority> trust;
     std::unique_ptr<ScriptedServer> server;
     std::unique_ptr<LogCapture> log;

@@ -63,17 +63,38 @@ void TestExports::exportsEveryMemberOfItsClasses_data()
           "signalCreateSTTTask(STT_STATUS, QString)",
           "signalGetSTTResult(STT_STATUS, QString, QString, QString)",
           "signalTTSRet(TTS_STATUS, QString)", "signalLongTTSTask(LONG_TTS_STATUS, QString)",
-          "signalGetLongTTSResult(LONG_TTS_STATUS, QString, QString, QString)"})
+          "signalGetLongTTSResult(LONG_TTS_STATUS, QString, QString, QString)",
+          "signalGetLoginQrCodeEnd(LoginQrCode*)", "signalGetLoginQrCodeStatusEnd(UserInfo*)",
+          "signalSendSmsEnd()", "signalSmsLoginEnd(UserInfo*)",
+          "signalRefreshTokenEnd(long long, QDateTime)"})
         row("VoNetworkIntf::"_s + QLatin1String(member));
-    for (const char *member :
-         {"GetOssSign()", "ShortSTT(QString, long long, QString)",
-          "CreateSTTTask(QString, long long, QString)", "GetSTTTaskResult(QString, long long)",
-          "TTS(TTSParams*, bool, long long)", "LongTTSTask(TTSParams*, long long)",
-          "LongTTSStatus(QString, long long)", "DownloadLongTTSRet(QString, QString)",
-          "runCommand(QString)"})
+    for (const char *member : {"GetOssSign()",
+                               "ShortSTT(QString, long long, QString)",
+                               "CreateSTTTask(QString, long long, QString)",
+                               "GetSTTTaskResult(QString, long long)",
+                               "TTS(TTSParams*, bool, long long)",
+                               "LongTTSTask(TTSParams*, long long)",
+                               "LongTTSStatus(QString, long long)",
+                               "DownloadLongTTSRet(QString, QString)",
+                               "GetBgmList()",
+                               "GetDubList()",
+                               "GetUpdateInfo()",
+                               "GetLoginQrCode()",
+                               "GetLoginQrCodeStatus(QString)",
+                               "SendSmsVerifyCode(QString)",
+                               "SmsVerifyCodeLogin(QString, QString)",
+                               "RefreshToken(long long)",
+                               "runCommand(QString)",
+                               "ConvertServerToClientDubType(QString)",
+                               "ConvertAvtUrlToClient(QString)",
+                               "DownloadAvt(QString, QString)",
+                               "DownloadLoginQrCode(QString, QString)"})
         row("VoNetworker::"_s + QLatin1String(member));
-    for (const char *slot : {"slotGetOssSign", "slotShortSTT", "slotCreateSTTTask", "slotGetSTTRet",
-                             "slotTTS", "slotLongTTSTask", "slotLongTTSTaskStatus"}) {
+    for (const char *slot :
+         {"slotGetOssSign", "slotShortSTT", "slotCreateSTTTask", "slotGetSTTRet", "slotGetBgmList",
+          "slotTTS", "slotLongTTSTask", "slotLongTTSTaskStatus", "slotGetDubList",
+          "slotGetUpdateInfo", "slotGetLoginQrCode", "slotGetLoginQrCodeStatus",
+          "slotSendSmsVerifyCode", "slotSmsLogin", "slotRefreshToken"}) {
         row("VoNetworker::%1Suc(QByteArray)"_s.arg(QLatin1String(slot)));
         row("VoNetworker::%1Fail(QByteArray)"_s.arg(QLatin1String(slot)));
     }

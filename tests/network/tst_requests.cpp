@@ -79,6 +79,12 @@ void TestRequests::carryTheDeviceIdentifierExceptGetOssSign()
         expected.append(
             QByteArray(operation.request).replace("deviceid: \r\n", "deviceid: F00D 1234\r\n"));
     }
+    const QList<Operation> waiting = Operations::synchronous();
+    for (const Operation &operation : waiting) {
+        operation.result(service);
+        expected.append(
+            QByteArray(operation.request).replace("deviceid: \r\n", "deviceid: F00D 1234\r\n"));
+    }
     QCOMPARE(server->requests(), expected);
     QCOMPARE(expected.first(), Operations::getOssSign().request);
     QVERIFY(expected.last().contains("F00D"));
@@ -108,7 +114,7 @@ void TestRequests::readTheWholeBodyHoweverItIsSent()
     server->answer(reply);
     Operations::shortSTT().call(service);
     QCOMPARE(outcome(), QStringList{Operations::shortSTT().answer});
-    QCOMPARE(logged(), QStringList{Operations::shortSTT().start});
+    QCOMPARE(logged(), Operations::shortSTT().start);
 }
 
 void TestRequests::readABodyThatComesInPieces()
@@ -326,7 +332,7 @@ void TestRequests::areNotAnsweredOnceTheObjectIsReleased()
     const QList<Operation> all{Operations::getOssSign(), Operations::shortSTT(), Operations::tts()};
     for (const Operation &operation : all) {
         operation.call(service);
-        starts.append(operation.start);
+        starts += operation.start;
     }
     QVERIFY(waitUntil([&] { return server->requests().size() == all.size(); }));
     const QList<QSslSocket *> open = connections();
@@ -347,7 +353,7 @@ void TestRequests::areNotSentOnceTheObjectIsReleased()
     release();
     QCOMPARE(server->requests(), QList<QByteArray>());
     QCOMPARE(answers->calls(), QStringList());
-    QCOMPARE(logged(), QStringList{Operations::shortSTT().start});
+    QCOMPARE(logged(), Operations::shortSTT().start);
 }
 
 void TestRequests::surviveAReleaseFromAHandler_data()
@@ -430,7 +436,7 @@ void TestRequests::areAnsweredWithoutAnyReceiver()
     QSignalSpy answered(service, &VoNetworkIntf::signalShortSTT);
     Operations::shortSTT().call(service);
     QVERIFY(answered.wait());
-    QCOMPARE(logged(), (QStringList{Operations::shortSTT().start, Operations::shortSTT().start}));
+    QCOMPARE(logged(), Operations::shortSTT().start + Operations::shortSTT().start);
 }
 
 QTEST_GUILESS_MAIN(TestRequests)

@@ -15,19 +15,39 @@ namespace {
 class Networker : public VoNetworker
 {
 public:
+    using VoNetworker::ConvertAvtUrlToClient;
+    using VoNetworker::ConvertServerToClientDubType;
+    using VoNetworker::DownloadAvt;
+    using VoNetworker::DownloadLoginQrCode;
     using VoNetworker::runCommand;
     using VoNetworker::slotCreateSTTTaskFail;
     using VoNetworker::slotCreateSTTTaskSuc;
+    using VoNetworker::slotGetBgmListFail;
+    using VoNetworker::slotGetBgmListSuc;
+    using VoNetworker::slotGetDubListFail;
+    using VoNetworker::slotGetDubListSuc;
+    using VoNetworker::slotGetLoginQrCodeFail;
+    using VoNetworker::slotGetLoginQrCodeStatusFail;
+    using VoNetworker::slotGetLoginQrCodeStatusSuc;
+    using VoNetworker::slotGetLoginQrCodeSuc;
     using VoNetworker::slotGetOssSignFail;
     using VoNetworker::slotGetOssSignSuc;
     using VoNetworker::slotGetSTTRetFail;
     using VoNetworker::slotGetSTTRetSuc;
+    using VoNetworker::slotGetUpdateInfoFail;
+    using VoNetworker::slotGetUpdateInfoSuc;
     using VoNetworker::slotLongTTSTaskFail;
     using VoNetworker::slotLongTTSTaskStatusFail;
     using VoNetworker::slotLongTTSTaskStatusSuc;
     using VoNetworker::slotLongTTSTaskSuc;
+    using VoNetworker::slotRefreshTokenFail;
+    using VoNetworker::slotRefreshTokenSuc;
+    using VoNetworker::slotSendSmsVerifyCodeFail;
+    using VoNetworker::slotSendSmsVerifyCodeSuc;
     using VoNetworker::slotShortSTTFail;
     using VoNetworker::slotShortSTTSuc;
+    using VoNetworker::slotSmsLoginFail;
+    using VoNetworker::slotSmsLoginSuc;
     using VoNetworker::slotTTSFail;
     using VoNetworker::slotTTSSuc;
 };
@@ -37,20 +57,36 @@ static_assert(!std::is_abstract_v<VoNetworker>);
 static_assert(std::is_default_constructible_v<VoNetworker>);
 static_assert(!std::is_constructible_v<VoNetworker, QObject *>);
 static_assert(std::is_same_v<decltype(&Networker::runCommand), QString (VoNetworker::*)(QString)>);
+static_assert(std::is_same_v<decltype(&Networker::ConvertServerToClientDubType),
+                             DubType (VoNetworker::*)(QString)>);
+static_assert(
+    std::is_same_v<decltype(&Networker::ConvertAvtUrlToClient), QString (VoNetworker::*)(QString)>);
+static_assert(
+    std::is_same_v<decltype(&Networker::DownloadAvt), QString (VoNetworker::*)(QString, QString)>);
+static_assert(std::is_same_v<decltype(&Networker::DownloadLoginQrCode),
+                             void (VoNetworker::*)(QString, QString)>);
+static_assert(sizeof(VoNetworker) == sizeof(VoNetworkIntf) + 7 * sizeof(void *),
+              "seven fields, each a pointer or of a pointer's size");
 
 template <typename... Slots>
 constexpr bool takeBytesByValue(Slots...)
 {
     return (std::is_same_v<Slots, void (VoNetworker::*)(QByteArray)> && ...);
 }
-static_assert(takeBytesByValue(&Networker::slotGetOssSignSuc, &Networker::slotGetOssSignFail,
-                               &Networker::slotShortSTTSuc, &Networker::slotShortSTTFail,
-                               &Networker::slotCreateSTTTaskSuc, &Networker::slotCreateSTTTaskFail,
-                               &Networker::slotGetSTTRetSuc, &Networker::slotGetSTTRetFail,
-                               &Networker::slotTTSSuc, &Networker::slotTTSFail,
-                               &Networker::slotLongTTSTaskSuc, &Networker::slotLongTTSTaskFail,
-                               &Networker::slotLongTTSTaskStatusSuc,
-                               &Networker::slotLongTTSTaskStatusFail));
+static_assert(takeBytesByValue(
+    &Networker::slotGetOssSignSuc, &Networker::slotGetOssSignFail, &Networker::slotShortSTTSuc,
+    &Networker::slotShortSTTFail, &Networker::slotCreateSTTTaskSuc,
+    &Networker::slotCreateSTTTaskFail, &Networker::slotGetSTTRetSuc, &Networker::slotGetSTTRetFail,
+    &Networker::slotGetBgmListSuc, &Networker::slotGetBgmListFail, &Networker::slotTTSSuc,
+    &Networker::slotTTSFail, &Networker::slotLongTTSTaskSuc, &Networker::slotLongTTSTaskFail,
+    &Networker::slotLongTTSTaskStatusSuc, &Networker::slotLongTTSTaskStatusFail,
+    &Networker::slotGetDubListSuc, &Networker::slotGetDubListFail, &Networker::slotGetUpdateInfoSuc,
+    &Networker::slotGetUpdateInfoFail, &Networker::slotGetLoginQrCodeSuc,
+    &Networker::slotGetLoginQrCodeFail, &Networker::slotGetLoginQrCodeStatusSuc,
+    &Networker::slotGetLoginQrCodeStatusFail, &Networker::slotSendSmsVerifyCodeSuc,
+    &Networker::slotSendSmsVerifyCodeFail, &Networker::slotSmsLoginSuc,
+    &Networker::slotSmsLoginFail, &Networker::slotRefreshTokenSuc,
+    &Networker::slotRefreshTokenFail));
 
 } // namespace
 
@@ -98,8 +134,11 @@ void TestVoNetworker::declaresItsSlotsInOrder()
                         + QString::fromLatin1(method.parameterNames().join(',')));
     }
     QStringList expected;
-    for (const char *name : {"slotGetOssSign", "slotShortSTT", "slotCreateSTTTask", "slotGetSTTRet",
-                             "slotTTS", "slotLongTTSTask", "slotLongTTSTaskStatus"})
+    for (const char *name :
+         {"slotGetOssSign", "slotShortSTT", "slotCreateSTTTask", "slotGetSTTRet", "slotGetBgmList",
+          "slotTTS", "slotLongTTSTask", "slotLongTTSTaskStatus", "slotGetDubList",
+          "slotGetUpdateInfo", "slotGetLoginQrCode", "slotGetLoginQrCodeStatus",
+          "slotSendSmsVerifyCode", "slotSmsLogin", "slotRefreshToken"})
         expected << "%1Suc(QByteArray) jsonStr"_s.arg(QLatin1String(name))
                  << "%1Fail(QByteArray) failInfo"_s.arg(QLatin1String(name));
     QCOMPARE(declared, expected);

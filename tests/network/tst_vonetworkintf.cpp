@@ -36,6 +36,15 @@ static_assert(
     is<decltype(&VoNetworkIntf::LongTTSStatus), void (VoNetworkIntf::*)(QString, qint64)>);
 static_assert(
     is<decltype(&VoNetworkIntf::DownloadLongTTSRet), bool (VoNetworkIntf::*)(QString, QString)>);
+static_assert(is<decltype(&VoNetworkIntf::GetBgmList), QList<BgmInfo *> (VoNetworkIntf::*)()>);
+static_assert(is<decltype(&VoNetworkIntf::GetDubList), QList<DubInfo *> (VoNetworkIntf::*)()>);
+static_assert(is<decltype(&VoNetworkIntf::GetUpdateInfo), UpdateInfo *(VoNetworkIntf::*)()>);
+static_assert(is<decltype(&VoNetworkIntf::GetLoginQrCode), void (VoNetworkIntf::*)()>);
+static_assert(is<decltype(&VoNetworkIntf::GetLoginQrCodeStatus), void (VoNetworkIntf::*)(QString)>);
+static_assert(is<decltype(&VoNetworkIntf::SendSmsVerifyCode), void (VoNetworkIntf::*)(QString)>);
+static_assert(
+    is<decltype(&VoNetworkIntf::SmsVerifyCodeLogin), void (VoNetworkIntf::*)(QString, QString)>);
+static_assert(is<decltype(&VoNetworkIntf::RefreshToken), void (VoNetworkIntf::*)(qint64)>);
 
 // The signals': texts by value, records as plain pointers.
 static_assert(
@@ -52,23 +61,14 @@ static_assert(is<decltype(&VoNetworkIntf::signalLongTTSTask),
                  void (VoNetworkIntf::*)(LONG_TTS_STATUS, QString)>);
 static_assert(is<decltype(&VoNetworkIntf::signalGetLongTTSResult),
                  void (VoNetworkIntf::*)(LONG_TTS_STATUS, QString, QString, QString)>);
-
-// The values that cross the boundary.
-static_assert(SHORT_STT_SUCCESS == 0 && SHORT_STT_FAILED == 1);
-static_assert(STT_SUCCESS == 0 && STT_PROCESSING == 1 && STT_FAILED == 2);
-static_assert(TTS_SUCCESS == 0 && TTS_FAILED == 1);
-static_assert(LONG_TTS_SUCCESS == 0 && LONG_TTS_PROCESSING == 1 && LONG_TTS_FAILED == 2);
-static_assert(sizeof(SHORT_STT_STATUS) == 4 && sizeof(STT_STATUS) == 4 && sizeof(TTS_STATUS) == 4
-              && sizeof(LONG_TTS_STATUS) == 4);
-
-// The order of the settings' fields.
-static_assert(offsetof(TTSParams, text) < offsetof(TTSParams, format));
-static_assert(offsetof(TTSParams, format) < offsetof(TTSParams, sample_rate));
-static_assert(offsetof(TTSParams, sample_rate) < offsetof(TTSParams, voice));
-static_assert(offsetof(TTSParams, voice) < offsetof(TTSParams, volume));
-static_assert(offsetof(TTSParams, volume) < offsetof(TTSParams, speech_rate));
-static_assert(offsetof(TTSParams, speech_rate) < offsetof(TTSParams, pitch_rate));
-static_assert(offsetof(TTSParams, pitch_rate) < offsetof(TTSParams, pageFeature));
+static_assert(
+    is<decltype(&VoNetworkIntf::signalGetLoginQrCodeEnd), void (VoNetworkIntf::*)(LoginQrCode *)>);
+static_assert(is<decltype(&VoNetworkIntf::signalGetLoginQrCodeStatusEnd),
+                 void (VoNetworkIntf::*)(UserInfo *)>);
+static_assert(is<decltype(&VoNetworkIntf::signalSendSmsEnd), void (VoNetworkIntf::*)()>);
+static_assert(is<decltype(&VoNetworkIntf::signalSmsLoginEnd), void (VoNetworkIntf::*)(UserInfo *)>);
+static_assert(is<decltype(&VoNetworkIntf::signalRefreshTokenEnd),
+                 void (VoNetworkIntf::*)(qlonglong, QDateTime)>);
 
 namespace {
 
@@ -84,6 +84,14 @@ public:
     void LongTTSTask(TTSParams *, qint64) override {}
     void LongTTSStatus(QString, qint64) override {}
     bool DownloadLongTTSRet(QString, QString) override { return false; }
+    QList<BgmInfo *> GetBgmList() override { return {}; }
+    QList<DubInfo *> GetDubList() override { return {}; }
+    UpdateInfo *GetUpdateInfo() override { return nullptr; }
+    void GetLoginQrCode() override {}
+    void GetLoginQrCodeStatus(QString) override {}
+    void SendSmsVerifyCode(QString) override {}
+    void SmsVerifyCodeLogin(QString, QString) override {}
+    void RefreshToken(qint64) override {}
 };
 
 /// A host of the old kind: slots that are connected by their texts.
@@ -93,6 +101,8 @@ class Receiver : public QObject
 
 public:
     OSS_SIGN_INFO *record = nullptr;
+    LoginQrCode *code = nullptr;
+    QList<UserInfo *> users;
     QStringList received;
 
 public Q_SLOTS:
@@ -108,6 +118,14 @@ public Q_SLOTS:
     void onGetLongTTSResult(LONG_TTS_STATUS status, QString taskid, QString request_id, QString url)
     {
         note(status, {taskid, request_id, url});
+    }
+    void onGetLoginQrCodeEnd(LoginQrCode *info) { code = info; }
+    void onGetLoginQrCodeStatusEnd(UserInfo *user) { users.append(user); }
+    void onSendSmsEnd() { received.append(QStringLiteral("sent")); }
+    void onSmsLoginEnd(UserInfo *user) { users.append(user); }
+    void onRefreshTokenEnd(qlonglong token, QDateTime expires)
+    {
+        received.append(QString::number(token) + QLatin1Char(' ') + expires.toString(Qt::ISODate));
     }
 
 private:
@@ -135,15 +153,31 @@ public:
 };
 #endif
 
-void emitAll(VoNetworkIntf &intf, OSS_SIGN_INFO *record)
+/// One record of each kind that a signal carries.
+struct Records
 {
-    Q_EMIT intf.signalGetOssSign(record);
+    OSS_SIGN_INFO sign;
+    LoginQrCode code;
+    UserInfo scanned;
+    UserInfo loggedIn;
+};
+
+const QDateTime date(QDate(2030, 1, 2), QTime(3, 4, 5));
+
+void emitAll(VoNetworkIntf &intf, Records *records)
+{
+    Q_EMIT intf.signalGetOssSign(&records->sign);
     Q_EMIT intf.signalShortSTT(SHORT_STT_FAILED, "a"_s);
     Q_EMIT intf.signalCreateSTTTask(STT_PROCESSING, "b"_s);
     Q_EMIT intf.signalGetSTTResult(STT_FAILED, "c"_s, "d"_s, "e"_s);
     Q_EMIT intf.signalTTSRet(TTS_FAILED, "f"_s);
     Q_EMIT intf.signalLongTTSTask(LONG_TTS_PROCESSING, "g"_s);
     Q_EMIT intf.signalGetLongTTSResult(LONG_TTS_FAILED, "h"_s, "i"_s, "j"_s);
+    Q_EMIT intf.signalGetLoginQrCodeEnd(&records->code);
+    Q_EMIT intf.signalGetLoginQrCodeStatusEnd(&records->scanned);
+    Q_EMIT intf.signalSendSmsEnd();
+    Q_EMIT intf.signalSmsLoginEnd(&records->loggedIn);
+    Q_EMIT intf.signalRefreshTokenEnd(Q_INT64_C(9007199254740993), date);
 }
 
 } // namespace
@@ -160,8 +194,6 @@ private Q_SLOTS:
     void declaresNothingElse();
     void startsWithoutAParent();
     void listsItsOperationsInTheVirtualTableInOrder();
-    void startsARecordOfCredentialsEmptyAndInOrder();
-    void startsSettingsEmptyAndInOrder();
     void carriesItsSignalsToSpies();
     void carriesItsSignalsThroughQueuedConnectionsByText();
 };
@@ -170,7 +202,8 @@ void TestVoNetworkIntf::registersEveryTypeOfItsSignals_data()
 {
     QTest::addColumn<QByteArray>("name");
     for (const char *name : {"OSS_SIGN_INFO*", "SHORT_STT_STATUS", "STT_STATUS", "TTSParams*",
-                             "TTS_STATUS", "LONG_TTS_STATUS"})
+                             "TTS_STATUS", "LONG_TTS_STATUS", "DubType", "DubInfo*", "BgmInfo*",
+                             "LoginQrCode*", "UserInfo*", "UpdateInfo*"})
         QTest::newRow(name) << QByteArray(name);
 }
 
@@ -204,7 +237,11 @@ void TestVoNetworkIntf::declaresItsSignalsInOrder()
                           "signalTTSRet(TTS_STATUS,QString) status,audioBase64"_s,
                           "signalLongTTSTask(LONG_TTS_STATUS,QString) status,taskId"_s,
                           "signalGetLongTTSResult(LONG_TTS_STATUS,QString,QString,QString) "
-                          ",taskid,request_id,audioUrl"_s}));
+                          ",taskid,request_id,audioUrl"_s,
+                          "signalGetLoginQrCodeEnd(LoginQrCode*) pLoginQrCodeInfo"_s,
+                          "signalGetLoginQrCodeStatusEnd(UserInfo*) pUserInfo"_s,
+                          "signalSendSmsEnd() "_s, "signalSmsLoginEnd(UserInfo*) pUInfo"_s,
+                          "signalRefreshTokenEnd(qlonglong,QDateTime) newToken,expireTime"_s}));
 }
 
 void TestVoNetworkIntf::declaresNothingElse()
@@ -231,10 +268,14 @@ void TestVoNetworkIntf::listsItsOperationsInTheVirtualTableInOrder()
     QTest::qSkip("Pointers to members do not tell their place here.", __FILE__, __LINE__);
 #else
     const QVector<std::ptrdiff_t> order{
-        slotOf(&VoNetworkIntf::GetOssSign),    slotOf(&VoNetworkIntf::ShortSTT),
-        slotOf(&VoNetworkIntf::CreateSTTTask), slotOf(&VoNetworkIntf::GetSTTTaskResult),
-        slotOf(&VoNetworkIntf::TTS),           slotOf(&VoNetworkIntf::LongTTSTask),
-        slotOf(&VoNetworkIntf::LongTTSStatus), slotOf(&VoNetworkIntf::DownloadLongTTSRet)};
+        slotOf(&VoNetworkIntf::GetOssSign),           slotOf(&VoNetworkIntf::ShortSTT),
+        slotOf(&VoNetworkIntf::CreateSTTTask),        slotOf(&VoNetworkIntf::GetSTTTaskResult),
+        slotOf(&VoNetworkIntf::GetBgmList),           slotOf(&VoNetworkIntf::TTS),
+        slotOf(&VoNetworkIntf::LongTTSTask),          slotOf(&VoNetworkIntf::LongTTSStatus),
+        slotOf(&VoNetworkIntf::DownloadLongTTSRet),   slotOf(&VoNetworkIntf::GetDubList),
+        slotOf(&VoNetworkIntf::GetUpdateInfo),        slotOf(&VoNetworkIntf::GetLoginQrCode),
+        slotOf(&VoNetworkIntf::GetLoginQrCodeStatus), slotOf(&VoNetworkIntf::SendSmsVerifyCode),
+        slotOf(&VoNetworkIntf::SmsVerifyCodeLogin),   slotOf(&VoNetworkIntf::RefreshToken)};
     QVector<std::ptrdiff_t> expected;
     for (int i = 1; i <= order.size(); ++i)
         expected.append(LastOfQObject::slot() + i);
@@ -242,46 +283,10 @@ void TestVoNetworkIntf::listsItsOperationsInTheVirtualTableInOrder()
 #endif
 }
 
-void TestVoNetworkIntf::startsARecordOfCredentialsEmptyAndInOrder()
-{
-    OSS_SIGN_INFO info;
-    // Seven fields, no more and no fewer.
-    auto &[first, second, third, fourth, fifth, sixth, seventh] = info;
-    QCOMPARE(&first, &info.AccessKeyId);
-    QCOMPARE(&second, &info.AccessKeySecret);
-    QCOMPARE(&third, &info.endpoint);
-    QCOMPARE(&fourth, &info.bucketName);
-    QCOMPARE(&fifth, &info.dir);
-    QCOMPARE(&sixth, &info.SecurityToken);
-    QCOMPARE(&seventh, &info.bucketRegion);
-    QCOMPARE(sizeof info, 7 * sizeof(QString));
-    for (const QString *field : {&first, &second, &third, &fourth, &fifth, &sixth, &seventh})
-        QCOMPARE(*field, QString());
-}
-
-void TestVoNetworkIntf::startsSettingsEmptyAndInOrder()
-{
-    TTSParams params;
-    // Eight fields, no more and no fewer.
-    auto &[text, format, sampleRate, voice, volume, speechRate, pitchRate, pageFeature] = params;
-    QCOMPARE(&text, &params.text);
-    QCOMPARE(&format, &params.format);
-    QCOMPARE(&sampleRate, &params.sample_rate);
-    QCOMPARE(&voice, &params.voice);
-    QCOMPARE(&volume, &params.volume);
-    QCOMPARE(&speechRate, &params.speech_rate);
-    QCOMPARE(&pitchRate, &params.pitch_rate);
-    QCOMPARE(&pageFeature, &params.pageFeature);
-    for (const QString *field : {&text, &format, &voice, &pageFeature})
-        QCOMPARE(*field, QString());
-    for (const qint32 *field : {&sampleRate, &volume, &speechRate, &pitchRate})
-        QCOMPARE(*field, 0);
-}
-
 void TestVoNetworkIntf::carriesItsSignalsToSpies()
 {
     Implementation object;
-    OSS_SIGN_INFO record;
+    Records records;
     QSignalSpy sign(&object, SIGNAL(signalGetOssSign(OSS_SIGN_INFO *)));
     QSignalSpy shortStt(&object, SIGNAL(signalShortSTT(SHORT_STT_STATUS, QString)));
     QSignalSpy create(&object, SIGNAL(signalCreateSTTTask(STT_STATUS, QString)));
@@ -290,9 +295,14 @@ void TestVoNetworkIntf::carriesItsSignalsToSpies()
     QSignalSpy task(&object, SIGNAL(signalLongTTSTask(LONG_TTS_STATUS, QString)));
     QSignalSpy longTts(&object,
                        SIGNAL(signalGetLongTTSResult(LONG_TTS_STATUS, QString, QString, QString)));
-    emitAll(object, &record);
+    QSignalSpy code(&object, SIGNAL(signalGetLoginQrCodeEnd(LoginQrCode *)));
+    QSignalSpy scanned(&object, SIGNAL(signalGetLoginQrCodeStatusEnd(UserInfo *)));
+    QSignalSpy sms(&object, SIGNAL(signalSendSmsEnd()));
+    QSignalSpy loggedIn(&object, SIGNAL(signalSmsLoginEnd(UserInfo *)));
+    QSignalSpy refreshed(&object, SIGNAL(signalRefreshTokenEnd(qlonglong, QDateTime)));
+    emitAll(object, &records);
 
-    QCOMPARE(sign.value(0).value(0).value<OSS_SIGN_INFO *>(), &record);
+    QCOMPARE(sign.value(0).value(0).value<OSS_SIGN_INFO *>(), &records.sign);
     QCOMPARE(shortStt.value(0).value(0).value<SHORT_STT_STATUS>(), SHORT_STT_FAILED);
     QCOMPARE(shortStt.value(0).value(1).toString(), "a"_s);
     QCOMPARE(create.value(0).value(0).value<STT_STATUS>(), STT_PROCESSING);
@@ -302,6 +312,12 @@ void TestVoNetworkIntf::carriesItsSignalsToSpies()
     QCOMPARE(task.value(0).value(0).value<LONG_TTS_STATUS>(), LONG_TTS_PROCESSING);
     QCOMPARE(longTts.value(0).value(0).value<LONG_TTS_STATUS>(), LONG_TTS_FAILED);
     QCOMPARE(longTts.value(0).value(3).toString(), "j"_s);
+    QCOMPARE(code.value(0).value(0).value<LoginQrCode *>(), &records.code);
+    QCOMPARE(scanned.value(0).value(0).value<UserInfo *>(), &records.scanned);
+    QCOMPARE(sms.size(), 1);
+    QCOMPARE(loggedIn.value(0).value(0).value<UserInfo *>(), &records.loggedIn);
+    QCOMPARE(refreshed.value(0).value(0).toLongLong(), Q_INT64_C(9007199254740993));
+    QCOMPARE(refreshed.value(0).value(1).toDateTime(), date);
 }
 
 void TestVoNetworkIntf::carriesItsSignalsThroughQueuedConnectionsByText()
@@ -324,13 +340,24 @@ void TestVoNetworkIntf::carriesItsSignalsThroughQueuedConnectionsByText()
                   SLOT(onLongTTSTask(LONG_TTS_STATUS, QString))));
     QVERIFY(queue(SIGNAL(signalGetLongTTSResult(LONG_TTS_STATUS, QString, QString, QString)),
                   SLOT(onGetLongTTSResult(LONG_TTS_STATUS, QString, QString, QString))));
-    OSS_SIGN_INFO record;
-    emitAll(object, &record);
+    QVERIFY(queue(SIGNAL(signalGetLoginQrCodeEnd(LoginQrCode *)),
+                  SLOT(onGetLoginQrCodeEnd(LoginQrCode *))));
+    QVERIFY(queue(SIGNAL(signalGetLoginQrCodeStatusEnd(UserInfo *)),
+                  SLOT(onGetLoginQrCodeStatusEnd(UserInfo *))));
+    QVERIFY(queue(SIGNAL(signalSendSmsEnd()), SLOT(onSendSmsEnd())));
+    QVERIFY(queue(SIGNAL(signalSmsLoginEnd(UserInfo *)), SLOT(onSmsLoginEnd(UserInfo *))));
+    QVERIFY(queue(SIGNAL(signalRefreshTokenEnd(qlonglong, QDateTime)),
+                  SLOT(onRefreshTokenEnd(qlonglong, QDateTime))));
+    Records records;
+    emitAll(object, &records);
     QCOMPARE(host.received, QStringList());
-    QVERIFY(QTest::qWaitFor([&host] { return host.received.size() == 6; }));
-    QCOMPARE(host.record, &record);
+    QVERIFY(QTest::qWaitFor([&host] { return host.received.size() == 8; }));
+    QCOMPARE(host.record, &records.sign);
+    QCOMPARE(host.code, &records.code);
+    QCOMPARE(host.users, (QList<UserInfo *>{&records.scanned, &records.loggedIn}));
     QCOMPARE(host.received,
-             (QStringList{"1 a"_s, "1 b"_s, "2 c d e"_s, "1 f"_s, "1 g"_s, "2 h i j"_s}));
+             (QStringList{"1 a"_s, "1 b"_s, "2 c d e"_s, "1 f"_s, "1 g"_s, "2 h i j"_s, "sent"_s,
+                          "9007199254740993 2030-01-02T03:04:05"_s}));
     QVERIFY(log.lines().isEmpty());
 }
 

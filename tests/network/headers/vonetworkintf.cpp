@@ -8,4 +8,10 @@ void hostCalls(VoNetworkIntf *intf)
     intf->TTS(&params, true, 0);
     QObject::connect(intf, &VoNetworkIntf::signalGetOssSign, intf,
                      [](OSS_SIGN_INFO *info) { delete info; });
+    qDeleteAll(intf->GetDubList());
+    qDeleteAll(intf->GetBgmList());
+    const UpdateInfo *update = intf->GetUpdateInfo();
+    intf->SendSmsVerifyCode(update ? update->url : QString());
+    QObject::connect(intf, &VoNetworkIntf::signalRefreshTokenEnd, intf,
+                     [](qlonglong, const QDateTime &expires) { return expires.isValid(); });
 }

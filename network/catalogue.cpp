@@ -1,0 +1,173 @@
+#include "network/buildconstants.h"
+#include "network/filefetch.h"
+#include "network/serviceenvelope.h"
+#include "network/servicelog.h"
+#include "network/serviceoperation.h"
+#include "network/vonetworker.h"
+
+#include <QDebug>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QPointer>
+#include <QStringView>
+
+namespace {
+
+constexpr ServiceOperation getDubList{HttpMethod::Get, convertServicePrefix, "asr/getVoice",
+                                      "1slotGetDubListSuc(QByteArray)",
+                                      "1slotGetDubListFail(QByteArray)"};
+constexpr ServiceOperation getBgmList{HttpMethod::Get, convertServicePrefix,
+                                      "asr/getBackgroundMusic", "1slotGetBgmListSuc(QByteArray)",
+                                      "1slotGetBgmListFail(QByteArray)"};
+
+constexpr ServiceEnvelope::Texts getDubListTexts{
+    "slotGetDubListSuc", "[error]slotGetDubListSuc failed:retCode=", ",msg="};
+constexpr ServiceEnvelope::Texts getBgmListTexts{
+    "slotGetBgmListSuc", "[error]slotGetBgmListSuc failed:retCode=", ",msg="};
+
+constexpr QStringView shortSynthesis = u"语音合成";
+constexpr QStringView longSynthesis = u"长文本语音合成";
+
+constexpr struct
+{
+    QStringView category;
+    DubType type = DUB_TYPE_UNSET;
+} categories[] = {
+    {u"超高清", DUB_TYPE_ULTRA_HD},
+    {u"文学", DUB_TYPE_LITERATURE},
+    {u"通用", DUB_TYPE_GENERAL},
+    {u"英文", DUB_TYPE_FOREIGN_LANGUAGE},
+    {u"美式英语", DUB_TYPE_FOREIGN_LANGUAGE},
+    {u"多语种", DUB_TYPE_FOREIGN_LANGUAGE},
+    {u"方言", DUB_TYPE_DIALECT},
+    {u"客服", DUB_TYPE_CUSTOMER_SERVICE},
+    {u"直播", DUB_TYPE_LIVE_STREAMING},
+    {u"童声", DUB_TYPE_CHILD},
+    {u"多情感", DUB_TYPE_EMOTIONAL},
+};
+
+constexpr char defaultPicture[] = "women_01.png";
+
+// The stock pictures: where the service keeps them and what the host calls them.
+constexpr struct
+{
+    const char *path; // percent-encoded as the service sends it
+    const char *file;
+} avatars[] = {
+    {"/speechdesk/voice_avatar/%E5%A5%B301.png", "women_01.png"},
+    {"/speechdesk/voice_avatar/%E5%A5%B302.png", "women_02.png"},
+    {"/speechdesk/voice_avatar/avatar_girl.png", "avatar_girl.png"},
+    {"/speechdesk/voice_avatar/%E7%94%B701.png", "man_01.png"},
+    {"/speechdesk/voice_avatar/%E7%94%B702.png", "man_02.png"},
+    {"/speechdesk/voice_avatar/avatar_children.png", "avatar_children.png"},
+};
+
+BgmInfo *bgmInfoFrom(const QJsonObject &track)
+{
+    auto *info = new BgmInfo; // the caller's of GetBgmList()
+    info->name = track.value(QLatin1String("name")).toString();
+    info->url = track.value(QLatin1String("url")).toString();
+    return info;
+}
+
+} // namespace
+
+QList<DubInfo *> VoNetworker::GetDubList()
+{
+    qDebug() << "VoNetworker::GetDubList";
+    dubList = {};
+    issue(getDubList, commonHeaders(), {});
+    return waitForAnswer() ? dubList : QList<DubInfo *>();
+}
+
+void VoNetworker::slotGetDubListSuc(QByteArray jsonStr)
+{
+    if (const auto data = ServiceEnvelope::read(jsonStr, getDubListTexts)) {
+        const QJsonArray voices = data->toObject().value(QLatin1String("list")).toArray();
+        for (const QJsonValue &voice : voices)
+            dubList.append(dubInfoFrom(voice.toObject()));
+    }
+    endWait();
+}
+
+void VoNetworker::slotGetDubListFail(QByteArray failInfo)
+{
+    ServiceLog::failure("VoNetworker::slotGetDubListFail", failInfo);
+    endWait();
+}
+
+QList<BgmInfo *> VoNetworker::GetBgmList()
+{
+    bgmList = {};
+    qDebug() << "VoNetworker::GetBgmList";
+    issue(getBgmList, commonHeaders(), {});
+    return waitForAnswer() ? bgmList : QList<BgmInfo *>();
+}
+
+void VoNetworker::slotGetBgmListSuc(QByteArray jsonStr)
+{
+    if (const auto data = ServiceEnvelope::read(jsonStr, getBgmListTexts)) {
+        const QJsonArray tracks = data->toArray(); // not in a "list", as voices are
+        for (const QJsonValue &track : tracks)
+            bgmList.append(bgmInfoFrom(track.toObject()));
+    }
+    endWait();
+}
+
+void VoNetworker::slotGetBgmListFail(QByteArray failInfo)
+{
+    ServiceLog::failure("VoNetworker::slotGetBgmListFail", failInfo);
+    endWait();
+}
+
+DubInfo *VoNetworker::dubInfoFrom(const QJsonObject &voice)
+{
+    auto *info = new DubInfo; // the caller's of GetDubList()
+    info->name = voice.value(QLatin1String("name")).toString();
+    info->voiceParam = voice.value(QLatin1String("voiceParam")).toString();
+    info->type = voice.value(QLatin1String("type")).toString();
+    info->avatar = ConvertAvtUrlToClient(voice.value(QLatin1String("avatar")).toString());
+    info->category = voice.value(QLatin1String("category")).toString();
+    info->dubType = ConvertServerToClientDubType(info->category);
+    info->scene = voice.value(QLatin1String("scene")).toString();
+    info->audition_url = voice.value(QLatin1String("audition_url")).toString();
+    const QStringList features =
+        voice.value(QLatin1String("supportFeature")).toString().split(QLatin1Char(','));
+    for (const QString &feature : features) {
+        info->supportTTS |= feature == shortSynthesis;
+        info->supportLongTTS |= feature == longSynthesis;
+    }
+    return info;
+}
+
+DubType VoNetworker::ConvertServerToClientDubType(QString category)
+{
+    for (const auto &known : categories) {
+        if (category == known.category)
+            return known.type;
+    }
+    return DUB_TYPE_GENERAL;
+}
+
+QString VoNetworker::ConvertAvtUrlToClient(QString url)
+{
+    const QString storage =
+        QLatin1String("https://") + QLatin1String(BuildConstants::avatarStorageHost);
+    for (const auto &known : avatars) {
+        if (url == storage + QLatin1String(known.path))
+            return QLatin1String(known.file);
+    }
+    return QLatin1String(defaultPicture);
+}
+
+QString VoNetworker::DownloadAvt(QString url, QString savePath)
+{
+    constexpr const char *tag = "VoNetworker::DownloadAvt";
+    qDebug() << tag << "url=" << url << ",savePath=" << savePath;
+    const QPointer<VoNetworker> self(this);
+    const FileFetch::Result picture = FileFetch::fetch(url, tag);
+    // Hosts have learned to hear of a picture that failed as of a code that did.
+    if (self && picture.error != QNetworkReply::NoError)
+        Q_EMIT signalGetLoginQrCodeEnd(nullptr);
+    return FileFetch::save(picture.body, savePath, tag, "open file error,") ? savePath : QString();
+}

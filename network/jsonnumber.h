@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QtGlobal>
+
+class QJsonValue;
+
+namespace JsonNumber {
+
+/// @p value without its fraction; 0 when it is no number, the nearest limit when it lies outside of
+/// 64 bits. Whole beyond 2^53 only as far as a double is.
+qint64 toInt64(const QJsonValue &value);
+
+} // namespace JsonNumber
