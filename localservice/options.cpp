@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include <array>
 #include <cstdlib>
 #include <limits>
 
@@ -36,25 +37,48 @@ std::string defaultDataFolder()
     throw UsageError("there is no home folder: --data has to be given");
 }
 
+// Only those whose value is a number of seconds.
+bool setLifetime(Options &options, const std::string &name, const std::string &value)
+{
+    constexpr int hour = 3600;
+    constexpr int week = 7 * 24 * hour;
+    constexpr int year = 365 * 24 * hour;
+    struct Lifetime
+    {
+        const char *name;
+        int Options::*member;
+        int longest;
+    };
+    constexpr std::array<Lifetime, 5> lifetimes{{
+        {"--result-lifetime", &Options::resultLifetime, week},
+        {"--credential-lifetime", &Options::credentialLifetime, week},
+        {"--code-lifetime", &Options::codeLifetime, hour},
+        {"--token-lifetime", &Options::tokenLifetime, week},
+        {"--refresh-lifetime", &Options::refreshLifetime, year},
+    }};
+    for (const Lifetime &lifetime : lifetimes) {
+        if (name == lifetime.name) {
+            options.*lifetime.member = static_cast<int>(number(name, value, 1, lifetime.longest));
+            return true;
+        }
+    }
+    return false;
+}
+
 void setOption(Options &options, const std::string &name, const std::string &value)
 {
-    constexpr int longestLifetime = 7 * 24 * 3600;
     if (name == "--port")
         options.port = static_cast<int>(number(name, value, 0, 65535));
     else if (name == "--data" && !value.empty())
         options.data = value;
     else if (name == "--data")
         throw UsageError("--data takes a folder");
-    else if (name == "--token")
-        options.token = number(name, value, std::numeric_limits<std::int64_t>::min(),
-                               std::numeric_limits<std::int64_t>::max());
+    else if (name == "--development-token")
+        options.developmentToken = number(name, value, std::numeric_limits<std::int64_t>::min(),
+                                          std::numeric_limits<std::int64_t>::max());
     else if (name == "--workers")
         options.workers = static_cast<int>(number(name, value, 1, 16));
-    else if (name == "--result-lifetime")
-        options.resultLifetime = static_cast<int>(number(name, value, 1, longestLifetime));
-    else if (name == "--credential-lifetime")
-        options.credentialLifetime = static_cast<int>(number(name, value, 1, longestLifetime));
-    else
+    else if (!setLifetime(options, name, value))
         throw UsageError("unknown option \"" + name + "\"");
 }
 
@@ -84,12 +108,15 @@ std::string usage()
            "A speech web service on this machine, at https://localhost:PORT.\n"
            "\n"
            "  --port N                       port to listen on (8443), 0: any free one\n"
-           "  --data DIR                     folder for certificates and objects\n"
+           "  --data DIR                     folder for everything that is kept\n"
            "                                 ($XDG_DATA_HOME/vo-localservice)\n"
-           "  --token N                      access token that is accepted (1)\n"
            "  --workers N                    tasks worked on at a time (2)\n"
            "  --result-lifetime SECONDS      how long results of tasks are kept (3600)\n"
            "  --credential-lifetime SECONDS  how long upload credentials are valid (900)\n"
+           "  --code-lifetime SECONDS        how long SMS and QR codes are valid (300)\n"
+           "  --token-lifetime SECONDS       how long access tokens are valid (7200)\n"
+           "  --refresh-lifetime SECONDS     how long refresh tokens are valid (2592000)\n"
+           "  --development-token N          accept this access token without a sign-in\n"
            "  --help                         show this text\n";
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -10,12 +11,16 @@ namespace localservice {
 /// What the command line says.
 struct Options
 {
-    int port = 8443;              ///< 0: any free one.
-    std::string data;             ///< Folder for certificates and objects.
-    std::int64_t token = 1;       ///< The access token that is accepted.
-    int workers = 2;              ///< Tasks worked on at a time.
-    int resultLifetime = 3600;    ///< Seconds.
-    int credentialLifetime = 900; ///< Seconds.
+    int port = 8443;  ///< 0: any free one.
+    std::string data; ///< Folder for everything that is kept.
+    int workers = 2;  ///< Tasks worked on at a time.
+    // Seconds.
+    int resultLifetime = 3600;
+    int credentialLifetime = 900;
+    int codeLifetime = 300; ///< Of SMS codes and QR codes.
+    int tokenLifetime = 7200;
+    int refreshLifetime = 2592000;
+    std::optional<std::int64_t> developmentToken; ///< Accepted without a sign-in.
     bool help = false;
 };
 

@@ -20,6 +20,15 @@ std::string printable(const std::string &text)
     return result;
 }
 
+// Who has the address of a sign-in page or of its picture can sign in.
+std::string withoutSecrets(const std::string &path)
+{
+    const std::size_t secret = path.find('/', path.find("/signin") + 1);
+    if (path.find("/signin") == std::string::npos || secret == std::string::npos)
+        return path;
+    return path.substr(0, secret) + "/*";
+}
+
 std::string now()
 {
     const auto time = std::chrono::system_clock::now();
@@ -44,7 +53,7 @@ void logRequest(const httplib::Request &request, const httplib::Response &respon
     const RequestNotes &notes = requestNotes();
     const auto duration = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - notes.start);
-    const std::string path = request.target.substr(0, request.target.find('?'));
+    const std::string path = withoutSecrets(request.target.substr(0, request.target.find('?')));
     const std::string line = now() + ' ' + printable(request.method) + ' ' + printable(path) + ' '
                              + printable(notes.feature) + ' ' + std::to_string(response.status)
                              + ' ' + std::to_string(static_cast<int>(notes.code)) + ' '

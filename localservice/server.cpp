@@ -9,15 +9,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <stdexcept>
-#include <string_view>
 #include <sys/socket.h>
 
 namespace localservice {
 
 namespace {
-
-constexpr std::string_view operations = "/convert/public/index.php/v1/";
 
 constexpr const char *loopback = "127.0.0.1";
 constexpr std::size_t threads = 64;          // every kept connection has one
@@ -67,11 +65,20 @@ std::string storageToken(const httplib::Request &request)
     return request.get_param_value("security-token");
 }
 
-bool isWave(const std::string &path)
+const char *fileType(const std::string &path)
 {
-    const std::string suffix = ".wav";
-    return path.size() > suffix.size()
-           && path.compare(path.size() - suffix.size(), suffix.size(), suffix) == 0;
+    const auto endsWith = [&](const std::string &suffix) {
+        return path.size() > suffix.size()
+               && path.compare(path.size() - suffix.size(), suffix.size(), suffix) == 0;
+    };
+    if (endsWith(".wav"))
+        return "audio/wav";
+    return endsWith(".png") ? "image/png" : "application/octet-stream";
+}
+
+bool isReading(const httplib::Request &request)
+{
+    return request.method == "GET" || request.method == "HEAD";
 }
 
 // The last thing that is done about a request; its reply has been sent.
@@ -124,6 +131,8 @@ struct Server::Answer
 {
     std::string body;
     std::string type = envelopeType;
+    int status = 200;
+    std::map<std::string, std::string> headers{};
 };
 
 Server::Server(const TlsFiles &files)
@@ -139,6 +148,8 @@ Server::Server(const TlsFiles &files)
     m_http.set_read_timeout(transferSeconds);
     m_http.set_write_timeout(transferSeconds);
     m_http.new_task_queue = [] { return new httplib::ThreadPool(threads); };
+    // There are tokens in replies, and files are made anew with the service.
+    m_http.set_default_headers({{"Cache-Control", "no-store"}});
     m_http.set_logger(finish);
     m_http.set_exception_handler(refuseException);
     m_http.set_error_handler(httplib::Server::Handler(refuseUnrouted));
@@ -157,10 +168,9 @@ int Server::bind(int port)
     return bound;
 }
 
-void Server::start(SpeechApi &speech, StorageApi &storage)
+void Server::start(const ServedParts &parts)
 {
-    m_speech = &speech;
-    m_storage = &storage;
+    m_parts.emplace(parts);
     m_thread = std::thread([this] { m_http.listen_after_bind(); });
     // Before it runs it cannot be stopped.
     while (!m_http.is_running())
@@ -213,11 +223,13 @@ void Server::respond(const httplib::Request &request, httplib::Response &respons
                      const std::string &body)
 {
     const std::string path = normalPath(request.target);
-    // Clients of the operations look for a refusal in the envelope, those of the storage in the
-    // status.
-    const bool isOperation = path.compare(0, operations.size(), operations) == 0;
+    // Clients of the operations look for a refusal in the envelope, all others in the status.
+    const bool isOperation = Operations::isResponsible(path);
     try {
         const Answer served = answer(request, path, body);
+        response.status = served.status;
+        for (const auto &[name, value] : served.headers)
+            response.set_header(name, value);
         response.set_content(served.body, served.type);
     } catch (const UnknownOperation &refusal) {
         setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
@@ -235,7 +247,15 @@ Server::Answer Server::answer(const httplib::Request &request, const std::string
 {
     if (StorageApi::isResponsible(path))
         return answerStorage(request, path, body);
-    return {successEnvelope(operation(request, path, body))};
+    if (SignInPage::isPage(path))
+        return answerPage(request, path);
+    if (SignInPage::isPicture(path) && isReading(request))
+        return {m_parts->signInPage.picture(path), fileType(path)};
+    if (Catalogue::isResponsible(path) && isReading(request))
+        return {m_parts->catalogue.file(path), fileType(path)};
+    if (const auto data = m_parts->operations.call(path, request, body))
+        return {successEnvelope(*data)};
+    throw UnknownOperation();
 }
 
 Server::Answer Server::answerStorage(const httplib::Request &request, const std::string &path,
@@ -243,29 +263,20 @@ Server::Answer Server::answerStorage(const httplib::Request &request, const std:
 {
     const std::string token = storageToken(request);
     if (request.method == "PUT")
-        return {successEnvelope(m_storage->put(path, token, body))};
-    if (request.method == "GET" || request.method == "HEAD")
-        return {m_storage->get(path, token),
-                isWave(path) ? "audio/wav" : "application/octet-stream"};
+        return {successEnvelope(m_parts->storage.put(path, token, body))};
+    if (isReading(request))
+        return {m_parts->storage.get(path, token), fileType(path)};
     throw UnknownOperation();
 }
 
-nlohmann::json Server::operation(const httplib::Request &request, const std::string &path,
-                                 const std::string &body)
+Server::Answer Server::answerPage(const httplib::Request &request, const std::string &path)
 {
-    const std::string authorization = request.get_header_value("Authorization");
-    const auto is = [&](const char *method, std::string_view name) {
-        return request.method == method && path == std::string(operations) + std::string(name);
-    };
-    if (is("POST", "asr/process"))
-        return m_speech->process(authorization, body);
-    if (is("POST", "asr/freeProcess"))
-        return m_speech->freeProcess(body);
-    if (is("POST", "asr/getProcessResult"))
-        return m_speech->taskResult(authorization, body);
-    if (is("GET", "upload/getsignsts"))
-        return m_speech->uploadCredential();
-    throw UnknownOperation();
+    if (!isReading(request) && request.method != "POST")
+        throw UnknownOperation();
+    SignInPage &page = m_parts->signInPage;
+    const SignInPage::Reply reply = isReading(request) ? page.show(path) : page.confirm(path);
+    requestNotes().code = reply.status == 200 ? Code::Ok : static_cast<Code>(reply.status);
+    return {reply.html, "text/html;charset=utf-8", reply.status, SignInPage::headers()};
 }
 
 } // namespace localservice

@@ -1,19 +1,31 @@
 #pragma once
 
+#include "catalogue.h"
 #include "certificate.h"
 #include "connections.h"
-#include "speechapi.h"
+#include "operations.h"
+#include "signinpage.h"
 #include "storageapi.h"
 
 #include <httplib.h>
 
+#include <optional>
 #include <string>
 #include <thread>
 
 namespace localservice {
 
-/// Speaks HTTPS with the clients on 127.0.0.1 and hands their requests to the operations. Every
-/// reply but an object of the storage is an envelope.
+/// What the server hands requests to; everything outlives its work.
+struct ServedParts
+{
+    const Operations &operations;
+    StorageApi &storage;
+    SignInPage &signInPage;
+    Catalogue &catalogue;
+};
+
+/// Speaks HTTPS with the clients on 127.0.0.1 and hands their requests on. Every reply but a file
+/// and a page is an envelope.
 class Server
 {
 public:
@@ -29,8 +41,8 @@ public:
     /// Takes @p port, or any free one for 0, and returns it; std::runtime_error if that fails.
     int bind(int port);
 
-    /// Begins to serve, in threads of its own. Both have to outlive the server's work.
-    void start(SpeechApi &speech, StorageApi &storage);
+    /// Begins to serve, in threads of its own.
+    void start(const ServedParts &parts);
 
     /// Ends all connections and waits for the requests that are being worked on.
     void stop();
@@ -45,13 +57,11 @@ private:
                   const std::string &body);
     Answer answerStorage(const httplib::Request &request, const std::string &path,
                          const std::string &body);
-    nlohmann::json operation(const httplib::Request &request, const std::string &path,
-                             const std::string &body);
+    Answer answerPage(const httplib::Request &request, const std::string &path);
 
     Connections m_connections;
     httplib::SSLServer m_http;
-    SpeechApi *m_speech = nullptr;
-    StorageApi *m_storage = nullptr;
+    std::optional<ServedParts> m_parts;
     std::thread m_thread;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "accounts.h"
 #include "credentials.h"
 #include "jsonbody.h"
 #include "recognizer.h"
@@ -11,6 +12,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace localservice {
@@ -23,6 +25,7 @@ struct SpeechServices
     Storage &storage;
     Credentials &credentials;
     Tasks &tasks;
+    Accounts &accounts;
 };
 
 /// The operations on speech. Each returns the "data" of its reply or throws a Refusal. May be used
@@ -34,7 +37,7 @@ public:
     struct Settings
     {
         int port = 0; ///< Of the service, for the addresses that it gives out.
-        std::int64_t token = 0;
+        std::optional<std::int64_t> developmentToken; ///< Accepted without a sign-in.
         std::chrono::seconds resultLifetime{};
         std::chrono::seconds credentialLifetime{};
     };

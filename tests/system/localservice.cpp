@@ -25,12 +25,19 @@ qint64 LocalService::token() { return 9007199254740993; }
 
 bool LocalService::start(const QStringList &furtherArguments)
 {
+    return startWithoutDevelopmentToken(
+        QStringList{QStringLiteral("--development-token"), QString::number(token())}
+        + furtherArguments);
+}
+
+bool LocalService::startWithoutDevelopmentToken(const QStringList &furtherArguments)
+{
     const int port = QUrl(QStringLiteral(SERVICE_BASE_ADDRESS)).port();
+    m_readyLine.clear();
     m_process.setStandardErrorFile(m_folder.filePath(QStringLiteral("log")));
     m_process.start(program(),
                     QStringList{QStringLiteral("--port"), QString::number(port),
-                                QStringLiteral("--data"), m_folder.filePath(QStringLiteral("data")),
-                                QStringLiteral("--token"), QString::number(token())}
+                                QStringLiteral("--data"), m_folder.filePath(QStringLiteral("data"))}
                         + furtherArguments);
     QElapsedTimer elapsed;
     elapsed.start();
@@ -55,9 +62,28 @@ int LocalService::stop(int signal)
 
 QByteArray LocalService::readyLine() const { return m_readyLine; }
 
-QString LocalService::authority() const
+QByteArray LocalService::takeLine(const QByteArray &part)
 {
-    return m_folder.filePath(QStringLiteral("data/tls/authority.pem"));
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (elapsed.elapsed() < patience) {
+        m_out += m_process.readAllStandardOutput();
+        for (int end = m_out.indexOf('\n'); end >= 0; end = m_out.indexOf('\n')) {
+            const QByteArray line = m_out.left(end);
+            m_out.remove(0, end + 1);
+            if (line.contains(part))
+                return line;
+        }
+        m_process.waitForReadyRead(100);
+    }
+    return {};
+}
+
+QString LocalService::authority() const { return dataFile(QStringLiteral("tls/authority.pem")); }
+
+QString LocalService::dataFile(const QString &name) const
+{
+    return m_folder.filePath(QStringLiteral("data/") + name);
 }
 
 QByteArray LocalService::log() const

@@ -16,11 +16,15 @@ public:
     LocalService();
     ~LocalService();
 
-    /// The token that it takes: no double can hold it.
+    /// Its development token, which it takes without a sign-in: no double can hold it.
     static qint64 token();
 
-    /// Waits until it is ready. False, with the reason in the test's log, when it never is.
+    /// Waits until it is ready. False, with the reason in the test's log, when it never is. May be
+    /// called again after stop(): the data folder stays.
     bool start(const QStringList &furtherArguments = {});
+
+    /// The same, with no token but those that signing in brings.
+    bool startWithoutDevelopmentToken(const QStringList &furtherArguments = {});
 
     /// Sends the signal and waits for the end. The exit status; -1: a crash or no end.
     int stop(int signal);
@@ -28,8 +32,15 @@ public:
     /// The line that says that it is ready, with its newline.
     QByteArray readyLine() const;
 
+    /// Waits for the next line with @p part on its standard output and takes what is there up to
+    /// that line's end. The line, without its newline; empty: there was none.
+    QByteArray takeLine(const QByteArray &part);
+
     /// The file of the authority that signed its certificate.
     QString authority() const;
+
+    /// A file in its data folder.
+    QString dataFile(const QString &name) const;
 
     /// What it wrote to standard error so far.
     QByteArray log() const;
@@ -44,4 +55,5 @@ private:
     QTemporaryDir m_folder;
     QProcess m_process;
     QByteArray m_readyLine;
+    QByteArray m_out; ///< After that line, and not taken yet.
 };

@@ -30,6 +30,20 @@ QSslConfiguration trusting(const QString &authority)
 
 } // namespace
 
+QByteArray ServiceClient::Reply::header(const QByteArray &name) const
+{
+    for (const auto &header : headers) {
+        if (header.first.toLower() == name.toLower())
+            return header.second;
+    }
+    return {};
+}
+
+int ServiceClient::Reply::code() const
+{
+    return QJsonDocument::fromJson(body).object().value(QLatin1String("code")).toInt(-1);
+}
+
 bool ServiceClient::Reply::isRefusal() const
 {
     const QJsonObject envelope = QJsonDocument::fromJson(body).object();
@@ -37,11 +51,7 @@ bool ServiceClient::Reply::isRefusal() const
            && !envelope.value(QLatin1String("message")).toString().isEmpty();
 }
 
-bool ServiceClient::Reply::isSuccess() const
-{
-    return status == 200
-           && QJsonDocument::fromJson(body).object().value(QLatin1String("code")).toInt(-1) == 0;
-}
+bool ServiceClient::Reply::isSuccess() const { return status == 200 && code() == 0; }
 
 QJsonObject ServiceClient::Reply::data() const
 {
@@ -69,6 +79,13 @@ ServiceClient::Reply ServiceClient::post(const QString &name, const QJsonObject 
     return post(name, QJsonDocument(body).toJson(), authorization);
 }
 
+ServiceClient::Reply ServiceClient::postTo(const QString &address, const QByteArray &body)
+{
+    QNetworkRequest post = request(address);
+    post.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    return wait(m_manager.post(post, body));
+}
+
 QJsonObject ServiceClient::credentials()
 {
     return get(operation(QStringLiteral("upload/getsignsts"))).data();
@@ -90,6 +107,11 @@ ServiceClient::Reply ServiceClient::get(const QString &address, const QString &s
     if (!securityToken.isEmpty())
         get.setRawHeader("x-security-token", securityToken.toUtf8());
     return wait(m_manager.get(get));
+}
+
+ServiceClient::Reply ServiceClient::head(const QString &address)
+{
+    return wait(m_manager.head(request(address)));
 }
 
 ServiceClient::Reply ServiceClient::verbatim(const QByteArray &requestLine,
@@ -131,7 +153,7 @@ ServiceClient::Reply ServiceClient::wait(QNetworkReply *reply)
     if (!reply->isFinished())
         loop.exec();
     Reply result{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
-                 reply->readAll()};
+                 reply->readAll(), reply->rawHeaderPairs()};
     delete reply;
     return result;
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QString>
 
 class QNetworkRequest;
@@ -17,7 +18,12 @@ public:
     {
         int status = 0; ///< Of HTTP; 0: there was no reply.
         QByteArray body;
+        QList<QNetworkReply::RawHeaderPair> headers{};
 
+        /// The value of a header, whatever the case of its name; empty if there is none.
+        QByteArray header(const QByteArray &name) const;
+        /// Of the envelope; -1: there is none.
+        int code() const;
         /// Whether this is the service's way to refuse: a code, and a message that says why.
         bool isRefusal() const;
         /// Whether this is the service's way to agree.
@@ -33,12 +39,17 @@ public:
     Reply post(const QString &name, const QJsonObject &body,
                const QByteArray &authorization = QByteArray());
 
+    /// The same to any address.
+    Reply postTo(const QString &address, const QByteArray &body = QByteArray());
+
     /// The credentials for an upload.
     QJsonObject credentials();
 
     /// To the storage, with a security token if one is given.
     Reply put(const QString &address, const QByteArray &body, const QString &securityToken);
     Reply get(const QString &address, const QString &securityToken = QString());
+
+    Reply head(const QString &address);
 
     /// A request line that is sent as it is: no client in between tidies its path.
     Reply verbatim(const QByteArray &requestLine, const QByteArray &headers,

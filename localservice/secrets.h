@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace localservice {
+
+/// A random token from 2 to 2^53 - 1: a double can hold it. Neither 0 nor 1 is one, which stand for
+/// no token and for a token of one's own in what clients try. std::runtime_error if there are no
+/// secure random numbers to be had; likewise below.
+std::int64_t randomToken();
+
+/// Six random decimal digits.
+std::string randomCode();
+
+/// Whether both are the same, in a time that does not tell where they differ.
+bool isSameSecret(const std::string &one, const std::string &other);
+
+/// The SHA-256 of @p secret in hexadecimal: it tells a secret again without being one.
+std::string digestOf(const std::string &secret);
+
+} // namespace localservice

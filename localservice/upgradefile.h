@@ -1,0 +1,24 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+
+namespace localservice {
+
+/// The file that says what there is to upgrade to. Its owner edits it while the service runs.
+class UpgradeFile
+{
+public:
+    /// Writes @p file if there is none; std::runtime_error if that fails.
+    explicit UpgradeFile(std::filesystem::path file);
+
+    /// The "data" of the reply, as the file has it now; Refusal, and a line on standard error, if
+    /// it cannot be used.
+    nlohmann::json read() const;
+
+private:
+    std::filesystem::path m_file;
+};
+
+} // namespace localservice

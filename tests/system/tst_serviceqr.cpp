@@ -1,0 +1,334 @@
+#include "tests/system/localservice.h"
+#include "tests/system/signinsteps.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QJsonValue>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+
+// What getMpStatus says.
+constexpr int waiting = 0;
+constexpr int confirmed = 1;
+constexpr int over = 2;
+
+QString lastSegment(const QString &address)
+{
+    return address.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0);
+}
+
+// What an independent reader makes of a picture.
+QString decoded(const QByteArray &picture)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("code.png")));
+    if (!file.open(QIODevice::WriteOnly) || file.write(picture) != picture.size())
+        return QStringLiteral("the picture cannot be written");
+    file.close();
+    QProcess reader;
+    reader.start(QStringLiteral("zbarimg"), {QStringLiteral("--quiet"), QStringLiteral("--raw"),
+                                             QStringLiteral("--nodbus"), file.fileName()});
+    if (!reader.waitForFinished())
+        return QStringLiteral("zbarimg: ") + reader.errorString();
+    return QString::fromUtf8(reader.readAllStandardOutput()).trimmed();
+}
+
+} // namespace
+
+/// Signing in with a code that is scanned, and the page that it leads to.
+class TestServiceQr : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_service.reset(new LocalService); }
+
+    void theCodeSaysWhenItExpires()
+    {
+        QVERIFY(begin({QStringLiteral("--code-lifetime"), QStringLiteral("1000")}));
+        QVERIFY(m_data.value(QLatin1String("expire_time")).isDouble());
+        const qint64 expires =
+            static_cast<qint64>(m_data.value(QLatin1String("expire_time")).toDouble());
+        QVERIFY(qAbs(expires - QDateTime::currentSecsSinceEpoch() - 1000) <= 60);
+    }
+
+    void thePictureHoldsTheAddressOfThePage()
+    {
+        QVERIFY(begin());
+        const auto picture = m_steps->client().get(pictureAddress());
+        QCOMPARE(picture.status, 200);
+        QCOMPARE(picture.header("Content-Type"), QByteArray("image/png"));
+        QCOMPARE(decoded(picture.body), m_page);
+    }
+
+    void theSecretsAreLongAndDifferentEachTime()
+    {
+        QVERIFY(begin());
+        const QStringList first = secrets();
+        QVERIFY(askAgain());
+        QStringList all = first + secrets();
+        QCOMPARE(all.removeDuplicates(), 0);
+        const QRegularExpression hexadecimal(QStringLiteral("^[0-9a-f]{32,}$"));
+        for (const QString &secret : qAsConst(all))
+            QVERIFY2(hexadecimal.match(secret).hasMatch(), qPrintable(secret));
+        QCOMPARE(m_page, SignInSteps::address(QStringLiteral("/signin/") + lastSegment(m_page)));
+    }
+
+    void whoPollsHearsOfTheConfirmationOnce()
+    {
+        QVERIFY(begin());
+        QCOMPARE(m_steps->pollQr(businessCode()).body,
+                 QByteArray(R"({"code":0,"data":{"status":0},"message":"ok"})"));
+        QCOMPARE(m_steps->client().postTo(m_page).status, 200);
+        const QJsonObject data = m_steps->pollQr(businessCode()).data();
+        QCOMPARE(data.value(QLatin1String("status")), QJsonValue(confirmed));
+        QCOMPARE(data.value(QLatin1String("user_info")).toObject().keys(),
+                 QStringList({QStringLiteral("base"), QStringLiteral("token")}));
+        QCOMPARE(m_steps->pollQr(businessCode()).body,
+                 QByteArray(R"({"code":0,"data":{"status":2},"message":"ok"})"));
+    }
+
+    void theTokenOfAScannedCodeIsGood()
+    {
+        QVERIFY(begin());
+        m_steps->client().postTo(m_page);
+        QCOMPARE(m_steps->speak(SignInSteps::token(collected())), 0);
+    }
+
+    void everyScannedCodeSignsInTheAccountOfThisMachine()
+    {
+        QVERIFY(begin());
+        m_steps->client().postTo(m_page);
+        const QJsonValue first = collected().value(QLatin1String("base"));
+        QCOMPARE(first.toObject().value(QLatin1String("nickname")),
+                 QJsonValue(QStringLiteral("Local user")));
+        QCOMPARE(m_service->stop(SIGTERM), 0);
+        QVERIFY(begin());
+        m_steps->client().postTo(m_page);
+        QCOMPARE(collected().value(QLatin1String("base")), first);
+    }
+
+    void aPostWithoutABodyAndATypeConfirms()
+    {
+        QVERIFY(begin());
+        const QByteArray path = m_page.mid(SignInSteps::address(QString()).size()).toUtf8();
+        QCOMPARE(m_steps->client().verbatim("POST " + path, QByteArray()).status, 200);
+        QCOMPARE(polled(), confirmed);
+    }
+
+    void lookingAtThePageConfirmsNothing()
+    {
+        QVERIFY(begin());
+        QCOMPARE(m_steps->client().get(m_page).status, 200);
+        QCOMPARE(m_steps->client().head(m_page).status, 200);
+        QCOMPARE(m_steps->client().put(m_page, "x", QString()).status, 404);
+        QCOMPARE(polled(), waiting);
+    }
+
+    void aCodeIsConfirmedOnce()
+    {
+        QVERIFY(begin());
+        QCOMPARE(m_steps->client().postTo(m_page).status, 200);
+        const auto second = m_steps->client().postTo(m_page);
+        QCOMPARE(second.status, 410);
+        QVERIFY2(second.body.contains("<h1>Code already used</h1>"), second.body.constData());
+        QCOMPARE(m_steps->client().get(m_page).status, 410);
+        QCOMPARE(m_steps->client().get(pictureAddress()).status, 404);
+        QCOMPARE(polled(), confirmed);
+        QCOMPARE(m_steps->client().postTo(m_page).status, 410);
+        QCOMPARE(polled(), over);
+    }
+
+    void anExpiredCodeIsOfNoUse()
+    {
+        QVERIFY(begin({QStringLiteral("--code-lifetime"), QStringLiteral("2")}));
+        QTRY_COMPARE_WITH_TIMEOUT(polled(), over, 30000);
+        const auto page = m_steps->client().get(m_page);
+        QCOMPARE(page.status, 410);
+        QVERIFY2(page.body.contains("<h1>Code expired</h1>"), page.body.constData());
+        QCOMPARE(m_steps->client().head(m_page).status, 410);
+        QCOMPARE(m_steps->client().postTo(m_page).status, 410);
+        QCOMPARE(m_steps->client().get(pictureAddress()).status, 404);
+        QCOMPARE(polled(), over);
+    }
+
+    void anUnknownCodeIsOfNoUse()
+    {
+        QVERIFY(begin());
+        const QString unknown =
+            SignInSteps::address(QStringLiteral("/signin/") + QString(32, QLatin1Char('0')));
+        const auto page = m_steps->client().get(unknown);
+        QCOMPARE(page.status, 404);
+        QVERIFY2(page.body.contains("<h1>Unknown code</h1>"), page.body.constData());
+        QCOMPARE(m_steps->client().postTo(unknown).status, 404);
+        QCOMPARE(m_steps->client().get(SignInSteps::address(QStringLiteral("/signin/"))).status,
+                 404);
+        QCOMPARE(polled(QString(32, QLatin1Char('0'))), over);
+        QCOMPARE(polled(QString()), over);
+    }
+
+    void noSecretStandsForAnother()
+    {
+        QVERIFY(begin());
+        const QString page = lastSegment(m_page);
+        const QString picture = lastSegment(pictureAddress());
+        for (const QString &wrong : {page, picture})
+            QCOMPARE(polled(wrong), over);
+        for (const QString &wrong : {businessCode(), picture})
+            QCOMPARE(m_steps->client()
+                         .postTo(SignInSteps::address(QStringLiteral("/signin/") + wrong))
+                         .status,
+                     404);
+        for (const QString &wrong : {businessCode(), page})
+            QCOMPARE(
+                m_steps->client()
+                    .get(SignInSteps::address(QStringLiteral("/signin-picture/%1.png").arg(wrong)))
+                    .status,
+                404);
+        QCOMPARE(polled(), waiting);
+    }
+
+    void aRestartEndsWhatWasWaiting()
+    {
+        QVERIFY(begin());
+        const QString page = m_page;
+        const QString code = businessCode();
+        QCOMPARE(m_service->stop(SIGTERM), 0);
+        QVERIFY(begin());
+        QCOMPARE(m_steps->client().postTo(page).status, 404);
+        QCOMPARE(polled(code), over);
+    }
+
+    void aHundredCodesMayWait()
+    {
+        QVERIFY(begin());
+        for (int i = 1; i < 100; ++i)
+            QVERIFY(m_steps->beginQr().isSuccess());
+        QCOMPARE(m_steps->beginQr().code(), 429);
+        m_steps->client().postTo(m_page);
+        QCOMPARE(m_steps->beginQr().code(), 429); // nobody has heard of the confirmation yet
+        QCOMPARE(polled(), confirmed);
+        QCOMPARE(m_steps->beginQr().code(), 0);
+    }
+
+    void thePageSaysWhatItIsFor()
+    {
+        QVERIFY(begin());
+        const auto page = m_steps->client().get(m_page);
+        const QString expires =
+            QDateTime::fromSecsSinceEpoch(
+                static_cast<qint64>(m_data.value(QLatin1String("expire_time")).toDouble()))
+                .toString(QStringLiteral("HH:mm:ss"));
+        QCOMPARE(page.header("Content-Type"), QByteArray("text/html;charset=utf-8"));
+        for (const QByteArray &part :
+             {QByteArray("<html lang=\"en\">"), QByteArray("<title>Sign in?</title>"),
+              QByteArray("<meta name=\"viewport\" content=\"width=device-width"),
+              QByteArray("<strong>Local user</strong>"),
+              QByteArray("<button type=\"submit\">Sign in</button>"),
+              QByteArray(">" + expires.toUtf8() + "</time>")})
+            QVERIFY2(page.body.contains(part), part.constData());
+        QCOMPARE(page.body.count("<h1>"), 1);
+        QCOMPARE(page.body.count("<button"), 1);
+    }
+
+    void thePageLoadsAndSendsNothingElsewhere()
+    {
+        QVERIFY(begin());
+        const auto page = m_steps->client().get(m_page);
+        for (const char *part : {"<script", "src=", "href=", "url(", "@import", "http", "action="})
+            QVERIFY2(!page.body.contains(part), part);
+    }
+
+    void everyPageIsGuardedByItsHeaders()
+    {
+        QVERIFY(begin());
+        const auto question = m_steps->client().get(m_page);
+        const auto done = m_steps->client().postTo(m_page);
+        const auto used = m_steps->client().get(m_page);
+        for (const auto &page : {question, done, used}) {
+            QCOMPARE(page.header("Content-Security-Policy"),
+                     "default-src 'none'; style-src '" + styleDigest(page.body)
+                         + "'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
+            QCOMPARE(page.header("Referrer-Policy"), QByteArray("no-referrer"));
+            QCOMPARE(page.header("Cache-Control"), QByteArray("no-store"));
+            QCOMPARE(page.header("X-Content-Type-Options"), QByteArray("nosniff"));
+        }
+    }
+
+    void theLogTellsNoSecret()
+    {
+        QVERIFY(begin());
+        m_steps->client().get(pictureAddress());
+        m_steps->client().get(m_page);
+        m_steps->client().get(
+            QString(m_page).replace(QLatin1String("/signin/"), QLatin1String("//signin//")));
+        polled();
+        // The first asked for the code.
+        QTRY_COMPARE(m_service->log().count('\n'), 5);
+        const QByteArray log = m_service->log();
+        const QStringList all = secrets();
+        for (const QString &secret : all)
+            QVERIFY2(!log.contains(secret.toUtf8()), log.constData());
+    }
+
+private:
+    bool begin(const QStringList &options = {})
+    {
+        if (!m_service->startWithoutDevelopmentToken(options))
+            return false;
+        m_steps.reset(new SignInSteps(m_service.data()));
+        return askAgain();
+    }
+
+    bool askAgain()
+    {
+        const auto reply = m_steps->beginQr();
+        m_data = reply.data();
+        m_page = m_steps->takePage();
+        return reply.isSuccess() && !m_page.isEmpty();
+    }
+
+    QString businessCode() const { return m_data.value(QLatin1String("business_code")).toString(); }
+
+    QString pictureAddress() const { return m_data.value(QLatin1String("url")).toString(); }
+
+    QStringList secrets() const
+    {
+        return {businessCode(), lastSegment(pictureAddress()), lastSegment(m_page)};
+    }
+
+    int polled(const QString &code)
+    {
+        return m_steps->pollQr(code).data().value(QLatin1String("status")).toInt(-1);
+    }
+
+    int polled() { return polled(businessCode()); }
+
+    // Who was signed in, to be asked for once.
+    QJsonObject collected()
+    {
+        return m_steps->pollQr(businessCode()).data().value(QLatin1String("user_info")).toObject();
+    }
+
+    // As a policy names the style that stands in a page.
+    static QByteArray styleDigest(const QByteArray &page)
+    {
+        const int begin = page.indexOf("<style>") + int(qstrlen("<style>"));
+        const QByteArray style = page.mid(begin, page.indexOf("</style>") - begin);
+        return "sha256-" + QCryptographicHash::hash(style, QCryptographicHash::Sha256).toBase64();
+    }
+
+    QScopedPointer<LocalService> m_service;
+    QScopedPointer<SignInSteps> m_steps;
+    QJsonObject m_data;
+    QString m_page;
+};
+
+QTEST_GUILESS_MAIN(TestServiceQr)
+#include "tst_serviceqr.moc"
