@@ -1,18 +1,19 @@
 #!/usr/bin/env bash
-# Shows the whole way on this machine: builds vospeak and the local service, speaks a sentence,
-# recognises it again, at once and as tasks, and compares. Keeps the audio in demo-output/.
-# For a fresh Debian 12, as root or with sudo.
+# Shows the whole way on this machine: builds vospeak and the local service, signs in, lists what
+# there is, speaks a sentence, recognises it again, at once and as tasks, and compares. Keeps the
+# audio in demo-output/. For a fresh Debian 12, as root or with sudo.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "$(dirname "$0")/.."
 
 sentence="Go forward ten meters."
+phone=+447700900123 # from a range that is nobody's
 build=build/gcc
 vospeak=$build/examples/cli/vospeak
 localservice=$build/localservice/vo-localservice
 output=demo-output
-token=$((RANDOM * 32768 + RANDOM))
 work=$(mktemp -d)
+export XDG_CONFIG_HOME=$work/config # a session of the user's own stays as it is
 service_pid=
 
 finish() {
@@ -39,14 +40,17 @@ step() { # TEXT COMMAND...
     local text=$1 begin=${EPOCHREALTIME//./} took
     shift
     printf '  %-60s' "$text"
-    if ! "$@" >"$work/log" 2>&1; then
+    if ! "$@" >"$work/out" 2>"$work/log"; then
         printf '  failed\n'
-        cat "$work/log" >&2
+        cat "$work/out" "$work/log" >&2
         exit 1
     fi
     took=$(((${EPOCHREALTIME//./} - begin) / 10000))
     printf '%5d.%02d s\n' $((took / 100)) $((took % 100))
 }
+
+# Shows what the last step printed for its reader.
+show_last() { sed 's/^/      /' "$work/out"; }
 
 configure() { cmake --preset gcc; }
 
@@ -62,7 +66,7 @@ is_taken() { # PORT
 start_service() {
     local line
     # Its descriptors are copied: bash closes its own as soon as the service ends.
-    coproc "$localservice" --port "$port" --data "$work/data" --token "$token" 2>"$work/service.log"
+    coproc "$localservice" --port "$port" --data "$work/data" 2>"$work/service.log"
     service_pid=$!
     exec {service_out}<&"${COPROC[0]}"
     if ! read -r -t 60 line <&"$service_out"; then
@@ -72,12 +76,33 @@ start_service() {
     authority=${line##*, authority }
 }
 
+# What the service would send to the phone is in a line that it prints.
+code_from_service() {
+    local line
+    while read -r -t 60 line <&"$service_out"; do
+        if [[ $line == *": SMS to $phone: "* ]]; then
+            line=${line##*"$phone: "}
+            echo "${line%% *}"
+            return
+        fi
+    done
+    echo "the service sent no code" >&2
+    return 1
+}
+
+# The service sends the code while vospeak waits for it to be entered.
+sign_in() { code_from_service | "$vospeak" login --sms "$phone" --ca "$authority"; }
+
+list() { # COMMAND
+    "$vospeak" "$1" --ca "$authority"
+}
+
 say() { # FILE [OPTION]
-    "$vospeak" say "$sentence" -o "$1" --ca "$authority" --token "$token" "${@:2}"
+    "$vospeak" say "$sentence" -o "$1" --ca "$authority" "${@:2}"
 }
 
 hear() { # FILE [OPTION]
-    "$vospeak" recognize "$1" --ca "$authority" --token "$token" "${@:2}" >"$work/text"
+    "$vospeak" recognize "$1" --ca "$authority" "${@:2}" >"$work/text"
 }
 
 # Case and punctuation cannot be heard.
@@ -113,6 +138,16 @@ port=${BASH_REMATCH[1]}
 echo "Starting"
 step "start the local service at $address" start_service
 mkdir -p "$output"
+
+echo "Signing in"
+step "ask for a code, enter it" sign_in
+show_last
+
+echo "What there is"
+for command in voices music update; do
+    step "$command" list "$command"
+    show_last
+done
 
 echo "At once"
 step "speak" say "$output/short.wav"

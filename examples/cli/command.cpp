@@ -1,20 +1,42 @@
 #include "command.h"
 
+#include "cataloguecommands.h"
+#include "console.h"
 #include "options.h"
+#include "progress.h"
+#include "qrsignin.h"
 #include "recognitioncommands.h"
+#include "signout.h"
+#include "smssignin.h"
 #include "speechcommands.h"
 
-std::unique_ptr<Command> Command::make(const Options &options, VoNetworkIntf *service,
-                                       Progress *progress)
+#include <QJsonDocument>
+
+std::unique_ptr<Command> Command::make(const Options &options, const Tools &tools)
 {
-    if (options.action == Options::Action::Say) {
+    switch (options.action) {
+    case Options::Action::Say:
         if (options.longForm)
-            return std::make_unique<LongSpeech>(options, service, progress);
-        return std::make_unique<ShortSpeech>(options, service);
+            return std::make_unique<LongSpeech>(options, tools);
+        return std::make_unique<ShortSpeech>(options, tools);
+    case Options::Action::Recognize:
+        if (options.longForm)
+            return std::make_unique<LongRecognition>(options, tools);
+        return std::make_unique<ShortRecognition>(options, tools);
+    case Options::Action::Voices:
+        return std::make_unique<VoiceList>(options, tools);
+    case Options::Action::Music:
+        return std::make_unique<MusicList>(options, tools);
+    case Options::Action::Update:
+        return std::make_unique<UpdateCheck>(options, tools);
+    case Options::Action::Login:
+        if (options.phone.isEmpty())
+            return std::make_unique<QrSignIn>(options, tools);
+        return std::make_unique<SmsSignIn>(options, tools);
+    case Options::Action::Logout:
+        return std::make_unique<SignOut>(options, tools);
     }
-    if (options.longForm)
-        return std::make_unique<LongRecognition>(options, service, progress);
-    return std::make_unique<ShortRecognition>(options, service, progress);
+    Q_UNREACHABLE();
 }
 
 QString Command::refusedByService()
@@ -23,6 +45,26 @@ QString Command::refusedByService()
         "the service refused or could not be reached (run with --verbose to see why)");
 }
 
-Command::Command() = default;
+Command::Command(const Options &options, const Tools &tools)
+    : m_tools(tools)
+    , m_json(options.json)
+{
+}
 
 Command::~Command() = default;
+
+VoNetworkIntf *Command::service() const { return m_tools.service; }
+
+TokenKeeper *Command::tokens() const { return m_tools.tokens; }
+
+Progress *Command::progress() const { return m_tools.progress; }
+
+void Command::finish(const QString &text, const QJsonObject &document)
+{
+    m_tools.progress->clear(); // the terminal may be the same
+    const QByteArray json = QJsonDocument(document).toJson(QJsonDocument::Compact);
+    if (Console::print(m_json ? QString::fromUtf8(json) + QLatin1Char('\n') : text))
+        Q_EMIT succeeded();
+    else
+        Q_EMIT failed(QStringLiteral("the result could not be written to standard output"));
+}

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "network/vonetworkintf.h"
+#include "tools.h"
+
+#include <QJsonObject>
 #include <QObject>
 #include <QString>
 
 #include <memory>
 
-class Progress;
-class VoNetworkIntf;
 struct Options;
 
 /// One thing that the user can ask for. Driven by the service's signals, it needs an event loop.
@@ -16,17 +18,16 @@ class Command : public QObject
     Q_DISABLE_COPY(Command)
 
 public:
-    /// The command that @p options ask for. The service and the progress line must outlive it.
-    static std::unique_ptr<Command> make(const Options &options, VoNetworkIntf *service,
-                                         Progress *progress);
+    /// The command that @p options ask for.
+    static std::unique_ptr<Command> make(const Options &options, const Tools &tools);
 
     /// What can be said when the service object reports a failure: it gives no reason.
     static QString refusedByService();
 
-    Command();
+    Command(const Options &options, const Tools &tools);
     ~Command() override;
 
-    /// To be called once; answered by succeeded() or failed().
+    /// To be called once, in an event loop; answered by succeeded() or failed().
     virtual void start() = 0;
 
 Q_SIGNALS:
@@ -34,4 +35,16 @@ Q_SIGNALS:
 
     /// The line is for the user.
     void failed(const QString &problem);
+
+protected:
+    VoNetworkIntf *service() const;
+    TokenKeeper *tokens() const;
+    Progress *progress() const;
+
+    /// Prints the result, which is @p text or, for a user who wants JSON, @p document.
+    void finish(const QString &text, const QJsonObject &document);
+
+private:
+    Tools m_tools;
+    bool m_json;
 };

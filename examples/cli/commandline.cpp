@@ -2,26 +2,115 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
+
+using Action = Options::Action;
 
 const QLatin1String voiceName("voice");
 const QLatin1String rateName("rate");
 const QLatin1String longName("long");
 const QLatin1String anonymousName("anonymous");
 const QLatin1String outputName("output");
+const QLatin1String qrName("qr");
+const QLatin1String smsName("sms");
+const QLatin1String jsonName("json");
 const QLatin1String authorityName("ca");
 const QLatin1String tokenName("token");
 const QLatin1String verboseName("verbose");
 const QLatin1String helpName("help");
 const QLatin1String versionName("version");
 
+const struct CommandWord
+{
+    QLatin1String name;
+    Action action = Action::Say;
+    const char *subject = nullptr; // what follows the command; null: nothing does
+} commandWords[] = {
+    {QLatin1String("say"), Action::Say, "a text"},
+    {QLatin1String("recognize"), Action::Recognize, "a recording"},
+    {QLatin1String("voices"), Action::Voices, nullptr},
+    {QLatin1String("music"), Action::Music, nullptr},
+    {QLatin1String("update"), Action::Update, nullptr},
+    {QLatin1String("login"), Action::Login, nullptr},
+    {QLatin1String("logout"), Action::Logout, nullptr},
+};
+
+const Options::Actions speech = Action::Say | Action::Recognize;
+const Options::Actions catalogue = Action::Voices | Action::Music | Action::Update;
+const Options::Actions withResult = speech | catalogue | Action::Login;
+const Options::Actions every = withResult | Action::Logout;
+
+const struct OptionWord
+{
+    QLatin1String name;
+    const char *letter = nullptr; // null: the name is the only way to write it
+    const char *value = nullptr;  // null: it takes none
+    Options::Actions goesWith;
+    const char *meaning = nullptr;
+} optionWords[] = {
+    {helpName, "h", nullptr, every, "Prints this help."},
+    {versionName, "v", nullptr, every, "Prints the version."},
+    {outputName, "o", "file", Action::Say, "say: the file that gets the audio."},
+    {voiceName, nullptr, "voice", Action::Say, "say: the voice; rms by default."},
+    {rateName, nullptr, "hz", Action::Say, "say: samples per second; 16000 by default."},
+    {anonymousName, nullptr, nullptr, Action::Say, "say: without signing in."},
+    {longName, nullptr, nullptr, speech, "For long texts and recordings: waits for a task."},
+    {tokenName, nullptr, "number", speech, "Used in place of the session's token."},
+    {qrName, nullptr, nullptr, Action::Login, "login: shows a code to scan with a phone."},
+    {smsName, nullptr, "number", Action::Login, "login: sends a code to this phone."},
+    {jsonName, nullptr, nullptr, withResult, "Prints the result as one JSON document."},
+    {authorityName, nullptr, "file", every, "Trusts the certificates in this PEM file as well."},
+    {verboseName, nullptr, nullptr, every,
+     "Shows what the library logs, texts, phone numbers and tokens included."},
+};
+
+const QLatin1String defaultVoice("rms");
+constexpr qint32 defaultRate = 16000;
+
 const QLatin1String description(
     "Speaks and recognises by way of the speech service.\n\n"
+    "  vospeak login --qr | --sms NUMBER\n"
+    "  vospeak logout\n"
     "  vospeak say \"TEXT\" -o FILE.wav [--voice VOICE] [--rate HZ] [--long | --anonymous]\n"
-    "  vospeak recognize FILE.wav|ADDRESS [--long]\n\n"
-    "The text of a recording goes to standard output, everything else to standard error.\n"
-    "An ADDRESS begins with https:// and must be one that the service can read.\n"
+    "  vospeak recognize FILE.wav|ADDRESS [--long]\n"
+    "  vospeak voices | music | update\n\n"
+    "Results go to standard output, everything else to standard error. An ADDRESS begins\n"
+    "with https:// and must be one that the service can read.\n\n"
+    "login keeps a session, in session.json of the user's configuration folder and readable\n"
+    "by the user only; say and recognize use it and renew its token. logout removes it. With\n"
+    "--sms the code that the phone received is read from standard input. With --qr the code\n"
+    "is drawn on standard error, black on white on a terminal; elsewhere it has no colours and\n"
+    "can be scanned where the background is light. The path of its picture is shown too.\n\n"
+    "With --json standard output gets one object, in UTF-8 and ended by a line feed:\n"
+    "  say        file, bytes\n"
+    "  recognize  text\n"
+    "  voices     voices: [name, voice, type, category, scene, avatar, sampleUrl,\n"
+    "             shortSynthesis, longSynthesis]\n"
+    "  music      music: [name, url]\n"
+    "  update     status (0 newest, 1 newer there, 2 newer needed), currentVersion, version,\n"
+    "             changes: [line], url\n"
+    "  login      userId, nickname, pictureUrl, tokenExpires, sessionExpires\n\n"
     "Exit status: 0 done, 1 refused or failed, 2 wrong use, 130 or 143 interrupted.");
+
+QCommandLineOption parserOption(const OptionWord &word)
+{
+    QStringList names{word.name};
+    if (word.letter)
+        names.prepend(QLatin1String(word.letter));
+    return {names, QLatin1String(word.meaning), QLatin1String(word.value)};
+}
+
+QString commandNames()
+{
+    QStringList names;
+    for (const CommandWord &word : commandWords)
+        names.append(word.name);
+    const QString last = names.takeLast();
+    return QStringLiteral("%1 and %2").arg(names.join(QLatin1String(", ")), last);
+}
 
 } // namespace
 
@@ -40,118 +129,128 @@ const Options &CommandLine::options() const { return m_options; }
 void CommandLine::declare()
 {
     m_parser.setApplicationDescription(description);
-    m_parser.addOptions({
-        {{QStringLiteral("h"), helpName}, QStringLiteral("Prints this help.")},
-        {{QStringLiteral("v"), versionName}, QStringLiteral("Prints the version.")},
-        {{QStringLiteral("o"), outputName},
-         QStringLiteral("say: the file that gets the audio."),
-         QStringLiteral("file")},
-        {voiceName, QStringLiteral("say: the voice; rms by default."), QStringLiteral("voice"),
-         QStringLiteral("rms")},
-        {rateName, QStringLiteral("say: samples per second; 16000 by default."),
-         QStringLiteral("hz"), QStringLiteral("16000")},
-        {anonymousName, QStringLiteral("say: without signing in.")},
-        {longName, QStringLiteral("For long texts and recordings: waits for a task.")},
-        {tokenName, QStringLiteral("The number that signing in gave."), QStringLiteral("number")},
-        {authorityName, QStringLiteral("Trusts the certificates in this PEM file as well."),
-         QStringLiteral("file")},
-        {verboseName, QStringLiteral("Shows what the library logs.")},
-    });
-    m_parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("say or recognize."));
+    for (const OptionWord &word : optionWords)
+        m_parser.addOption(parserOption(word));
+    m_parser.addPositionalArgument(QStringLiteral("command"),
+                                   QStringLiteral("One of %1.").arg(commandNames()));
     m_parser.addPositionalArgument(QStringLiteral("subject"),
-                                   QStringLiteral("The text, or the recording."));
+                                   QStringLiteral("The text, or the recording."),
+                                   QStringLiteral("[subject]"));
 }
 
 void CommandLine::read(const QStringList &arguments)
 {
     if (!m_parser.parse(arguments)) {
         complain(m_parser.errorText());
-        return;
-    }
-    if (m_parser.isSet(helpName)) {
+    } else if (m_parser.isSet(helpName)) {
         m_information = m_parser.helpText();
     } else if (m_parser.isSet(versionName)) {
         m_information = QStringLiteral("%1 %2\n").arg(QCoreApplication::applicationName(),
                                                       QCoreApplication::applicationVersion());
-    } else {
+    } else if (readCommand()) {
         m_options.longForm = m_parser.isSet(longName);
         m_options.anonymous = m_parser.isSet(anonymousName);
+        m_options.json = m_parser.isSet(jsonName);
         m_options.verbose = m_parser.isSet(verboseName);
         m_options.authority = m_parser.value(authorityName);
-        readAction();
+        refuseStrayOptions();
         readToken();
+        if (m_options.action == Action::Say)
+            readSpeech();
+        else if (m_options.action == Action::Login)
+            readLogin();
     }
 }
 
-void CommandLine::readAction()
+// Whether there is a command that the rest can be read for.
+bool CommandLine::readCommand()
 {
     const QStringList words = m_parser.positionalArguments();
-    const QString action = words.value(0);
+    const auto *command =
+        std::find_if(std::begin(commandWords), std::end(commandWords),
+                     [&](const CommandWord &word) { return word.name == words.value(0); });
     if (words.isEmpty())
-        complain(QStringLiteral("no command; there are say and recognize"));
-    else if (action != QLatin1String("say") && action != QLatin1String("recognize"))
-        complain(QStringLiteral("unknown command \"%1\"; there are say and recognize").arg(action));
-    else if (words.size() < 2)
-        complain(QStringLiteral("%1 needs a text or a recording").arg(action));
-    else if (words.size() > 2)
-        complain(
-            QStringLiteral("%1 takes one argument; put a text in quotation marks").arg(action));
-    else if (action == QLatin1String("say"))
-        readSpeech();
-    else
-        readRecording();
+        complain(QStringLiteral("no command; there are %1").arg(commandNames()));
+    else if (command == std::end(commandWords))
+        complain(QStringLiteral("unknown command \"%1\"; there are %2")
+                     .arg(words.at(0), commandNames()));
+    else if (!command->subject && words.size() > 1)
+        complain(QStringLiteral("%1 takes no argument").arg(words.at(0)));
+    else if (command->subject && words.size() < 2)
+        complain(QStringLiteral("%1 needs %2").arg(words.at(0), QLatin1String(command->subject)));
+    else if (command->subject && words.size() > 2)
+        complain(QStringLiteral("%1 takes one argument; put a text in quotation marks")
+                     .arg(words.at(0)));
+    if (!m_problem.isEmpty())
+        return false;
+    m_options.action = command->action;
+    readSubject(words.value(1));
+    return true;
+}
+
+void CommandLine::readSubject(const QString &subject)
+{
+    if (m_options.action == Action::Say) {
+        m_options.text = subject;
+        if (subject.trimmed().isEmpty())
+            complain(QStringLiteral("there is nothing to say in the text"));
+    } else if (m_options.action == Action::Recognize) {
+        m_options.recording = subject;
+        if (subject.isEmpty())
+            complain(QStringLiteral("recognize needs a recording"));
+    }
+}
+
+void CommandLine::refuseStrayOptions()
+{
+    for (const OptionWord &word : optionWords) {
+        if (m_parser.isSet(word.name) && !word.goesWith.testFlag(m_options.action))
+            complain(QStringLiteral("--%1 does not go with %2")
+                         .arg(word.name, m_parser.positionalArguments().at(0)));
+    }
 }
 
 void CommandLine::readSpeech()
 {
-    m_options.action = Options::Action::Say;
-    m_options.text = m_parser.positionalArguments().at(1);
-    m_options.voice = m_parser.value(voiceName);
+    m_options.voice = m_parser.isSet(voiceName) ? m_parser.value(voiceName) : defaultVoice;
     m_options.output = m_parser.value(outputName);
     readSampleRate();
-    if (m_options.text.trimmed().isEmpty())
-        complain(QStringLiteral("there is nothing to say in the text"));
     if (m_options.output.isEmpty())
         complain(QStringLiteral("say needs a file for the audio (-o FILE.wav)"));
     if (m_options.longForm && m_options.anonymous)
         complain(QStringLiteral("--long needs a token and does not go with --anonymous"));
 }
 
-void CommandLine::readRecording()
+void CommandLine::readLogin()
 {
-    m_options.action = Options::Action::Recognize;
-    m_options.recording = m_parser.positionalArguments().at(1);
-    refuse({outputName, voiceName, rateName, anonymousName});
-    if (m_options.recording.isEmpty())
-        complain(QStringLiteral("recognize needs a recording"));
+    m_options.phone = m_parser.value(smsName).trimmed();
+    if (m_parser.isSet(qrName) == m_parser.isSet(smsName))
+        complain(QStringLiteral("login needs either --qr or --sms NUMBER"));
+    if (m_parser.isSet(smsName) && m_options.phone.isEmpty())
+        complain(QStringLiteral("--sms needs the number of a phone"));
 }
 
 void CommandLine::readToken()
 {
-    const QString token = m_parser.value(tokenName);
+    if (!m_parser.isSet(tokenName))
+        return;
     bool isNumber = false;
-    m_options.token = token.toLongLong(&isNumber);
-    if (m_parser.isSet(tokenName) && !isNumber)
-        complain(QStringLiteral("the token \"%1\" is no 64-bit number").arg(token));
-    else if (!m_parser.isSet(tokenName) && !m_options.anonymous)
-        complain(QStringLiteral("--token is missing"));
+    m_options.token = m_parser.value(tokenName).toLongLong(&isNumber);
+    if (!isNumber)
+        complain(
+            QStringLiteral("the token \"%1\" is no 64-bit number").arg(m_parser.value(tokenName)));
 }
 
 void CommandLine::readSampleRate()
 {
-    const QString rate = m_parser.value(rateName);
+    m_options.sampleRate = defaultRate;
+    if (!m_parser.isSet(rateName))
+        return;
     bool isNumber = false;
-    m_options.sampleRate = rate.toInt(&isNumber);
+    m_options.sampleRate = m_parser.value(rateName).toInt(&isNumber);
     if (!isNumber || m_options.sampleRate <= 0)
-        complain(QStringLiteral("the rate \"%1\" is no positive number").arg(rate));
-}
-
-void CommandLine::refuse(const QStringList &names)
-{
-    for (const QString &name : names) {
-        if (m_parser.isSet(name))
-            complain(QStringLiteral("--%1 does not go with recognize").arg(name));
-    }
+        complain(
+            QStringLiteral("the rate \"%1\" is no positive number").arg(m_parser.value(rateName)));
 }
 
 // The first problem is the one that is told.

@@ -23,12 +23,13 @@ public:
 private:
     void declare();
     void read(const QStringList &arguments);
-    void readAction();
+    bool readCommand();
+    void readSubject(const QString &subject);
+    void refuseStrayOptions();
     void readSpeech();
-    void readRecording();
+    void readLogin();
     void readToken();
     void readSampleRate();
-    void refuse(const QStringList &names);
     void complain(const QString &problem);
 
     QCommandLineParser m_parser;

@@ -1,5 +1,7 @@
 #include "console.h"
 
+#include "terminal.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QtGlobal>
@@ -16,29 +18,38 @@ void passOnWarnings(QtMsgType type, const QMessageLogContext &context, const QSt
         defaultHandler(type, context, message);
 }
 
-// A line stays one line whatever the names in it consist of.
-QString onOneLine(QString text)
+bool write(const QString &text, std::FILE *stream)
 {
-    for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control)
-            character = QLatin1Char(' ');
-    }
-    return text.trimmed();
+    const QByteArray bytes = text.toUtf8();
+    const size_t size = static_cast<size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
 }
 
 } // namespace
 
-bool Console::print(const QString &text)
+bool Console::print(const QString &text) { return write(text, stdout); }
+
+void Console::show(const QString &text) { write(text, stderr); }
+
+// The line break that a user types ends the line; elsewhere nobody types.
+void Console::ask(const QString &question)
 {
-    const QByteArray bytes = text.toUtf8();
-    const size_t size = static_cast<size_t>(bytes.size());
-    return std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0;
+    show(question + (Terminal::is(stdin) ? QStringLiteral(" ") : QStringLiteral("\n")));
 }
 
 void Console::complain(const QString &problem)
 {
     const QByteArray line = onOneLine(problem).toLocal8Bit();
     std::fprintf(stderr, "vospeak: %s\n", line.constData());
+}
+
+QString Console::onOneLine(QString text)
+{
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control)
+            character = QLatin1Char(' ');
+    }
+    return text.trimmed();
 }
 
 void Console::setUpLog(bool verbose)

@@ -2,15 +2,24 @@
 
 class QString;
 
-/// The two streams that the user sees.
+/// The streams between the program and its user.
 namespace Console {
 
 /// Writes @p text to standard output, in UTF-8 whatever the locale is: it may well be kept in a
 /// file. False when it did not get there.
 bool print(const QString &text);
 
+/// Writes @p text to standard error, in UTF-8 as well.
+void show(const QString &text);
+
+/// Asks the user for a line: writes @p question to standard error.
+void ask(const QString &question);
+
 /// Writes one line to standard error.
 void complain(const QString &problem);
+
+/// @p text without anything that moves the cursor, whatever it consists of.
+QString onOneLine(QString text);
 
 /// Keeps the log away from standard error except for warnings and worse; with @p verbose all of it
 /// goes there.

@@ -9,6 +9,7 @@
 #include "network/vonetworkintf.h"
 #include "outputfile.h"
 #include "progress.h"
+#include "tokenkeeper.h"
 #include "trust.h"
 
 #include <QCoreApplication>
@@ -23,15 +24,15 @@ QString fileProblem(const Options &options)
 {
     if (options.action == Options::Action::Say)
         return OutputFile(options.output).problem();
-    if (InputFile::isAddress(options.recording))
-        return {};
-    return InputFile::problem(options.recording);
+    if (options.action == Options::Action::Recognize && !InputFile::isAddress(options.recording))
+        return InputFile::problem(options.recording);
+    return {};
 }
 
-int refuse(const QString &problem)
+int refuse(const QString &problem, ExitStatus status)
 {
     Console::complain(problem);
-    return WrongUse;
+    return status;
 }
 
 int carryOut(const Options &options)
@@ -43,8 +44,10 @@ int carryOut(const Options &options)
 
     // While verbose, the log would run into the progress line.
     Progress progress(!options.verbose);
-    const std::unique_ptr<Command> command = Command::make(options, service, &progress);
+    TokenKeeper tokens(options, service);
+    const std::unique_ptr<Command> command = Command::make(options, {service, &tokens, &progress});
     Ending ending;
+    QObject::connect(&tokens, &TokenKeeper::refused, &ending, &Ending::fail);
     QObject::connect(command.get(), &Command::succeeded, &ending, [&] { ending.end(Success); });
     QObject::connect(command.get(), &Command::failed, &ending, &Ending::fail);
     const Interrupt interrupt;
@@ -68,18 +71,21 @@ int main(int argc, char *argv[])
 
     const CommandLine commandLine(QCoreApplication::arguments());
     if (!commandLine.problem().isEmpty())
-        return refuse(commandLine.problem());
+        return refuse(commandLine.problem(), WrongUse);
     if (!commandLine.information().isEmpty())
         return Console::print(commandLine.information()) ? Success : Failure;
 
     const Options &options = commandLine.options();
     Console::setUpLog(options.verbose);
     if (const QString problem = fileProblem(options); !problem.isEmpty())
-        return refuse(problem);
+        return refuse(problem, WrongUse);
     if (!options.authority.isEmpty()) {
         if (const QString problem = Trust::add(options.authority); !problem.isEmpty())
-            return refuse(problem);
+            return refuse(problem, WrongUse);
     }
+
+    if (const QString problem = TokenKeeper::problem(options); !problem.isEmpty())
+        return refuse(problem, Failure);
 
     const int status = carryOut(options);
     // A name lookup cannot be cancelled, and the application's destructor would wait for it.

@@ -1,21 +1,37 @@
 #pragma once
 
+#include <QFlags>
 #include <QString>
+
+#include <optional>
 
 /// What the user asks for.
 struct Options
 {
-    enum class Action { Say, Recognize };
+    enum class Action {
+        Say = 1 << 0,
+        Recognize = 1 << 1,
+        Voices = 1 << 2,
+        Music = 1 << 3,
+        Update = 1 << 4,
+        Login = 1 << 5,
+        Logout = 1 << 6,
+    };
+    Q_DECLARE_FLAGS(Actions, Action)
 
     Action action = Action::Say;
     QString text;      ///< To be said.
     QString recording; ///< To be recognised: a file or an address.
     QString output;    ///< The file that gets the audio.
     QString voice;
+    QString phone;     ///< Gets the sign-in code; empty: sign in by scanning a code.
     QString authority; ///< Certificate file; empty: the system's authorities only.
     qint32 sampleRate = 0;
-    qint64 token = 0;
-    bool longForm = false; ///< As a task that is asked after, not in one reply.
+    std::optional<qint64> token; ///< None: the session's.
+    bool longForm = false;       ///< As a task that is asked after, not in one reply.
     bool anonymous = false;
+    bool json = false; ///< The result is printed as JSON, not as text.
     bool verbose = false;
 };
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(Options::Actions)

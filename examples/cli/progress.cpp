@@ -1,30 +1,13 @@
 #include "progress.h"
 
+#include "terminal.h"
+
 #include <QByteArray>
 
 #include <cstdio>
 
-#ifdef Q_OS_WIN
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
-namespace {
-
-bool isTerminal(std::FILE *stream)
-{
-#ifdef Q_OS_WIN
-    return _isatty(_fileno(stream)) != 0;
-#else
-    return isatty(fileno(stream)) != 0;
-#endif
-}
-
-} // namespace
-
 Progress::Progress(bool enabled)
-    : m_enabled(enabled && isTerminal(stderr))
+    : m_enabled(enabled && Terminal::is(stderr))
 {
 }
 

@@ -1,6 +1,7 @@
 #include "recognitioncommands.h"
 
 #include "progress.h"
+#include "tokenkeeper.h"
 
 namespace {
 
@@ -8,38 +9,39 @@ const QLatin1String pageFeature("vospeak");
 
 } // namespace
 
-ShortRecognition::ShortRecognition(const Options &options, VoNetworkIntf *service,
-                                   Progress *progress)
-    : Recognition(options, service, progress)
+ShortRecognition::ShortRecognition(const Options &options, const Tools &tools)
+    : Recognition(options, tools)
 {
-    connect(service, &VoNetworkIntf::signalShortSTT, this, &ShortRecognition::onText);
+    connect(tools.service, &VoNetworkIntf::signalShortSTT, this, &ShortRecognition::onText);
 }
 
 void ShortRecognition::recognize(const QString &address)
 {
     progress()->show(QStringLiteral("recognising"));
-    service()->ShortSTT(address, token(), pageFeature);
+    tokens()->give(
+        [this, address](qint64 token) { service()->ShortSTT(address, token, pageFeature); });
 }
 
 void ShortRecognition::onText(SHORT_STT_STATUS status, const QString &text)
 {
     if (status == SHORT_STT_SUCCESS)
-        finish(text);
+        finishWith(text);
     else
         Q_EMIT failed(refusedByService());
 }
 
-LongRecognition::LongRecognition(const Options &options, VoNetworkIntf *service, Progress *progress)
-    : Recognition(options, service, progress)
+LongRecognition::LongRecognition(const Options &options, const Tools &tools)
+    : Recognition(options, tools)
 {
-    connect(service, &VoNetworkIntf::signalCreateSTTTask, this, &LongRecognition::onTask);
-    connect(service, &VoNetworkIntf::signalGetSTTResult, this, &LongRecognition::onStatus);
+    connect(tools.service, &VoNetworkIntf::signalCreateSTTTask, this, &LongRecognition::onTask);
+    connect(tools.service, &VoNetworkIntf::signalGetSTTResult, this, &LongRecognition::onStatus);
     connect(&m_poll, &Poll::due, this, &LongRecognition::ask);
 }
 
 void LongRecognition::recognize(const QString &address)
 {
-    service()->CreateSTTTask(address, token(), pageFeature);
+    tokens()->give(
+        [this, address](qint64 token) { service()->CreateSTTTask(address, token, pageFeature); });
 }
 
 void LongRecognition::onTask(STT_STATUS status, const QString &taskId)
@@ -53,7 +55,10 @@ void LongRecognition::onTask(STT_STATUS status, const QString &taskId)
     m_poll.next();
 }
 
-void LongRecognition::ask() { service()->GetSTTTaskResult(m_taskId, token()); }
+void LongRecognition::ask()
+{
+    tokens()->give([this](qint64 token) { service()->GetSTTTaskResult(m_taskId, token); });
+}
 
 void LongRecognition::onStatus(STT_STATUS status, const QString &, const QString &,
                                const QString &text)
@@ -64,7 +69,7 @@ void LongRecognition::onStatus(STT_STATUS status, const QString &, const QString
         m_poll.next();
         break;
     case STT_SUCCESS:
-        finish(text);
+        finishWith(text);
         break;
     case STT_FAILED:
         Q_EMIT failed(refusedByService());

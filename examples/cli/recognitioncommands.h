@@ -11,7 +11,7 @@ class ShortRecognition : public Recognition
     Q_DISABLE_COPY(ShortRecognition)
 
 public:
-    ShortRecognition(const Options &options, VoNetworkIntf *service, Progress *progress);
+    ShortRecognition(const Options &options, const Tools &tools);
 
 protected:
     void recognize(const QString &address) override;
@@ -27,7 +27,7 @@ class LongRecognition : public Recognition
     Q_DISABLE_COPY(LongRecognition)
 
 public:
-    LongRecognition(const Options &options, VoNetworkIntf *service, Progress *progress);
+    LongRecognition(const Options &options, const Tools &tools);
 
 protected:
     void recognize(const QString &address) override;

@@ -2,9 +2,11 @@
 
 #include "options.h"
 #include "progress.h"
+#include "tokenkeeper.h"
 #include "wavfile.h"
 
 #include <QByteArray>
+#include <QFileInfo>
 
 namespace {
 
@@ -29,17 +31,37 @@ QByteArray decoded(const QByteArray &base64)
 
 } // namespace
 
-ShortSpeech::ShortSpeech(const Options &options, VoNetworkIntf *service)
-    : m_service(service)
+Speech::Speech(const Options &options, const Tools &tools)
+    : Command(options, tools)
     , m_params(paramsFrom(options))
-    , m_anonymous(options.anonymous)
-    , m_token(options.token)
+    , m_path(options.output)
     , m_output(options.output)
 {
-    connect(service, &VoNetworkIntf::signalTTSRet, this, &ShortSpeech::onAudio);
 }
 
-void ShortSpeech::start() { m_service->TTS(&m_params, m_anonymous, m_token); }
+Speech::~Speech() = default;
+
+TTSParams *Speech::params() { return &m_params; }
+
+const OutputFile &Speech::output() const { return m_output; }
+
+void Speech::finishWithFile()
+{
+    finish({},
+           {{QStringLiteral("file"), m_path}, {QStringLiteral("bytes"), QFileInfo(m_path).size()}});
+}
+
+ShortSpeech::ShortSpeech(const Options &options, const Tools &tools)
+    : Speech(options, tools)
+    , m_anonymous(options.anonymous)
+{
+    connect(tools.service, &VoNetworkIntf::signalTTSRet, this, &ShortSpeech::onAudio);
+}
+
+void ShortSpeech::start()
+{
+    tokens()->give([this](qint64 token) { service()->TTS(params(), m_anonymous, token); });
+}
 
 void ShortSpeech::onAudio(TTS_STATUS status, const QString &audioBase64)
 {
@@ -50,25 +72,24 @@ void ShortSpeech::onAudio(TTS_STATUS status, const QString &audioBase64)
     const QByteArray audio = decoded(audioBase64.toLatin1());
     if (audio.isEmpty())
         Q_EMIT failed(QStringLiteral("the service sent no usable audio"));
-    else if (!m_output.write(audio))
+    else if (!output().write(audio))
         Q_EMIT failed(QStringLiteral("the audio could not be written"));
     else
-        Q_EMIT succeeded();
+        finishWithFile();
 }
 
-LongSpeech::LongSpeech(const Options &options, VoNetworkIntf *service, Progress *progress)
-    : m_service(service)
-    , m_progress(progress)
-    , m_params(paramsFrom(options))
-    , m_token(options.token)
-    , m_output(options.output)
+LongSpeech::LongSpeech(const Options &options, const Tools &tools)
+    : Speech(options, tools)
 {
-    connect(service, &VoNetworkIntf::signalLongTTSTask, this, &LongSpeech::onTask);
-    connect(service, &VoNetworkIntf::signalGetLongTTSResult, this, &LongSpeech::onStatus);
+    connect(tools.service, &VoNetworkIntf::signalLongTTSTask, this, &LongSpeech::onTask);
+    connect(tools.service, &VoNetworkIntf::signalGetLongTTSResult, this, &LongSpeech::onStatus);
     connect(&m_poll, &Poll::due, this, &LongSpeech::ask);
 }
 
-void LongSpeech::start() { m_service->LongTTSTask(&m_params, m_token); }
+void LongSpeech::start()
+{
+    tokens()->give([this](qint64 token) { service()->LongTTSTask(params(), token); });
+}
 
 void LongSpeech::onTask(LONG_TTS_STATUS status, const QString &taskId)
 {
@@ -77,22 +98,25 @@ void LongSpeech::onTask(LONG_TTS_STATUS status, const QString &taskId)
         return;
     }
     m_taskId = taskId;
-    m_progress->show(QStringLiteral("queued"));
+    progress()->show(QStringLiteral("queued"));
     m_poll.next();
 }
 
-void LongSpeech::ask() { m_service->LongTTSStatus(m_taskId, m_token); }
+void LongSpeech::ask()
+{
+    tokens()->give([this](qint64 token) { service()->LongTTSStatus(m_taskId, token); });
+}
 
 void LongSpeech::onStatus(LONG_TTS_STATUS status, const QString &, const QString &,
                           const QString &audioUrl)
 {
     switch (status) {
     case LONG_TTS_PROCESSING:
-        m_progress->show(QStringLiteral("queued or running, %1 s").arg(m_poll.seconds()));
+        progress()->show(QStringLiteral("queued or running, %1 s").arg(m_poll.seconds()));
         m_poll.next();
         break;
     case LONG_TTS_SUCCESS:
-        m_progress->show(QStringLiteral("fetching the audio"));
+        progress()->show(QStringLiteral("fetching the audio"));
         // From the event loop and not from inside the service's signal: fetching waits in a nested
         // loop, and the reply that this status came with should be over by then.
         QMetaObject::invokeMethod(
@@ -106,8 +130,8 @@ void LongSpeech::onStatus(LONG_TTS_STATUS status, const QString &, const QString
 
 void LongSpeech::fetch(const QString &address)
 {
-    if (m_output.take([this, &address](const QString &path) { return fetchInto(address, path); }))
-        Q_EMIT succeeded();
+    if (output().take([this, &address](const QString &path) { return fetchInto(address, path); }))
+        finishWithFile();
     else
         Q_EMIT failed(QStringLiteral("the audio could not be fetched or written "
                                      "(run with --verbose to see why)"));
@@ -116,5 +140,5 @@ void LongSpeech::fetch(const QString &address)
 // The service object does not notice when a disk fills up while it writes.
 bool LongSpeech::fetchInto(const QString &address, const QString &path)
 {
-    return m_service->DownloadLongTTSRet(address, path) && !WavFile::isCutShort(path);
+    return service()->DownloadLongTTSRet(address, path) && !WavFile::isCutShort(path);
 }

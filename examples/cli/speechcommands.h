@@ -5,35 +5,53 @@
 #include "outputfile.h"
 #include "poll.h"
 
+/// What short and long speech have in common: the audio goes into a file.
+class Speech : public Command
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(Speech)
+
+protected:
+    Speech(const Options &options, const Tools &tools);
+    ~Speech() override;
+
+    TTSParams *params();
+    const OutputFile &output() const;
+
+    /// The file is written.
+    void finishWithFile();
+
+private:
+    TTSParams m_params;
+    QString m_path;
+    OutputFile m_output;
+};
+
 /// Says a short text: the audio comes with the reply.
-class ShortSpeech : public Command
+class ShortSpeech : public Speech
 {
     Q_OBJECT
     Q_DISABLE_COPY(ShortSpeech)
 
 public:
-    ShortSpeech(const Options &options, VoNetworkIntf *service);
+    ShortSpeech(const Options &options, const Tools &tools);
 
     void start() override;
 
 private:
     void onAudio(TTS_STATUS status, const QString &audioBase64);
 
-    VoNetworkIntf *m_service;
-    TTSParams m_params;
     bool m_anonymous;
-    qint64 m_token;
-    OutputFile m_output;
 };
 
 /// Says a long text: a task whose audio is fetched when it is done.
-class LongSpeech : public Command
+class LongSpeech : public Speech
 {
     Q_OBJECT
     Q_DISABLE_COPY(LongSpeech)
 
 public:
-    LongSpeech(const Options &options, VoNetworkIntf *service, Progress *progress);
+    LongSpeech(const Options &options, const Tools &tools);
 
     void start() override;
 
@@ -45,11 +63,6 @@ private:
     void fetch(const QString &address);
     bool fetchInto(const QString &address, const QString &path);
 
-    VoNetworkIntf *m_service;
-    Progress *m_progress;
-    TTSParams m_params;
-    qint64 m_token;
-    OutputFile m_output;
     QString m_taskId;
     Poll m_poll;
 };

@@ -5,8 +5,9 @@
 
 #include <csignal>
 
-Program::Program(const QStringList &arguments)
+Program::Program(const QStringList &arguments, const QString &errFile)
 {
+    m_process.setStandardErrorFile(errFile);
     m_process.start(QStringLiteral(VOSPEAK), arguments);
     m_process.waitForStarted();
 }
@@ -27,14 +28,23 @@ Outcome Program::outcome(int timeoutMs)
         loop.exec();
     const bool ended =
         m_process.state() == QProcess::NotRunning && m_process.exitStatus() == QProcess::NormalExit;
-    return {ended ? m_process.exitCode() : -1, m_process.readAllStandardOutput(),
-            m_process.readAllStandardError()};
+    return {ended ? m_process.exitCode() : -1, m_process.readAllStandardOutput(), err()};
 }
 
 void Program::signal(int number) const
 {
     if (m_process.processId() > 0)
         ::kill(static_cast<pid_t>(m_process.processId()), number);
+}
+
+void Program::type(const QByteArray &text) { m_process.write(text); }
+
+void Program::endInput() { m_process.closeWriteChannel(); }
+
+QByteArray Program::err()
+{
+    m_err += m_process.readAllStandardError();
+    return m_err;
 }
 
 Outcome vospeak(const QStringList &arguments) { return Program(arguments).outcome(); }

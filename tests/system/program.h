@@ -19,8 +19,8 @@ class Program
     Q_DISABLE_COPY(Program)
 
 public:
-    /// Starts vospeak.
-    explicit Program(const QStringList &arguments);
+    /// Starts vospeak. Its standard error goes to the file @p errFile if one is given.
+    explicit Program(const QStringList &arguments, const QString &errFile = QString());
     ~Program();
 
     /// Waits in an event loop for the end.
@@ -28,8 +28,18 @@ public:
 
     void signal(int number) const;
 
+    /// Writes @p text to its standard input.
+    void type(const QByteArray &text);
+
+    /// Ends its standard input.
+    void endInput();
+
+    /// What it has written to standard error so far. Grows while an event loop runs.
+    QByteArray err();
+
 private:
     QProcess m_process;
+    QByteArray m_err;
 };
 
 /// Runs vospeak to its end.

@@ -1,5 +1,6 @@
 #include "tests/support/scriptedserver.h"
 #include "tests/system/answers.h"
+#include "tests/system/home.h"
 #include "tests/system/program.h"
 
 #include <QDir>
@@ -203,6 +204,7 @@ private:
 
     ScriptedServer m_server{Identity::Localhost};
     const QTemporaryDir m_folder;
+    const Home m_home;
 };
 
 QTEST_GUILESS_MAIN(TestBadService)

@@ -1,3 +1,4 @@
+#include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
 
@@ -31,6 +32,8 @@ private Q_SLOTS:
         outputRows();
         numberRows();
         recordingRows();
+        signInRows();
+        strayRows();
         authorityRows();
     }
     void wrongUseIsToldInOneLine()
@@ -80,6 +83,8 @@ private Q_SLOTS:
         QTest::newRow("recognize") << arguments("recognize some.wav --token 1");
         QTest::newRow("recognize long") << arguments("recognize some.wav --token 1 --long");
         QTest::newRow("recognize address") << arguments("recognize https://a/b.wav --token 1");
+        for (const char *command : {"voices", "music", "update", "login --qr"})
+            QTest::newRow(command) << arguments(command);
     }
     void aServiceThatIsNotRunningIsAFailure()
     {
@@ -107,6 +112,8 @@ private Q_SLOTS:
         QTest::newRow("--help") << arguments("--help") << QStringLiteral("recognize");
         QTest::newRow("-h") << arguments("-h") << QStringLiteral("--token");
         QTest::newRow("say --help") << arguments("say --help") << QStringLiteral("--voice");
+        for (const char *word : {"voices", "music", "update", "login", "logout", "--json", "--sms"})
+            QTest::addRow("%s in --help", word) << arguments("--help") << QString::fromLatin1(word);
         QTest::newRow("--version") << arguments("--version") << QStringLiteral("vospeak 1.");
     }
     void helpAndVersionGoToStandardOutput()
@@ -122,11 +129,15 @@ private Q_SLOTS:
     void theServiceRefusesWrongUseInOneLine_data()
     {
         QTest::addColumn<QStringList>("command");
-        QTest::newRow("unknown option") << arguments("--port 1 --data d --token 1 --loud");
-        QTest::newRow("port is a word") << arguments("--port x --data d --token 1");
-        QTest::newRow("port is too large") << arguments("--port 65536 --data d --token 1");
-        QTest::newRow("token is a word") << arguments("--port 1 --data d --token x");
-        QTest::newRow("workers is zero") << arguments("--port 1 --data d --token 1 --workers 0");
+        QTest::newRow("unknown option")
+            << arguments("--port 1 --data d --development-token 1 --loud");
+        QTest::newRow("port is a word") << arguments("--port x --data d --development-token 1");
+        QTest::newRow("port is too large")
+            << arguments("--port 65536 --data d --development-token 1");
+        QTest::newRow("development token is a word")
+            << arguments("--port 1 --data d --development-token x");
+        QTest::newRow("workers is zero")
+            << arguments("--port 1 --data d --development-token 1 --workers 0");
     }
     void theServiceRefusesWrongUseInOneLine()
     {
@@ -144,7 +155,8 @@ private Q_SLOTS:
     void aDataFolderThatCannotBeMadeIsToldInOneLine()
     {
         QProcess service;
-        service.start(LocalService::program(), arguments("--port 1 --data some.wav --token 1"));
+        service.start(LocalService::program(),
+                      arguments("--port 1 --data some.wav --development-token 1"));
         QVERIFY(service.waitForFinished());
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 1);
@@ -159,7 +171,7 @@ private Q_SLOTS:
         QVERIFY(service.waitForFinished());
         QCOMPARE(service.exitCode(), 0);
         const QByteArray out = service.readAllStandardOutput();
-        for (const char *option : {"--port", "--data", "--token", "--workers"})
+        for (const char *option : {"--port", "--data", "--development-token", "--workers"})
             QVERIFY2(out.contains(option), option);
     }
 
@@ -192,7 +204,6 @@ private:
 
     static void numberRows()
     {
-        QTest::newRow("no token") << arguments("say hello -o a.wav");
         QTest::newRow("token is a word") << arguments("say hello -o a.wav --token secret");
         QTest::newRow("token is empty") << arguments("say hello -o a.wav --token ");
         QTest::newRow("token is too large")
@@ -211,18 +222,45 @@ private:
         QTest::newRow("folder as recording") << arguments("recognize folder --token 1");
         QTest::newRow("empty recording") << arguments("recognize empty.wav --token 1");
         QTest::newRow("device as recording") << arguments("recognize /dev/zero --token 1");
-        QTest::newRow("recognize without token") << arguments("recognize some.wav");
-        QTest::newRow("recognize anonymously")
-            << arguments("recognize some.wav --token 1 --anonymous");
-        QTest::newRow("recognize with voice")
-            << arguments("recognize some.wav --token 1 --voice rms");
-        QTest::newRow("recognize with rate")
-            << arguments("recognize some.wav --token 1 --rate 8000");
-        QTest::newRow("recognize with output")
-            << arguments("recognize some.wav --token 1 -o text.txt");
         QTest::newRow("newline in a name")
             << QStringList{QStringLiteral("recognize"), QStringLiteral("two\nlines.wav")}
                    + arguments("--token 1");
+    }
+
+    static void signInRows()
+    {
+        QTest::newRow("login in no way") << arguments("login");
+        QTest::newRow("login in two ways") << arguments("login --qr --sms 1");
+        QTest::newRow("login without number") << arguments("login --sms");
+        QTest::newRow("login with an empty number") << arguments("login --sms ");
+        QTest::newRow("login with an argument") << arguments("login me --qr");
+        QTest::newRow("logout with an argument") << arguments("logout me");
+    }
+
+    // Options that belong to other commands.
+    static void strayRows()
+    {
+        const struct
+        {
+            const char *command;
+            QList<const char *> options;
+        } rows[] = {
+            {"say hello -o a.wav", {"--qr", "--sms 1"}},
+            {"recognize some.wav",
+             {"--qr", "--sms 1", "--anonymous", "--voice rms", "--rate 8000", "-o text.txt"}},
+            {"voices",
+             {"--qr", "--sms 1", "--anonymous", "--voice rms", "--rate 8000", "-o a.wav", "--long",
+              "--token 1", "more"}},
+            {"music", {"--long", "--token 1", "more"}},
+            {"update", {"--long", "--token 1", "more"}},
+            {"login --qr", {"--anonymous", "--voice rms", "-o a.wav", "--long", "--token 1"}},
+            {"logout", {"--qr", "--sms 1", "--json", "--token 1"}},
+        };
+        for (const auto &row : rows) {
+            for (const char *option : row.options)
+                QTest::addRow("%s %s", row.command, option)
+                    << arguments(row.command) + arguments(option);
+        }
     }
 
     static void authorityRows()
@@ -250,6 +288,7 @@ private:
     }
 
     const QTemporaryDir m_folder;
+    const Home m_home;
 };
 
 QTEST_GUILESS_MAIN(TestCommandLine)

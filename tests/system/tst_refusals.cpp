@@ -1,3 +1,4 @@
+#include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
 
@@ -113,6 +114,7 @@ private:
 
     LocalService m_service;
     const QTemporaryDir m_folder;
+    const Home m_home;
     QStringList m_files;
 };
 

@@ -1,3 +1,4 @@
+#include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
 #include "tests/system/words.h"
@@ -172,6 +173,7 @@ private:
 
     LocalService m_service;
     const QTemporaryDir m_folder;
+    const Home m_home;
     const QString m_audio = m_folder.filePath(QStringLiteral("audio.wav"));
 };
 

@@ -1,0 +1,59 @@
+#include "privatefiles.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QString>
+
+#ifdef Q_OS_WIN
+
+PrivateFiles::PrivateFiles()
+    : m_before(0)
+{
+}
+
+PrivateFiles::~PrivateFiles() = default; // folders of the user are the user's there
+
+#else
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+PrivateFiles::PrivateFiles()
+    : m_before(umask(S_IRWXG | S_IRWXO))
+{
+}
+
+PrivateFiles::~PrivateFiles() { umask(static_cast<mode_t>(m_before)); }
+
+#endif
+
+namespace {
+
+// Somebody else's folder could hold links that lead elsewhere.
+bool isOwn(const QFileInfo &folder)
+{
+#ifdef Q_OS_WIN
+    return !folder.isSymLink();
+#else
+    return !folder.isSymLink() && folder.ownerId() == geteuid();
+#endif
+}
+
+} // namespace
+
+QString PrivateFiles::claimFolder(const QString &path)
+{
+    const PrivateFiles onlyOurs;
+    const QFileInfo folder(path);
+    if (!folder.exists() && !folder.isSymLink() && !QDir().mkpath(path))
+        return QStringLiteral("cannot make the folder \"%1\"").arg(path);
+    const QFileInfo made(path);
+    if (!made.isDir())
+        return QStringLiteral("\"%1\" is no folder").arg(path);
+    if (!isOwn(made))
+        return QStringLiteral("the folder \"%1\" belongs to somebody else").arg(path);
+    if (!QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+        return QStringLiteral("the folder \"%1\" cannot be made private").arg(path);
+    return {};
+}

@@ -1,0 +1,126 @@
+#include "qrsignin.h"
+
+#include "console.h"
+#include "network/vonetworkintf.h"
+#include "privatefiles.h"
+#include "progress.h"
+#include "qrcode.h"
+#include "qrdrawing.h"
+#include "terminal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr int interval = 1000; // ms between two questions
+
+// Where the library puts the picture.
+QString folder() { return QDir(QDir::tempPath()).filePath(QStringLiteral("VoTTS")); }
+
+QString picture() { return QDir(folder()).filePath(QStringLiteral("login_qr_code.png")); }
+
+// The library does not answer when it cannot write the picture.
+QString pictureProblem()
+{
+    if (QString problem = PrivateFiles::claimFolder(folder()); !problem.isEmpty())
+        return problem;
+    const PrivateFiles onlyOurs;
+    QFile file(picture());
+    const bool isGone = !file.exists() || file.remove(); // it shows an earlier code
+    if (!isGone || !file.open(QIODevice::WriteOnly))
+        return QStringLiteral("\"%1\" cannot be written: %2").arg(picture(), file.errorString());
+    return {};
+}
+
+int millisecondsTo(const QDateTime &time)
+{
+    const qint64 left = QDateTime::currentDateTime().msecsTo(time);
+    return static_cast<int>(std::clamp<qint64>(left, 0, std::numeric_limits<int>::max() / 2));
+}
+
+} // namespace
+
+QrSignIn::QrSignIn(const Options &options, const Tools &tools)
+    : SignIn(options, tools)
+{
+    connect(tools.service, &VoNetworkIntf::signalGetLoginQrCodeEnd, this, &QrSignIn::onCode);
+    connect(tools.service, &VoNetworkIntf::signalGetLoginQrCodeStatusEnd, this,
+            &QrSignIn::onStatus);
+    m_nextQuestion.setSingleShot(true);
+    connect(&m_nextQuestion, &QTimer::timeout, this, &QrSignIn::ask);
+    m_expiry.setSingleShot(true);
+    connect(&m_expiry, &QTimer::timeout, this,
+            [this] { giveUp(QStringLiteral("the code has expired")); });
+}
+
+QrSignIn::~QrSignIn() = default;
+
+void QrSignIn::signIn()
+{
+    if (const QString problem = pictureProblem(); !problem.isEmpty())
+        giveUp(problem);
+    else
+        service()->GetLoginQrCode();
+}
+
+// May be called twice when the picture could not be fetched: with nothing, then with the record.
+void QrSignIn::onCode(LoginQrCode *code)
+{
+    m_code.reset(code);
+    if (m_isOver)
+        return;
+    if (!code) {
+        giveUp(refusedByService());
+        return;
+    }
+    const QImage image(code->qrImagePath, "PNG");
+    if (image.isNull()) {
+        giveUp(QStringLiteral("the service sent no picture of the code"));
+        return;
+    }
+    if (const auto modules = QrCode::read(image))
+        Console::show(QrDrawing::draw(*modules, Terminal::is(stderr)));
+    Console::show(QStringLiteral("Scan this code to sign in; its picture is %1\n").arg(picture()));
+    waitForUser();
+}
+
+// The last question is asked when the code has expired.
+void QrSignIn::waitForUser()
+{
+    m_expiry.start(millisecondsTo(m_code->expire_time) + interval);
+    m_nextQuestion.start(interval);
+}
+
+void QrSignIn::ask()
+{
+    progress()->show(
+        QStringLiteral("waiting, %1 s left").arg(millisecondsTo(m_code->expire_time) / 1000));
+    service()->GetLoginQrCodeStatus(m_code->business_code);
+}
+
+// A user who has not confirmed and a question that failed look the same.
+void QrSignIn::onStatus(UserInfo *user)
+{
+    const std::unique_ptr<UserInfo> owned(user);
+    if (m_isOver)
+        return;
+    if (!user) {
+        m_nextQuestion.start(interval);
+        return;
+    }
+    m_isOver = true;
+    m_expiry.stop();
+    finishWith(*user);
+}
+
+void QrSignIn::giveUp(const QString &problem)
+{
+    m_isOver = true;
+    m_nextQuestion.stop();
+    Q_EMIT failed(problem);
+}
