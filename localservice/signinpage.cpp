@@ -9,17 +9,18 @@
 
 #include <array>
 #include <stdexcept>
+#include <string_view>
 
 namespace localservice {
 
 namespace {
 
-const std::string pageFolder = "/signin/";
-const std::string pictureFolder = "/signin-picture/";
-const std::string pictureSuffix = ".png";
+constexpr std::string_view pageFolder = "/signin/";
+constexpr std::string_view pictureFolder = "/signin-picture/";
+constexpr std::string_view pictureSuffix = ".png";
 
 // System colours would differ between browsers; each pair here has a contrast of 7 to 1 or more.
-const std::string style = R"(
+constexpr std::string_view style = R"(
 :root{color-scheme:light dark}
 *{box-sizing:border-box}
 body{margin:0;padding:1.5rem;min-height:100vh;display:flex;align-items:center;justify-content:center;
@@ -59,8 +60,9 @@ std::string page(const std::string &title, const std::string &contents)
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
            "<title>"
-           + title + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<main>\n<h1>" + title
-           + "</h1>\n" + contents + "</main>\n</body>\n</html>\n";
+           + title + "</title>\n<style>" + std::string(style)
+           + "</style>\n</head>\n<body>\n<main>\n<h1>" + title + "</h1>\n" + contents
+           + "</main>\n</body>\n</html>\n";
 }
 
 SignInPage::Reply question(const std::string &account, std::time_t expires)
@@ -106,7 +108,7 @@ SignInPage::Reply noLonger(QrSignInState state)
                  std::string("<p>This code has been used. It works only once.</p>\n") + advice)};
 }
 
-bool beginsWith(const std::string &text, const std::string &beginning)
+bool beginsWith(const std::string &text, std::string_view beginning)
 {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
@@ -122,11 +124,14 @@ SignInPage::SignInPage(QrSignIns &signIns, const std::string &origin, const std:
 {
 }
 
-std::string SignInPage::pathOf(const QrSignIn &signIn) { return pageFolder + signIn.pageSecret; }
+std::string SignInPage::pathOf(const QrSignIn &signIn)
+{
+    return std::string(pageFolder) + signIn.pageSecret;
+}
 
 std::string SignInPage::picturePathOf(const QrSignIn &signIn)
 {
-    return pictureFolder + signIn.pictureSecret + pictureSuffix;
+    return std::string(pictureFolder) + signIn.pictureSecret + std::string(pictureSuffix);
 }
 
 bool SignInPage::isPage(const std::string &path) { return beginsWith(path, pageFolder); }
@@ -136,7 +141,7 @@ bool SignInPage::isPicture(const std::string &path) { return beginsWith(path, pi
 const std::map<std::string, std::string> &SignInPage::headers()
 {
     static const std::map<std::string, std::string> all{
-        {"Content-Security-Policy", "default-src 'none'; style-src " + sourceOf(style)
+        {"Content-Security-Policy", "default-src 'none'; style-src " + sourceOf(std::string(style))
                                         + "; form-action 'self'; base-uri 'none'; "
                                           "frame-ancestors 'none'"},
         {"Referrer-Policy", "no-referrer"},
@@ -164,7 +169,7 @@ std::string SignInPage::picture(const std::string &path)
     const std::size_t dot = name.find('.');
     if (dot != std::string::npos && name.substr(dot) == pictureSuffix)
         if (const auto page = m_signIns.pageOf(name.substr(0, dot)))
-            return qrPicture(m_origin + pageFolder + *page);
+            return qrPicture(m_origin + std::string(pageFolder) + *page);
     throw Refusal(Code::NotFound, "there is no such picture, or no longer");
 }
 
