@@ -13,8 +13,8 @@ namespace {
 constexpr int schemaVersion = 1;
 constexpr int busyTimeout = 5000; // ms, while somebody looks at the file
 
-// Times are seconds since the epoch. Tokens are kept as digests: who reads a copy of the file has
-// none. The first account is the one of this machine; the others have a phone number.
+// Times are seconds since the epoch. Tokens are kept as digests, so a look at the file does not
+// show any. The first account is the one of this machine; the others have a phone number.
 constexpr const char *schema = R"(
     CREATE TABLE account (
         id INTEGER PRIMARY KEY AUTOINCREMENT,

@@ -1,23 +1,35 @@
 #include "console.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <climits>
+#include <mutex>
+#include <poll.h>
+#include <unistd.h>
 
 namespace localservice {
 
 namespace {
 
-// One call: lines of threads do not mix.
-void write(std::FILE *stream, const std::string &line)
+constexpr int patience = 50; // ms, for whoever reads
+
+// What nobody reads is dropped after a while: a full pipe must not hold up the requests that write
+// to it. A pipe that is ready takes PIPE_BUF bytes at once and as a whole.
+void write(int file, const std::string &line)
 {
-    const std::string bytes = "vo-localservice: " + line + '\n';
-    std::fwrite(bytes.data(), 1, bytes.size(), stream);
-    std::fflush(stream);
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
+    const std::string bytes = line + '\n';
+    pollfd target{file, POLLOUT, 0};
+    if (::poll(&target, 1, patience) == 1 && (target.revents & POLLOUT) != 0)
+        (void)!::write(file, bytes.data(), std::min<std::size_t>(bytes.size(), PIPE_BUF));
 }
 
 } // namespace
 
-void say(const std::string &line) { write(stdout, line); }
+void say(const std::string &line) { write(STDOUT_FILENO, "vo-localservice: " + line); }
 
-void warn(const std::string &line) { write(stderr, line); }
+void warn(const std::string &line) { write(STDERR_FILENO, "vo-localservice: " + line); }
+
+void log(const std::string &line) { write(STDERR_FILENO, line); }
 
 } // namespace localservice

@@ -85,6 +85,14 @@ QrSignInState QrSignIns::collect(const std::string &pollSecret)
     return before;
 }
 
+void QrSignIns::giveBack(const std::string &pollSecret)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Entry *const entry = find(&QrSignIn::pollSecret, pollSecret);
+    if (entry && entry->state == QrSignInState::Used)
+        entry->state = QrSignInState::Confirmed;
+}
+
 void QrSignIns::sweep()
 {
     const auto now = std::chrono::steady_clock::now();

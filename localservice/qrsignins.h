@@ -18,8 +18,8 @@ enum class QrSignInState {
     Unknown, ///< Or expired long ago.
 };
 
-/// A sign-in by QR code as it is told to those who take part in it. No one of the three secrets
-/// helps to find another.
+/// A sign-in by QR code as it is told to those who take part in it. None of the three secrets
+/// can be worked out from another; whoever has the picture can read the page's off it.
 struct QrSignIn
 {
     std::string pollSecret;    ///< Of the application that asks.
@@ -51,6 +51,9 @@ public:
 
     /// The state for who polls. Confirmed is returned once; it is used from then on.
     QrSignInState collect(const std::string &pollSecret);
+
+    /// Makes what was collected Confirmed again: it could not be told.
+    void giveBack(const std::string &pollSecret);
 
     /// Forgets what expired some time ago.
     void sweep();

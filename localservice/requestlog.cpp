@@ -1,6 +1,7 @@
 #include "requestlog.h"
 
-#include <cstdio>
+#include "console.h"
+
 #include <ctime>
 
 namespace localservice {
@@ -57,8 +58,8 @@ void logRequest(const httplib::Request &request, const httplib::Response &respon
     const std::string line = now() + ' ' + printable(request.method) + ' ' + printable(path) + ' '
                              + printable(notes.feature) + ' ' + std::to_string(response.status)
                              + ' ' + std::to_string(static_cast<int>(notes.code)) + ' '
-                             + std::to_string(duration.count()) + " ms\n";
-    std::fwrite(line.data(), 1, line.size(), stderr); // one call: lines of threads do not mix
+                             + std::to_string(duration.count()) + " ms";
+    log(line);
 }
 
 } // namespace localservice

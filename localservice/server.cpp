@@ -76,6 +76,14 @@ const char *fileType(const std::string &path)
     return endsWith(".png") ? "image/png" : "application/octet-stream";
 }
 
+// Browsers name the page that a request comes from. The operations are for applications; a page of
+// somebody else's is not to use up codes or to ask for new ones.
+bool isFromAPage(const httplib::Request &request)
+{
+    const std::string site = request.get_header_value("Sec-Fetch-Site");
+    return request.has_header("Origin") || site == "cross-site" || site == "same-site";
+}
+
 bool isReading(const httplib::Request &request)
 {
     return request.method == "GET" || request.method == "HEAD";
@@ -253,6 +261,8 @@ Server::Answer Server::answer(const httplib::Request &request, const std::string
         return {m_parts->signInPage.picture(path), fileType(path)};
     if (Catalogue::isResponsible(path) && isReading(request))
         return {m_parts->catalogue.file(path), fileType(path)};
+    if (Operations::isResponsible(path) && isFromAPage(request))
+        throw Refusal(Code::Forbidden, "the operations are not for pages");
     if (const auto data = m_parts->operations.call(path, request, body))
         return {successEnvelope(*data)};
     throw UnknownOperation();

@@ -58,9 +58,19 @@ nlohmann::json SignInApi::qrStatus(const std::string &businessCode)
     case QrSignInState::Waiting:
         return {{"status", waiting}};
     case QrSignInState::Confirmed:
-        return {{"status", confirmed}, {"user_info", signedIn(m_services.accounts.local())}};
+        return collected(businessCode);
     default:
         return {{"status", over}};
+    }
+}
+
+nlohmann::json SignInApi::collected(const std::string &businessCode)
+{
+    try {
+        return {{"status", confirmed}, {"user_info", signedIn(m_services.accounts.local())}};
+    } catch (...) {
+        m_services.qrSignIns.giveBack(businessCode); // nobody has heard of it
+        throw;
     }
 }
 

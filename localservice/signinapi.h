@@ -44,6 +44,7 @@ public:
     nlohmann::json renew(const std::string &refreshToken);
 
 private:
+    nlohmann::json collected(const std::string &businessCode);
     nlohmann::json signedIn(const Account &account);
 
     SignInServices m_services;

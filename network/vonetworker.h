@@ -53,8 +53,8 @@ protected:
 
     /// Fetches the picture at @p url into the file @p savePath, whose folder must exist; returns
     /// the path, or an empty text when the file cannot be opened. A picture that cannot be fetched
-    /// leaves an empty file and emits signalGetLoginQrCodeEnd() with null. Waits in a nested event
-    /// loop, without a time-out.
+    /// leaves what came instead, normally nothing, and emits signalGetLoginQrCodeEnd() with null.
+    /// Waits in a nested event loop, without a time-out.
     QString DownloadAvt(QString url, QString savePath);
 
     /// Fetches the picture of the newest code, which must be there, into the file @p savePath and

@@ -144,18 +144,18 @@ Q_DECLARE_METATYPE(UpdateInfo *)
 ///
 /// Every operation is called on the thread that created the object, which must run a Qt event
 /// loop; signals are emitted there. An asynchronous operation returns at once and answers exactly
-/// once by its signal. Why an operation failed is in the debug log only. No operation has a
-/// time-out: a service that never answers leaves it pending.
+/// once by its signal, GetLoginQrCode() excepted. Why an operation failed is in the debug log only.
+/// No operation has a time-out: a service that never answers leaves it pending.
 ///
 /// A synchronous operation (GetBgmList(), GetDubList(), GetUpdateInfo(), DownloadLongTTSRet())
 /// waits in a nested event loop: other signals are delivered meanwhile, and an application that
 /// quits or an object that is given back ends the wait with a failure. Of the first three only one
 /// may wait at a time. Called from a handler that runs during the wait of another, it would take
-/// over that wait, whose caller would never return.
+/// over that wait, which no reply would end any more.
 ///
 /// Tokens are the numbers that sign-in gives; they are sent in decimal and never kept. Records
-/// that a signal or a list carries belong to the receiver, which deletes them; UpdateInfo alone
-/// stays the library's.
+/// that a signal or a list carries belong to the receiver, which deletes them. UpdateInfo stays the
+/// library's, and a LoginQrCode may be deleted only while no GetLoginQrCode() is pending.
 class VONETWORK_EXPORT VoNetworkIntf : public QObject
 {
     Q_OBJECT
@@ -253,8 +253,9 @@ Q_SIGNALS:
                                 QString audioUrl);
 
     /// Answers GetLoginQrCode() once the picture is written; null when it failed. When only the
-    /// picture could not be fetched, null is followed by the record, whose picture is empty. The
-    /// library keeps using the record until the next code's answer.
+    /// picture could not be fetched, null is followed by the record, whose picture is what came
+    /// instead, normally nothing. Two codes that are asked for at once may both bring the newest
+    /// record: delete none before both are answered.
     void signalGetLoginQrCodeEnd(LoginQrCode *pLoginQrCodeInfo);
 
     /// Answers GetLoginQrCodeStatus(); null when the request failed and while the user has not

@@ -34,9 +34,10 @@ namespace {
 bool isOwn(const QFileInfo &folder)
 {
 #ifdef Q_OS_WIN
-    return !folder.isSymLink();
+    Q_UNUSED(folder)
+    return true;
 #else
-    return !folder.isSymLink() && folder.ownerId() == geteuid();
+    return folder.ownerId() == geteuid();
 #endif
 }
 
@@ -51,6 +52,8 @@ QString PrivateFiles::claimFolder(const QString &path)
     const QFileInfo made(path);
     if (!made.isDir())
         return QStringLiteral("\"%1\" is no folder").arg(path);
+    if (made.isSymLink())
+        return QStringLiteral("\"%1\" is a link").arg(path);
     if (!isOwn(made))
         return QStringLiteral("the folder \"%1\" belongs to somebody else").arg(path);
     if (!QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))

@@ -1,5 +1,6 @@
 #include "recognition.h"
 
+#include "console.h"
 #include "inputfile.h"
 #include "options.h"
 
@@ -24,5 +25,5 @@ void Recognition::start()
 
 void Recognition::finishWith(const QString &text)
 {
-    finish(text + QLatin1Char('\n'), {{QStringLiteral("text"), text}});
+    finish(Console::onOneLine(text) + QLatin1Char('\n'), {{QStringLiteral("text"), text}});
 }

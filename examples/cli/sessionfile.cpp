@@ -25,7 +25,9 @@ QString SessionFile::problem()
 {
     if (QFileInfo(path()).isDir())
         return QStringLiteral("\"%1\" is a folder").arg(path());
-    return PrivateFiles::claimFolder(folder());
+    // A link that the user made leads to where the files really are.
+    const QString target = QFileInfo(folder()).canonicalFilePath();
+    return PrivateFiles::claimFolder(target.isEmpty() ? folder() : target);
 }
 
 Session SessionFile::load()

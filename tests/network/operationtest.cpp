@@ -148,7 +148,11 @@ void OperationTest::exchange(const Operation &operation, const QByteArray &reply
                              const QStringList &log, const QStringList &expected)
 {
     server->answer(reply);
+    QStringList loggedBefore;
+    connect(answers.get(), &Answers::arrived, this, [&] { loggedBefore = logged(); });
     QCOMPARE(outcomeOf(operation, expected.size()), expected);
+    if (!operation.result)
+        QCOMPARE(loggedBefore, logged()); // nothing is logged after the answer
     QCOMPARE(server->requests(), QList<QByteArray>{operation.request});
     const QString body = QString::fromUtf8(reply.mid(reply.indexOf("\r\n\r\n") + 4));
     QStringList lines = operation.start + log;

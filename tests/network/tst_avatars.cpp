@@ -22,8 +22,8 @@ private Q_SLOTS:
     void fetchesAPictureIntoAFile();
     void fetchesAPictureOverTls();
     void replacesAnExistingPicture();
-    void leavesAnEmptyFileAndEmitsNullOnANetworkError_data();
-    void leavesAnEmptyFileAndEmitsNullOnANetworkError();
+    void leavesWhatCameInsteadAndEmitsNullOnANetworkError_data();
+    void leavesWhatCameInsteadAndEmitsNullOnANetworkError();
     void returnsNothingWhenTheFileCannotBeOpened_data();
     void returnsNothingWhenTheFileCannotBeOpened();
     void emitsNullAndReturnsNothingWhenBothFail();
@@ -179,24 +179,28 @@ void TestAvatars::replacesAnExistingPicture()
     QCOMPARE(written(), QByteArray("new"));
 }
 
-void TestAvatars::leavesAnEmptyFileAndEmitsNullOnANetworkError_data()
+void TestAvatars::leavesWhatCameInsteadAndEmitsNullOnANetworkError_data()
 {
     QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QByteArray>("instead");
     QTest::addColumn<QString>("error");
-    QTest::newRow("not found") << ScriptedServer::reply("", "404 Not Found")
+    QTest::newRow("not found") << ScriptedServer::reply("", "404 Not Found") << QByteArray()
                                << "ContentNotFoundError"_s;
-    QTest::newRow("server error") << ScriptedServer::reply("", "500 Oops")
+    QTest::newRow("not found, with a page") << ScriptedServer::reply("a page", "404 Not Found")
+                                            << QByteArray("a page") << "ContentNotFoundError"_s;
+    QTest::newRow("server error") << ScriptedServer::reply("", "500 Oops") << QByteArray()
                                   << "InternalServerError"_s;
-    QTest::newRow("connection ended") << QByteArray() << "RemoteHostClosedError"_s;
+    QTest::newRow("connection ended") << QByteArray() << QByteArray() << "RemoteHostClosedError"_s;
 }
 
-void TestAvatars::leavesAnEmptyFileAndEmitsNullOnANetworkError()
+void TestAvatars::leavesWhatCameInsteadAndEmitsNullOnANetworkError()
 {
     QFETCH(QByteArray, reply);
+    QFETCH(QByteArray, instead);
     QFETCH(QString, error);
     m_files->answer(reply);
     QCOMPARE(m_networker->DownloadAvt(m_address, m_path), m_path);
-    QCOMPARE(written(), QByteArray());
+    QCOMPARE(written(), instead);
     QCOMPARE(outcome(), QStringList{"signalGetLoginQrCodeEnd(null)"_s});
     QCOMPARE(logged(), (QStringList{start("<temporary>/a.png"_s),
                                     "[error] VoNetworker::DownloadAvt %1"_s.arg(error)}));

@@ -67,6 +67,27 @@ private Q_SLOTS:
         QVERIFY2(reply.isRefusal(), QByteArray::number(reply.status) + ' ' + reply.body);
     }
 
+    void aRequestFromAPageInABrowserIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<int>("code");
+        QTest::newRow("no page") << QByteArray() << 0;
+        QTest::newRow("the user's own") << QByteArray("Sec-Fetch-Site: none\r\n") << 0;
+        QTest::newRow("another origin") << QByteArray("Origin: https://other.example\r\n") << 403;
+        QTest::newRow("an origin that is kept secret") << QByteArray("Origin: null\r\n") << 403;
+        QTest::newRow("another site") << QByteArray("Sec-Fetch-Site: cross-site\r\n") << 403;
+        QTest::newRow("the same site") << QByteArray("Sec-Fetch-Site: same-site\r\n") << 403;
+    }
+    void aRequestFromAPageInABrowserIsRefused()
+    {
+        QFETCH(const QByteArray, header);
+        QFETCH(const int, code);
+        const auto reply =
+            m_client->verbatim("GET /ucenter/public/index.php/v1/login/getMpQrCode", header);
+        QCOMPARE(reply.status, 200);
+        QCOMPARE(reply.code(), code);
+    }
+
     void aBodyThatIsTooLargeIsRefusedInAnEnvelope()
     {
         const QByteArray body =

@@ -10,6 +10,10 @@
 #include <QtTest>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +27,22 @@ bool accepts(const QHostAddress &address)
     QTcpSocket socket;
     socket.connectToHost(address, servicePort());
     return socket.waitForConnected(3000);
+}
+
+/// The bytes that wait to be read from @p pipe.
+int available(int pipe)
+{
+    int count = 0;
+    return ioctl(pipe, FIONREAD, &count) == 0 ? count : -1;
+}
+
+/// Writes to @p pipe until it takes no more; the bytes that it took.
+int fill(int pipe)
+{
+    int count = 0;
+    while (write(pipe, "x", 1) == 1)
+        ++count;
+    return count;
 }
 
 } // namespace
@@ -75,6 +95,34 @@ private Q_SLOTS:
         QVERIFY(client.post(QStringLiteral("asr/process"), task, ServiceClient::authorization())
                     .isSuccess());
         QCOMPARE(service.stop(SIGTERM), 0);
+    }
+
+    void itServesOnWhenNobodyReadsItsOutput()
+    {
+        const QTemporaryDir folder;
+        const QByteArray pipe = QFile::encodeName(folder.filePath(QStringLiteral("out")));
+        QCOMPARE(mkfifo(pipe.constData(), S_IRUSR | S_IWUSR), 0);
+        const int out = open(pipe.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        QVERIFY(out >= 0);
+        QProcess service;
+        service.setStandardOutputFile(QFile::decodeName(pipe));
+        service.start(LocalService::program(),
+                      {QStringLiteral("--port"), QString::number(servicePort()),
+                       QStringLiteral("--data"), folder.filePath(QStringLiteral("data"))});
+        QTRY_VERIFY_WITH_TIMEOUT(available(out) > 0, 60000); // the line that says that it is ready
+
+        QVERIFY(fill(out) > 0);
+        ServiceClient client(folder.filePath(QStringLiteral("data/tls/authority.pem")));
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(client
+                        .get(QStringLiteral(SERVICE_BASE_ADDRESS
+                                            "/ucenter/public/index.php/v1/login/getMpQrCode"))
+                        .isSuccess());
+        service.terminate();
+        QVERIFY(service.waitForFinished(30000));
+        QCOMPARE(service.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.exitCode(), 0);
+        close(out);
     }
 
     void itListensOnLoopbackOnly()
