@@ -1,5 +1,6 @@
 #include "http/httpclient.h"
 
+#include "http/httpblocker.h"
 #include "http/httpresponse.h"
 
 #include <QCoreApplication>
@@ -8,10 +9,17 @@
 
 namespace {
 
-bool isDelivering(const QNetworkReply *reply)
+template <typename Child>
+Child *childOf(const QNetworkReply *reply)
 {
-    const auto *response = reply->findChild<HttpResponse *>(QString(), Qt::FindDirectChildrenOnly);
-    return response && response->isDelivering();
+    return reply->findChild<Child *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+bool isInUse(const QNetworkReply *reply)
+{
+    const auto *response = childOf<HttpResponse>(reply);
+    const auto *blocker = childOf<HttpBlocker>(reply);
+    return (response && response->isDelivering()) || (blocker && blocker->isRunning());
 }
 
 // Aborted, until control is back in the event loop; silent for good, since the access manager that
@@ -19,9 +27,11 @@ bool isDelivering(const QNetworkReply *reply)
 // use the manager.
 void outlive(QNetworkReply *reply)
 {
-    delete reply->findChild<HttpResponse *>(QString(), Qt::FindDirectChildrenOnly);
     reply->blockSignals(true);
     reply->abort();
+    delete childOf<HttpResponse>(reply);
+    if (auto *blocker = childOf<HttpBlocker>(reply))
+        blocker->quit();
     QCoreApplication::removePostedEvents(reply, QEvent::MetaCall);
     reply->setParent(nullptr);
     reply->deleteLater();
@@ -30,12 +40,12 @@ void outlive(QNetworkReply *reply)
 } // namespace
 
 // The access manager destroys its replies. One of them may be the one whose signal led here, and
-// Qt goes on using a reply after it has emitted a signal.
+// Qt goes on using a reply after it has emitted a signal; or one whose end somebody waits for.
 HttpClient::~HttpClient()
 {
     const auto replies = findChildren<QNetworkReply *>(QString(), Qt::FindDirectChildrenOnly);
     for (QNetworkReply *reply : replies) {
-        if (isDelivering(reply))
+        if (isInUse(reply))
             outlive(reply);
     }
 }

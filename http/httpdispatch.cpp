@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QHttpMultiPart>
 #include <QNetworkReply>
+#include <QPointer>
 
 #include <memory>
 
@@ -142,9 +143,12 @@ HttpResponse *HttpDispatch::dispatch(const HttpRequest &request, HttpResponse *r
     if (fields.logLevel >= 4)
         qDebug().noquote() << HttpDump::request(fields);
 
-    if (!response)
-        return new HttpResponse(std::move(sent), reply); // the reply's child
+    if (!response) {
+        response = new HttpResponse(std::move(sent), reply); // the reply's child
+        return response->waitIfAsked() ? response : nullptr;
+    }
+    const QPointer<HttpResponse> living(response);
     response->setParent(reply);
     response->setRequest(sent);
-    return response;
+    return living;
 }

@@ -1,8 +1,8 @@
 #include "http/httprequest.h"
 
 #include "http/httpdispatch.h"
+#include "http/httpdownloader.h"
 
-#include <QDebug>
 #include <QHttpMultiPart>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -168,15 +168,8 @@ HttpRequest &HttpRequest::bind(CallbackKind kind, const QString &key, const QVar
 
 HttpResponse *HttpRequest::send() const
 {
-    if (fields.isDownload) {
-        // The probe and the resume decision that a download begins with do not exist yet; sending
-        // it as an ordinary request would look like a download and write no file.
-        if (fields.logLevel >= 2)
-            qCritical().noquote() << QStringLiteral("Url: [%1]; downloads are not supported!")
-                                         .arg(fields.networkRequest.url().toString());
-        return nullptr;
-    }
-    return HttpDispatch::dispatch(*this, nullptr);
+    return fields.isDownload ? HttpDownloader::start(*this)
+                             : HttpDispatch::dispatch(*this, nullptr);
 }
 
 void HttpRequest::setBody(BodyType type, const QVariant &body)

@@ -32,25 +32,25 @@ struct HttpRequestFields
     QNetworkRequest networkRequest; ///< Address and headers.
     BodyType bodyType = BodyType::None;
     QVariant body = QByteArray();      ///< What @c bodyType says.
-    qint32 timeoutMs = -1;             ///< Milliseconds; carried, not yet acted on.
-    bool block = false;                ///< Carried, not yet acted on.
+    qint32 timeoutMs = -1;             ///< Milliseconds; 0 and less: no limit.
+    bool block = false;                ///< send() waits for the reply.
     qint32 retryCount = 0;             ///< How often a failed request is sent again.
     bool isRetry = false;              ///< Set in the copy that a retry sends.
     qint32 repeatCount = 1;            ///< How often the request is performed in all.
     QAuthenticator authenticator;      ///< Credentials; null: the receivers are asked.
     qint32 maxAuthenticationTimes = 1; ///< Answers to authentication; negative: no limit.
-    qint64 readBufferSize = -1;        ///< Bytes; negative: Qt's own.
+    qint64 readBufferSize = -1;        ///< Bytes; negative: no bound, 64 KiB for downloads.
     QList<QSslError> ignoredSslErrors; ///< The TLS errors to expect.
-    bool isDownload = false;           ///< Into a file; send() refuses it for now.
-    QString downloadFilePath;
-    bool enableResume = true;
-    bool supportsResume = false;
-    qint64 downloadedBytes = 0;     ///< Bytes written to the file.
-    qint64 totalBytes = 0;          ///< Bytes announced.
-    QMap<int, Callbacks> callbacks; ///< By CallbackKind.
-    QVariantMap extraMap1;          ///< The caller's; copied with the request, never read.
-    QVariantMap extraMap2;          ///< The caller's; copied with the request, never read.
-    qint32 logLevel = 3;            ///< 2: critical, 3: bad bindings, 4: dumps, 5: network errors.
+    bool isDownload = false;           ///< Into a file.
+    QString downloadFilePath;          ///< Empty: named after what the server says.
+    bool enableResume = true;          ///< A partial file is continued.
+    bool supportsResume = false;       ///< The server serves ranges.
+    qint64 downloadedBytes = 0;        ///< Bytes written to the file.
+    qint64 totalBytes = 0;             ///< Bytes announced.
+    QMap<int, Callbacks> callbacks;    ///< By CallbackKind.
+    QVariantMap extraMap1;             ///< The caller's; copied with the request, never read.
+    QVariantMap extraMap2;             ///< The caller's; copied with the request, never read.
+    qint32 logLevel = 3; ///< 2: critical, 3: bad bindings, 4: dumps, 5: network errors.
 };
 
 /// Describes one HTTP request; send() performs it. A value: copies are independent of each other,
@@ -108,10 +108,12 @@ public:
     /// devices are read once: what a retry or a repeat sends of it is empty.
     HttpRequest &multiPartBody(QHttpMultiPart *multiPart);
 
-    /// Milliseconds; carried with the request, not yet acted on.
+    /// Limits the whole exchange to @p ms milliseconds, which progress does not prolong; then it
+    /// fails with OperationCanceledError. 0 and less: no limit.
     HttpRequest &timeout(int ms);
 
-    /// Whether send() waits for the reply; carried with the request, not yet acted on.
+    /// Whether send() waits, in an event loop of its own, until the reply has finished. Callbacks
+    /// run before it returns, and so may anything else on the thread.
     HttpRequest &block(bool block);
 
     /// How often a request that failed is sent again before its failure is reported.
@@ -126,17 +128,19 @@ public:
     /// How many times the server is given credentials; negative: no limit.
     HttpRequest &maxAuthenticationTimes(int count);
 
-    /// Bytes that the reply buffers before it stops reading; negative: Qt's own choice.
+    /// Bytes that the reply buffers before it stops receiving; 0: no bound; negative: no bound, but
+    /// 64 KiB for downloads. A bounded reply that nobody reads stalls.
     HttpRequest &readBufferSize(qint64 bytes);
 
     /// The TLS errors that are expected and so do not end the exchange.
     HttpRequest &ignoreSslErrors(const QList<QSslError> &errors);
 
-    /// Marks the request as a download into @p filePath. Carried with the request; send() refuses
-    /// such a request for now.
+    /// The body goes into the file @p filePath; empty: into one named after the server's
+    /// Content-Disposition, which may lead to another folder, or the address. A file that is as
+    /// long as the server announces, or longer, is appended to.
     HttpRequest &download(const QString &filePath);
 
-    /// Whether a download continues a partial file; carried with the request.
+    /// Whether a download continues a partial file, if the server serves ranges.
     HttpRequest &enableResume(bool enable);
 
     /// What is logged: 2 and above critical messages, 3 bad callback bindings, 4 request and
@@ -388,10 +392,13 @@ public:
         return bindTarget<CallbackKind::DownloadFileNameChanged>(std::forward<Target>(target)...);
     }
 
-    /// Sends a copy of the request from the client's thread and returns at once with the response,
-    /// which belongs to the reply and goes with it. Null when nothing could be sent: an unknown
-    /// method, no client, a multi-part body without an object, or a download. No callback runs
-    /// then, and a critical message says why.
+    /// Sends a copy of the request from the client's thread and returns the response, which belongs
+    /// to its reply and goes with it: at once, or after the exchange if the request blocks. Deleting
+    /// the response ends the exchange without a further callback. Null when nothing could be sent
+    /// (an unknown method, no client, a multi-part body without an object): no callback runs then,
+    /// and a critical message says why. Null also after a wait in which the response was deleted.
+    ///
+    /// A download has its response before its reply: see HttpDownloader.
     HttpResponse *send() const;
 
     HttpRequestFields fields; ///< What the builder operations fill in.

@@ -1,7 +1,9 @@
 #include "http/httpresponse.h"
 
+#include "http/httpblocker.h"
 #include "http/httpcallbackbinder.h"
 #include "http/httpdump.h"
+#include "http/httpresponsetimeout.h"
 
 #include <QDebug>
 #include <QJsonDocument>
@@ -87,7 +89,7 @@ const std::vector<Wire> &replyWires()
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
 {
     QString text = reply->errorString();
-    if (!text.isEmpty())
+    if (!text.isEmpty() && reply->error() != QNetworkReply::NoError)
         return text;
     return QLatin1String(QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(code));
 }
@@ -116,10 +118,19 @@ HttpResponse::HttpResponse(HttpRequest request, QObject *parent)
     , m_retriesLeft(m_request.fields.retryCount)
 {
     registerHttpMetaTypes();
-    serveReply();
+    serveRequest();
 }
 
-HttpResponse::~HttpResponse() = default;
+HttpResponse::~HttpResponse()
+{
+    // Null when it is the reply's own end that leads here.
+    QNetworkReply *reply = m_reply;
+    if (!reply)
+        return;
+    disconnect(reply, nullptr, this, nullptr);
+    reply->abort();
+    reply->deleteLater();
+}
 
 const HttpRequest &HttpResponse::request() const { return m_request; }
 
@@ -128,21 +139,35 @@ bool HttpResponse::isDelivering() const { return m_deliveries > 0; }
 void HttpResponse::setRequest(const HttpRequest &request)
 {
     const bool changed = m_request.fields.reply != request.fields.reply;
-    m_request = request;
-    serveReply();
-    if (changed)
+    m_request = request; // callbacks that run during the wait see what was sent
+    serveRequest();
+    if (waitIfAsked() && changed)
         deliver<&HttpResponse::replyChanged>(m_request.fields.reply);
 }
 
-void HttpResponse::serveReply()
+bool HttpResponse::waitIfAsked()
 {
+    if (!m_request.fields.block || !m_request.fields.reply)
+        return true;
+    const QPointer<HttpResponse> self(this);
+    auto *blocker = new HttpBlocker(m_request.fields.reply); // the reply's child
+    blocker->wait();
+    return !self.isNull();
+}
+
+void HttpResponse::serveRequest()
+{
+    if (m_request.fields.timeoutMs > 0)
+        new HttpResponseTimeout(m_request.fields.timeoutMs, this); // this response's child
     QNetworkReply *reply = m_request.fields.reply;
+    m_reply = reply;
     if (!reply)
         return;
     for (const Wire &wire : replyWires())
         QMetaObject::connect(reply, wire.signal, this, wire.slot);
     connect(reply->manager(), &QNetworkAccessManager::authenticationRequired, this,
             &HttpResponse::onAuthenticationRequired);
+    boundReadBuffer(m_request.fields.readBufferSize);
     HttpCallbackBinder::attach(this, m_request.fields);
     rememberReceivers();
 }
@@ -165,7 +190,18 @@ bool HttpResponse::deliver(Values &&...values)
     if (!self)
         return false;
     --m_deliveries;
+    if (m_releaseDue)
+        releaseReply();
     return true;
+}
+
+// A receiver that runs an event loop lets the exchange end around it. Qt goes on using the reply
+// when that receiver returns, so the reply stays until then.
+void HttpResponse::releaseReply()
+{
+    m_releaseDue = isDelivering();
+    if (m_reply && !m_releaseDue)
+        m_reply->deleteLater();
 }
 
 void HttpResponse::onFinished()
@@ -173,19 +209,37 @@ void HttpResponse::onFinished()
     QNetworkReply *reply = m_request.fields.reply;
     if (reply->error() != QNetworkReply::NoError || m_outcomeReported)
         return;
+    if (isCutOff())
+        return onError(QNetworkReply::RemoteHostClosedError);
     m_outcomeReported = true;
     if (m_request.fields.logLevel >= 4)
         dumpResponses(reply);
     if (!deliverRetried() || !deliverFileFinished())
         return;
+    if (!deliverReply<finishedReply>(reply) || !deliverBody(reply) || !repeatOrEnd())
+        return;
+    releaseReply();
+}
 
-    const bool handOver = hasReceivers<finishedReply>();
-    if (handOver && !deliver<finishedReply>(reply))
-        return;
-    if (!deliverBody(reply) || !repeatOrEnd())
-        return;
-    if (!handOver)
-        reply->deleteLater();
+// Qt often takes a connection that breaks off for the end of the body. A file must not be taken
+// for complete then; where no length is announced, as with chunks, nobody can tell.
+bool HttpResponse::isCutOff() const
+{
+    if (!m_downloadFile || !m_downloadFile->isOpen())
+        return false;
+    const QNetworkReply *reply = m_request.fields.reply;
+    const QVariant announced = reply->header(QNetworkRequest::ContentLengthHeader);
+    return announced.isValid() && m_received + reply->bytesAvailable() < announced.toLongLong();
+}
+
+/// Whoever is connected to @p Signal owns the reply from here on.
+template <auto Signal>
+bool HttpResponse::deliverReply(QNetworkReply *reply)
+{
+    if (!hasReceivers<Signal>())
+        return true;
+    m_reply = nullptr;
+    return deliver<Signal>(reply);
 }
 
 bool HttpResponse::deliverBody(QNetworkReply *reply)
@@ -216,25 +270,23 @@ void HttpResponse::onError(QNetworkReply::NetworkError code)
                                   .arg(reply->url().toString(), QString::number(int(code)));
     if (m_retriesLeft >= 1) {
         --m_retriesLeft;
+        const QPointer<HttpResponse> self(this);
         HttpRequest retry = nextPerformance();
         retry.fields.retryCount = m_retriesLeft;
         retry.fields.isRetry = true;
-        retry.send();
-        reply->deleteLater();
+        retry.send(); // returns after the retry, if the request blocks
+        if (self)
+            releaseReply();
         return;
     }
 
     const QString text = errorText(reply, code);
-    if (!deliverRetried() || !deliverFileError(text))
-        return;
-    const bool handOver = hasReceivers<errorReply>();
-    if (handOver && !deliver<errorReply>(reply))
+    if (!deliverRetried() || !deliverFileError(text) || !deliverReply<errorReply>(reply))
         return;
     if (!deliver<errorPlain>() || !deliver<errorCode>(code)
         || !deliver<errorBytes>(text.toLocal8Bit()) || !repeatOrEnd())
         return;
-    if (!handOver)
-        reply->deleteLater();
+    releaseReply();
 }
 
 bool HttpResponse::deliverRetried()
@@ -247,8 +299,9 @@ bool HttpResponse::repeatOrEnd()
     if (m_request.fields.repeatCount <= 1)
         return deliver<&HttpResponse::repeated>();
     --m_request.fields.repeatCount;
+    const QPointer<HttpResponse> self(this);
     nextPerformance().send();
-    return true;
+    return !self.isNull();
 }
 
 // The table holds receivers as plain pointers. By the time the request goes out again some may be
@@ -298,20 +351,14 @@ void HttpResponse::onHandleHead()
 
 void HttpResponse::onTimeout()
 {
-    const QPointer<QNetworkReply> reply = m_request.fields.reply;
+    QNetworkReply *reply = m_request.fields.reply;
     if (!reply || !reply->isRunning())
         return;
     const QPointer<HttpResponse> self(this);
     reply->abort(); // reports OperationCanceledError, so onError() runs in here
-    if (!self)
+    if (!self || !deliverReply<timeoutReply>(reply) || !deliver<timeoutPlain>())
         return;
-    const bool handOver = hasReceivers<timeoutReply>();
-    if (handOver && !deliver<timeoutReply>(reply.data()))
-        return;
-    if (!deliver<timeoutPlain>())
-        return;
-    if (!handOver)
-        reply->deleteLater();
+    releaseReply();
 }
 
 void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator *authenticator)
@@ -367,21 +414,41 @@ void HttpResponse::onReadOnceReplyHeader()
     const HttpRequestFields &fields = m_request.fields;
     m_downloadFile = std::make_unique<QFile>(fields.downloadFilePath);
     const bool resume = fields.supportsResume && fields.enableResume && m_downloadFile->exists();
-    if (!m_downloadFile->open(resume ? QIODevice::Append : QIODevice::WriteOnly))
-        deliverFileProblem(QStringLiteral("Url: %1 %2 Non-Writable"));
+    // Unbuffered, so that what the disk refuses is noticed when it is written.
+    const QIODevice::OpenMode mode = resume ? QIODevice::Append : QIODevice::WriteOnly;
+    if (m_downloadFile->open(mode | QIODevice::Unbuffered))
+        return;
+    boundReadBuffer(0); // nobody reads: a full buffer would hold up the exchange for good
+    deliverFileProblem(QStringLiteral("Url: %1 %2 Non-Writable"));
+}
+
+// Qt passes a bound on to the thread that receives only once that works on the request, which is
+// after what is queued now. A bound that comes after the first data does not hold any more. Each
+// redirect that is followed begins that anew, without the bound.
+void HttpResponse::boundReadBuffer(qint64 bytes)
+{
+    QNetworkReply *reply = m_request.fields.reply;
+    if (bytes >= 0)
+        QMetaObject::invokeMethod(
+            reply, [reply, bytes] { reply->setReadBufferSize(bytes); }, Qt::QueuedConnection);
 }
 
 void HttpResponse::onReadyRead()
 {
     QNetworkReply *reply = m_request.fields.reply;
-    if (m_downloadFile && m_downloadFile->isOpen()) {
-        const qint64 written = m_downloadFile->write(reply->readAll());
-        if (written >= 0)
-            m_request.fields.downloadedBytes += written;
-        else if (!deliverFileProblem(QStringLiteral("Url: %1 %2 Write failed!")))
-            return;
-    }
+    if (m_downloadFile && m_downloadFile->isOpen() && !writeToFile(reply->readAll()))
+        return;
     deliver<&HttpResponse::readyRead>(reply);
+}
+
+/// False when a receiver has destroyed this response.
+bool HttpResponse::writeToFile(const QByteArray &data)
+{
+    m_received += data.size();
+    const qint64 written = m_downloadFile->write(data);
+    if (written > 0)
+        m_request.fields.downloadedBytes += written;
+    return written == data.size() || deliverFileProblem(QStringLiteral("Url: %1 %2 Write failed!"));
 }
 
 bool HttpResponse::deliverFileProblem(const QString &pattern)
@@ -411,9 +478,17 @@ void HttpResponse::onPreSharedKeyAuthenticationRequired(
     deliver<&HttpResponse::preSharedKeyAuthenticationRequired>(authenticator);
 }
 
-void HttpResponse::onRedirectAllowed() { deliver<&HttpResponse::redirectAllowed>(); }
+void HttpResponse::onRedirectAllowed()
+{
+    boundReadBuffer(m_request.fields.readBufferSize);
+    deliver<&HttpResponse::redirectAllowed>();
+}
 
-void HttpResponse::onRedirected(QUrl url) { deliver<&HttpResponse::redirected>(std::move(url)); }
+void HttpResponse::onRedirected(QUrl url)
+{
+    boundReadBuffer(m_request.fields.readBufferSize);
+    deliver<&HttpResponse::redirected>(std::move(url));
+}
 
 void HttpResponse::onSslErrors(QList<QSslError> errors)
 {

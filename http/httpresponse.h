@@ -29,13 +29,21 @@ class HttpResponse : public QObject
     Q_DISABLE_COPY(HttpResponse)
 
 public:
-    /// Serves the reply of @p request, if it has one, and attaches its callbacks.
+    /// Serves the reply of @p request, if it has one, and attaches its callbacks. The time-out
+    /// begins in any case.
     HttpResponse(HttpRequest request, QObject *parent);
+
+    /// Ends an exchange that is under way; no callback follows.
     ~HttpResponse() override;
 
-    /// Serves the reply of @p request from now on; used when a response is handed to a caller
-    /// before its reply exists.
+    /// Serves the reply of @p request from now on, and waits for it if the request asks for that;
+    /// used when a response is handed to a caller before its reply exists. The time-out begins
+    /// once more.
     void setRequest(const HttpRequest &request);
+
+    /// Returns when the reply has finished, if the request asks for waiting. False when this
+    /// response has been deleted meanwhile.
+    bool waitIfAsked();
 
     /// The copy of the request that was sent.
     const HttpRequest &request() const;
@@ -133,7 +141,12 @@ private:
     template <auto Signal, typename... Values>
     bool deliver(Values &&...values);
 
-    void serveReply();
+    void serveRequest();
+    template <auto Signal>
+    bool deliverReply(QNetworkReply *reply);
+    void boundReadBuffer(qint64 bytes);
+    bool isCutOff() const;
+    bool writeToFile(const QByteArray &data);
     void rememberReceivers();
     HttpRequest nextPerformance() const;
     bool deliverBody(QNetworkReply *reply);
@@ -142,14 +155,18 @@ private:
     bool deliverFileError(const QString &text);
     bool deliverFileProblem(const QString &pattern);
     bool repeatOrEnd();
+    void releaseReply();
 
     HttpRequest m_request;
+    QPointer<QNetworkReply> m_reply;       ///< Null once it is a receiver's.
     std::unique_ptr<QFile> m_downloadFile; ///< Made when a download begins to write.
+    qint64 m_received = 0;                 ///< Bytes of this transfer that were for the file.
     qint32 m_retriesLeft = 0;
     qint32 m_authenticationCount = 0;
     bool m_headHandled = false;
     bool m_outcomeReported = false;
     int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
+    bool m_releaseDue = false; ///< The reply goes when they are over.
     /// For each callback, in the table's order: the receiver, if it has one. Kept only for requests
     /// that may go out again.
     std::vector<std::optional<QPointer<QObject>>> m_receivers;

@@ -1,22 +1,25 @@
 #!/usr/bin/env bash
 # Installs, on Debian 12, what is missing of the packages that are named. As root or with sudo.
-# Usage: scripts/install-packages.sh [build | check | PACKAGE ...]
+# Usage: scripts/install-packages.sh [build | test | check | PACKAGE ...]
 #   build (the default)  what building and running everything needs
-#   check                the same and the tools that check the sources
+#   test                 the same and the programs that the tests start
+#   check                what building needs and the tools that check the sources
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
     libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev libpng-dev openssl ca-certificates)
+test=(nginx-light python3-httpbin gunicorn zbar-tools)
 check=(git clang clang-format clang-tidy clazy valgrind)
 
 wanted=()
 for name in "${@:-build}"; do
     case $name in
     build) wanted+=("${build[@]}") ;;
+    test) wanted+=("${build[@]}" "${test[@]}") ;;
     check) wanted+=("${build[@]}" "${check[@]}") ;;
     -*)
-        echo "usage: scripts/install-packages.sh [build | check | PACKAGE ...]" >&2
+        echo "usage: scripts/install-packages.sh [build | test | check | PACKAGE ...]" >&2
         exit 2
         ;;
     *) wanted+=("$name") ;;

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 for preset in "${@:-gcc}"; do
     echo "== $preset"
-    packages=(build zbar-tools)
+    packages=(test)
     [ "$preset" != clang ] || packages+=(clang)
     scripts/install-packages.sh "${packages[@]}"
     cmake --preset "$preset" >/dev/null

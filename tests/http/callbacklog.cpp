@@ -27,6 +27,21 @@ HttpRequest &CallbackLog::bindOutcomes(HttpRequest &request)
         .onRepeated([this] { add(QStringLiteral("repeated()")); });
 }
 
+HttpRequest &CallbackLog::bindFile(HttpRequest &request)
+{
+    return request.onDownloadFileFinished([this] { add(QStringLiteral("file()")); })
+        .onDownloadFileFinished(
+            [this](const QString &name) { add(QStringLiteral("file ") + name); })
+        .onDownloadFileError([this] { add(QStringLiteral("fileError()")); })
+        .onDownloadFileError(
+            [this](const QString &text) { add(QStringLiteral("fileError ") + text); });
+}
+
+HttpRequest &CallbackLog::bindTimeout(HttpRequest &request)
+{
+    return request.onTimeout([this] { add(QStringLiteral("timeout()")); });
+}
+
 int CallbackLog::outcomes() const
 {
     return m_lines.count(QStringLiteral("finished()")) + m_lines.count(QStringLiteral("error()"));

@@ -17,6 +17,12 @@ public:
     /// repeated().
     HttpRequest &bindOutcomes(HttpRequest &request);
 
+    /// Binds every form of the callbacks about the file of a download.
+    HttpRequest &bindFile(HttpRequest &request);
+
+    /// Binds the time-out without its reply.
+    HttpRequest &bindTimeout(HttpRequest &request);
+
     /// Appends a line, so that what the test does itself has its place in the order.
     void add(const QString &line) { m_lines.append(line); }
 

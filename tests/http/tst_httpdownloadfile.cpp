@@ -6,11 +6,15 @@
 #include "tests/http/httptesting.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/signalrecorder.h"
+#include "tests/support/testfolder.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
+
+#include <algorithm>
 
 using HttpTesting::waitUntilGone;
 
@@ -19,30 +23,9 @@ class TestHttpDownloadFile : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_folder;
+    TestFolder m_folder;
 
-    QString path(const QString &name) const { return m_folder.filePath(name); }
-
-    static QByteArray contents(const QString &fileName)
-    {
-        QFile file(fileName);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : "<unreadable>"_b;
-    }
-
-    static void write(const QString &fileName, const QByteArray &bytes)
-    {
-        QFile file(fileName);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("cannot write %s", qPrintable(fileName));
-    }
-
-    static void bindFile(HttpRequest &request, CallbackLog &log)
-    {
-        request.onDownloadFileFinished([&log] { log.add("file()"_s); })
-            .onDownloadFileFinished([&log](const QString &name) { log.add("file "_s + name); })
-            .onDownloadFileError([&log] { log.add("fileError()"_s); })
-            .onDownloadFileError([&log](const QString &text) { log.add("fileError "_s + text); });
-    }
+    QString path(const QString &name) const { return m_folder.path(name); }
 
     static QStringList outcome(const QByteArray &body)
     {
@@ -56,9 +39,16 @@ class TestHttpDownloadFile : public QObject
         QVERIFY(QMetaObject::invokeMethod(response, "onTimeout"));
     }
 
-private Q_SLOTS:
-    void initTestCase() { QVERIFY(m_folder.isValid()); }
+    /// Whether this process has the file open.
+    static bool isOpen(const QString &name)
+    {
+        const QFileInfoList open =
+            QDir("/proc/self/fd"_s).entryInfoList(QDir::System | QDir::Files);
+        return std::any_of(open.cbegin(), open.cend(),
+                           [&name](const QFileInfo &file) { return file.symLinkTarget() == name; });
+    }
 
+private Q_SLOTS:
     void theBodyGoesIntoTheFile_data()
     {
         QTest::addColumn<QByteArray>("before");
@@ -81,7 +71,7 @@ private Q_SLOTS:
         const QString name = path("target"_s);
         QFile::remove(name);
         if (!before.isEmpty())
-            write(name, before);
+            TestFolder::write(name, before);
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply("body"));
@@ -90,11 +80,11 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         request.url(server.address("/"_s)).download(name).enableResume(enabled);
         request.fields.supportsResume = supports;
-        bindFile(request, log);
+        log.bindFile(request);
         log.bindOutcomes(request);
         QVERIFY(waitUntilGone(HttpDispatch::dispatch(request, nullptr)));
         QCOMPARE(log.lines(), QStringList({"file()"_s, "file "_s + name}) + outcome(""));
-        QCOMPARE(contents(name), after);
+        QCOMPARE(TestFolder::contents(name), after);
     }
 
     void everyPartIsWrittenBeforeItIsAnnounced()
@@ -115,7 +105,7 @@ private Q_SLOTS:
         client.replies.first()->succeed();
         QCOMPARE(log.lines(),
                  (QStringList{"3 written, 0 unread"_s, "8 written, 0 unread"_s, "file()"_s}));
-        QCOMPARE(contents(name), "onethree"_b);
+        QCOMPARE(TestFolder::contents(name), "onethree"_b);
     }
 
     void anEmptyBodyMakesNoFile()
@@ -124,7 +114,7 @@ private Q_SLOTS:
         ControlledClient client;
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, &client);
-        bindFile(request.download(name), log);
+        log.bindFile(request.download(name));
         HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
         client.replies.first()->succeed();
         QCOMPARE(log.lines(), outcome(""));
@@ -137,7 +127,7 @@ private Q_SLOTS:
         ControlledClient client;
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, &client);
-        bindFile(request.url("http://h/a%20b"_s).download(name), log);
+        log.bindFile(request.url("http://h/a%20b"_s).download(name));
         HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
         client.replies.first()->receive("bo");
         client.replies.first()->receive("dy");
@@ -155,7 +145,7 @@ private Q_SLOTS:
         ControlledClient client;
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, &client);
-        bindFile(request.url("http://h/"_s).download(name), log);
+        log.bindFile(request.url("http://h/"_s).download(name));
         request.onReadyRead([&log](QNetworkReply *) { log.add("readyRead"_s); });
         HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
         const QByteArray more(100000, 'x'); // than a buffer holds
@@ -184,7 +174,7 @@ private Q_SLOTS:
         ControlledClient client;
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, &client);
-        bindFile(request.url("http://h/a%20b"_s).download(name), log);
+        log.bindFile(request.url("http://h/a%20b"_s).download(name));
         HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
         if (begun)
             client.replies.first()->receive("begun");
@@ -196,7 +186,39 @@ private Q_SLOTS:
                               "error()"_s, "error(code 4)"_s, "error(text too %1 late)"_s,
                               "repeated()"_s}));
         if (begun)
-            QCOMPARE(contents(name), "begun"_b);
+            QCOMPARE(TestFolder::contents(name), "begun"_b);
+    }
+
+    void aBodyThatIsShorterThanAnnouncedIsAFailureWhateverQtSays_data()
+    {
+        QTest::addColumn<QByteArray>("announced");
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("longer") << "5"_b << true;
+        QTest::newRow("as long") << "4"_b << false;
+        QTest::newRow("nothing") << QByteArray() << false;
+    }
+    void aBodyThatIsShorterThanAnnouncedIsAFailureWhateverQtSays()
+    {
+        QFETCH(QByteArray, announced);
+        QFETCH(bool, fails);
+        const QString name = path("cut"_s);
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        log.bindFile(request.url("http://h/"_s).download(name));
+        HttpDispatch::dispatch(log.bindOutcomes(request), nullptr);
+        if (!announced.isNull())
+            client.replies.first()->setHeader("Content-Length", announced);
+        client.replies.first()->receive("bo");
+        client.replies.first()->receive("dy");
+        client.replies.first()->succeed();
+        const QString text =
+            "fileError Url: http://h/ file: "_s + name + " error: RemoteHostClosedError"_s;
+        QCOMPARE(log.lines(),
+                 fails ? (QStringList{"fileError()"_s, text, "error()"_s, "error(code 2)"_s,
+                                      "error(text RemoteHostClosedError)"_s, "repeated()"_s})
+                       : QStringList({"file()"_s, "file "_s + name}) + outcome(""));
+        QCOMPARE(TestFolder::contents(name), "body"_b);
     }
 
     void aRequestThatIsNoDownloadWritesNoFile()
@@ -206,7 +228,7 @@ private Q_SLOTS:
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, &client);
         request.fields.downloadFilePath = name;
-        bindFile(request, log);
+        log.bindFile(request);
         log.bindOutcomes(request).send();
         client.replies.first()->receive("body");
         client.replies.first()->succeed();
@@ -218,13 +240,16 @@ private Q_SLOTS:
     {
         const QString name = path("closed"_s);
         ControlledClient client;
-        QByteArray during;
+        QVector<bool> open;
         HttpRequest request(HttpMethod::Get, &client);
-        request.download(name).onFinished([&during, name] { during = contents(name); });
+        request.download(name)
+            .onDownloadFileFinished([&open, name] { open.append(isOpen(name)); })
+            .onDownloadFileFinished([&open, name](const QString &) { open.append(isOpen(name)); })
+            .onFinished([&open, name] { open.append(isOpen(name)); });
         HttpDispatch::dispatch(request, nullptr);
-        client.replies.first()->receive("body"); // stays in the file's buffer until it is closed
+        client.replies.first()->receive("body");
         client.replies.first()->succeed();
-        QCOMPARE(during, "body"_b);
+        QCOMPARE(open, (QVector<bool>{true, true, false}));
     }
 
     void aTimeoutAbortsAndIsReportedAfterTheError()

@@ -475,35 +475,18 @@ private Q_SLOTS:
         QVERIFY(!alive.isNull());
     }
 
-    void sendRefusesADownload_data()
+    void aDownloadIsAnsweredByAResponseThatIsTheCallers()
     {
-        QTest::addColumn<int>("level");
-        QTest::addColumn<QStringList>("lines");
-        const QStringList line{"Url: [http://h/a b]; downloads are not supported!"_s};
-        QTest::newRow("silent") << 1 << QStringList();
-        QTest::newRow("critical") << 2 << line;
-        QTest::newRow("default") << 3 << line;
-        QTest::newRow("dumps") << 5 << line;
-    }
-    void sendRefusesADownload()
-    {
-        QFETCH(int, level);
-        QFETCH(QStringList, lines);
         HttpClient client;
-        int calls = 0;
         HttpRequest request(HttpMethod::Get, &client);
-        request.url("http://h/a%20b"_s)
-            .download("/nowhere/file"_s)
-            .logLevel(level)
-            .onError([&calls] { ++calls; })
-            .onDownloadFileError([&calls] { ++calls; });
-        LogCapture log;
-        HttpResponse *response = request.send();
-        QCOMPARE(response, nullptr);
-        QCOMPARE(log.texts(QtCriticalMsg), lines);
-        QCOMPARE(log.lines().size(), lines.size());
-        QCOMPARE(client.children().size(), HttpClient().children().size());
-        QCOMPARE(calls, 0);
+        request.url("http://localhost:%1/"_s.arg(HttpTesting::deadPort()))
+            .download("/nowhere/file"_s);
+        const std::unique_ptr<HttpResponse> response(request.send());
+        QVERIFY(response);
+        QCOMPARE(response->parent(), nullptr); // until its reply is there
+        QCOMPARE(response->request().fields.reply, nullptr);
+        QCOMPARE(response->request().fields.downloadFilePath, "/nowhere/file"_s);
+        QCOMPARE(client.findChildren<QNetworkReply *>().size(), 0); // the probe is another client's
     }
 };
 

@@ -45,6 +45,18 @@ QString ScriptedServer::address(const QString &path) const
 
 void ScriptedServer::answer(const QByteArray &bytes, Then then) { m_answers.append({bytes, then}); }
 
+void ScriptedServer::push(const QByteArray &bytes)
+{
+    if (m_lastAsked)
+        give(m_lastAsked, {bytes, Then::KeepOpen});
+}
+
+void ScriptedServer::hangUp(Then then)
+{
+    if (m_lastAsked)
+        end(m_lastAsked, then);
+}
+
 void ScriptedServer::reset()
 {
     m_answers.clear();
@@ -86,6 +98,7 @@ void ScriptedServer::read(QTcpSocket *socket)
     const QByteArray request = bytes.left(length);
     bytes.remove(0, length);
     m_requests.append(request);
+    m_lastAsked = socket;
     Q_EMIT requestReceived(request);
     if (!m_answers.isEmpty())
         give(socket, nextAnswer());
@@ -99,9 +112,14 @@ ScriptedServer::Answer ScriptedServer::nextAnswer()
 void ScriptedServer::give(QTcpSocket *socket, const Answer &answer)
 {
     socket->write(answer.bytes);
-    if (answer.then == Then::Close) {
+    end(socket, answer.then);
+}
+
+void ScriptedServer::end(QTcpSocket *socket, Then then)
+{
+    if (then == Then::Close) {
         socket->disconnectFromHost(); // once the bytes are out
-    } else if (answer.then == Then::Reset) {
+    } else if (then == Then::Reset) {
         // A closed socket that lingers for no time at all sends a reset.
         while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten())
             ;

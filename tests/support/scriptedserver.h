@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <QPointer>
 #include <QSslConfiguration>
 #include <QTcpServer>
 
@@ -47,6 +48,12 @@ public:
     /// Adds an answer to the script.
     void answer(const QByteArray &bytes, Then then = Then::Close);
 
+    /// Sends more to whoever asked last; nothing when that connection is gone.
+    void push(const QByteArray &bytes);
+
+    /// Ends the connection of whoever asked last.
+    void hangUp(Then then = Then::Close);
+
     /// Forgets the script and the requests.
     void reset();
 
@@ -68,10 +75,12 @@ private:
     void read(QTcpSocket *socket);
     void give(QTcpSocket *socket, const Answer &answer);
     Answer nextAnswer();
+    static void end(QTcpSocket *socket, Then then);
 
     bool m_tls = false;
     QSslConfiguration m_configuration;
     QList<Answer> m_answers;
     QList<QByteArray> m_requests;
     QHash<QTcpSocket *, QByteArray> m_pending;
+    QPointer<QTcpSocket> m_lastAsked;
 };

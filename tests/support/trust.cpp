@@ -4,9 +4,11 @@
 
 namespace {
 
-QByteArray contents(const QString &name)
+QString inFolder(const QString &name) { return QStringLiteral(CERTIFICATE_FOLDER "/") + name; }
+
+QByteArray contents(const QString &fileName)
 {
-    QFile file(QStringLiteral(CERTIFICATE_FOLDER "/") + name);
+    QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         qFatal("cannot read %s", qPrintable(file.fileName()));
     return file.readAll();
@@ -29,19 +31,24 @@ QString nameOf(Identity identity)
 
 QSslCertificate certificateOf(Identity identity)
 {
-    return QSslCertificate(contents(nameOf(identity) + QStringLiteral(".pem")));
+    return QSslCertificate(contents(certificateFile(identity)));
 }
 
-QSslKey keyOf(Identity identity)
+QSslKey keyOf(Identity identity) { return QSslKey(contents(keyFile(identity)), QSsl::Ec); }
+
+QString certificateFile(Identity identity)
 {
-    return QSslKey(contents(nameOf(identity) + QStringLiteral(".key")), QSsl::Ec);
+    return inFolder(nameOf(identity) + QStringLiteral(".pem"));
 }
+
+QString keyFile(Identity identity) { return inFolder(nameOf(identity) + QStringLiteral(".key")); }
 
 TrustTestAuthority::TrustTestAuthority()
     : m_previous(QSslConfiguration::defaultConfiguration())
 {
     QSslConfiguration trusting = m_previous;
-    trusting.setCaCertificates({QSslCertificate(contents(QStringLiteral("authority.pem")))});
+    trusting.setCaCertificates(
+        {QSslCertificate(contents(inFolder(QStringLiteral("authority.pem"))))});
     QSslConfiguration::setDefaultConfiguration(trusting);
 }
 

@@ -3,6 +3,7 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QSslKey>
+#include <QString>
 #include <QtGlobal>
 
 /// The certificates that the test servers show.
@@ -14,6 +15,10 @@ enum class Identity {
 
 QSslCertificate certificateOf(Identity identity);
 QSslKey keyOf(Identity identity);
+
+/// The same as files, for servers in other processes.
+QString certificateFile(Identity identity);
+QString keyFile(Identity identity);
 
 /// Makes every TLS client of this process trust the test authority, and it alone, while it lives.
 class TrustTestAuthority

@@ -1,0 +1,196 @@
+#include "http/httpdownloader.h"
+
+#include "http/httpclient.h"
+#include "http/httpdispatch.h"
+#include "http/httpresponse.h"
+#include "http/replykeeper.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QThreadStorage>
+#include <QUrl>
+
+namespace {
+
+constexpr int probeTimeoutMs = 30000;
+// Without a bound Qt receives as fast as it can and keeps what is not written yet in memory.
+constexpr qint64 downloadBufferSize = 64 * 1024;
+// Nobody reads what the probe brings.
+constexpr qint64 probeBufferSize = 4096;
+constexpr char rangeHeader[] = "Range";
+
+// An access manager works on its own thread only, so each thread that downloads has one.
+HttpClient *probeClient()
+{
+    static QThreadStorage<HttpClient *> clients; // owns them
+    if (!clients.hasLocalData())
+        clients.setLocalData(new HttpClient);
+    return clients.localData();
+}
+
+QString nameFromAddress(const QUrl &address)
+{
+    const QString name = address.fileName(QUrl::FullyDecoded);
+    return name.isEmpty() ? address.host() : name;
+}
+
+// What an earlier attempt of the same download found out does not hold for this one.
+HttpRequest withoutFindings(const HttpRequest &request)
+{
+    HttpRequest fresh(request);
+    fresh.fields.reply = nullptr;
+    if (fresh.fields.supportsResume)
+        fresh.fields.networkRequest.setRawHeader(rangeHeader, QByteArray());
+    fresh.fields.supportsResume = false;
+    fresh.fields.downloadedBytes = 0;
+    fresh.fields.totalBytes = 0;
+    if (fresh.fields.readBufferSize < 0)
+        fresh.fields.readBufferSize = downloadBufferSize;
+    return fresh;
+}
+
+} // namespace
+
+HttpResponse *HttpDownloader::start(const HttpRequest &request)
+{
+    const HttpRequest fresh = withoutFindings(request);
+    // Before the probe: when the request blocks, all is over when the probe's send() returns.
+    const QPointer<HttpResponse> response(new HttpResponse(fresh, nullptr)); // the caller's
+    const QPointer<HttpDownloader> downloader(new HttpDownloader(fresh, response));
+    downloader->sendProbe();
+    if (downloader) { // the caller is about to have the response
+        downloader->m_starting = false;
+        downloader->m_keeper.reset();
+    }
+    return response;
+}
+
+HttpDownloader::HttpDownloader(const HttpRequest &request, HttpResponse *response)
+    : QObject(response)
+    , m_request(request)
+    , m_fileName(nameFromAddress(request.fields.networkRequest.url()))
+    , m_response(response)
+{
+    // As with any other request: the client's end is its end, and no answer follows.
+    if (request.fields.client)
+        connect(request.fields.client, &QObject::destroyed, this, [response] { delete response; });
+}
+
+HttpDownloader::~HttpDownloader()
+{
+    delete m_probe; // which ends the probe
+}
+
+void HttpDownloader::sendProbe()
+{
+    HttpRequest probe(HttpMethod::Get, probeClient());
+    probe.fields.networkRequest.setUrl(m_request.fields.networkRequest.url());
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED // 5.15 prefers the attribute with the policy; they do the same
+    probe.fields.networkRequest.setAttribute(QNetworkRequest::FollowRedirectsAttribute, true);
+    QT_WARNING_POP
+    probe.onHead(this, SLOT(onHead(QList<QNetworkReply::RawHeaderPair>)))
+        .onHead(this, SLOT(onHead(QMap<QString, QString>)))
+        .onReadyRead(this, SLOT(onReadyRead(QNetworkReply *)))
+        .onError(this, SLOT(onResponse(QNetworkReply::NetworkError)))
+        .timeout(probeTimeoutMs)
+        .readBufferSize(probeBufferSize)
+        .block(m_request.fields.block);
+    const QPointer<HttpDownloader> self(this);
+    HttpResponse *response = probe.send();
+    if (self)
+        m_probe = response;
+}
+
+void HttpDownloader::onHead(QList<QNetworkReply::RawHeaderPair> headerForPair)
+{
+    m_headerPairs = headerForPair;
+}
+
+void HttpDownloader::onHead(QMap<QString, QString> headerForMap)
+{
+    m_headerMap = headerForMap;
+    for (auto it = headerForMap.cbegin(); it != headerForMap.cend(); ++it)
+        readHeader(it.key(), it.value());
+}
+
+void HttpDownloader::readHeader(const QString &name, const QString &value)
+{
+    const auto isAbout = [&name](const char *header) {
+        return name.contains(QLatin1String(header), Qt::CaseInsensitive);
+    };
+    if (isAbout("Content-Disposition")) {
+        static const QRegularExpression attachment(QRegularExpression::anchoredPattern(
+            QStringLiteral(R"(attachment;\s*filename=([\S]+))")));
+        const QRegularExpressionMatch match = attachment.match(value);
+        if (match.hasMatch())
+            m_fileName = match.captured(1);
+    }
+    if (isAbout("Content-Length"))
+        m_contentLength = value.toLongLong();
+    if (isAbout("Content-Range") || isAbout("Accept-Ranges"))
+        m_rangesSupported = true; // whatever it says
+}
+
+void HttpDownloader::onReadyRead(QNetworkReply *reply)
+{
+    // Nobody is connected to it: the caller hears neither of a name that was chosen nor of a file
+    // that was complete.
+    HttpResponse unheard(m_request, nullptr);
+    HttpRequestFields &fields = m_request.fields;
+    if (fields.downloadFilePath.isEmpty()) {
+        fields.downloadFilePath = m_fileName;
+        Q_EMIT unheard.downloadFileNameChanged(m_fileName);
+    }
+    fields.totalBytes = m_contentLength;
+    fields.supportsResume = m_rangesSupported;
+    planResume(&unheard);
+    reply->abort(); // onResponse() follows
+}
+
+// Only a file that is shorter than announced is continued. To one that is as long, or longer, the
+// whole resource will be appended.
+void HttpDownloader::planResume(HttpResponse *unheard)
+{
+    HttpRequestFields &fields = m_request.fields;
+    QFile file(fields.downloadFilePath);
+    if (!fields.enableResume || !m_rangesSupported || !file.exists()
+        || !file.open(QIODevice::ReadOnly))
+        return;
+    fields.downloadedBytes = file.size();
+    if (fields.downloadedBytes < m_contentLength)
+        fields.networkRequest.setRawHeader(
+            rangeHeader, "bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
+    else if (fields.downloadedBytes == m_contentLength)
+        announceComplete(unheard);
+}
+
+void HttpDownloader::announceComplete(HttpResponse *response)
+{
+    Q_EMIT response->head(m_headerPairs);
+    Q_EMIT response->head(m_headerMap);
+    Q_EMIT response->downloadFileProgress(m_contentLength, m_contentLength);
+    Q_EMIT response->downloadFileFinished();
+    Q_EMIT response->downloadFileFinished(m_request.fields.downloadFilePath);
+    Q_EMIT response->finished();
+    Q_EMIT response->finished(QByteArray());
+    Q_EMIT response->finished(QVariantMap());
+    Q_EMIT response->finished(static_cast<QNetworkReply *>(nullptr));
+    Q_EMIT response->finished(QString());
+}
+
+// However the probe ended, it is the download itself that succeeds or fails.
+void HttpDownloader::onResponse(QNetworkReply::NetworkError code)
+{
+    Q_UNUSED(code)
+    if (m_request.fields.client) // its replies go with it from here on
+        disconnect(m_request.fields.client, nullptr, this, nullptr);
+    const QPointer<HttpDownloader> self(this);
+    const HttpResponse *served = HttpDispatch::dispatch(m_request, m_response);
+    if (!self)
+        return;
+    if (!served)
+        m_response->deleteLater(); // there will be no answer
+    else if (m_request.fields.block && m_starting)
+        m_keeper = std::make_unique<ReplyKeeper>(served->request().fields.reply);
+}

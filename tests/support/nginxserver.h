@@ -1,0 +1,35 @@
+#pragma once
+
+#include "tests/support/externalserver.h"
+#include "tests/support/testfolder.h"
+
+/// nginx in a process of its own, in the clear and over TLS as Identity::Localhost. It serves the
+/// files of a folder:
+///  - /NAME           with ranges
+///  - /noranges/NAME  without
+///  - /gzip/NAME      compressed
+///  - /moved/NAME     a redirect to /NAME
+class NginxServer
+{
+public:
+    NginxServer();
+
+    /// False when it does not start; errorText() says why. It may be started again after kill().
+    bool start();
+    void kill() { m_process.kill(); }
+    QString errorText() const { return m_process.errorText(); }
+
+    /// Where the file that it serves as @p name is.
+    QString file(const QString &name) const { return m_folder.path(QStringLiteral("www/") + name); }
+
+    QString address(const QString &path) const;
+    QString tlsAddress(const QString &path) const;
+
+private:
+    QByteArray configuration() const;
+
+    TestFolder m_folder;
+    const quint16 m_port = ExternalServer::freePort();
+    const quint16 m_tlsPort = ExternalServer::freePort();
+    ExternalServer m_process{QStringLiteral("nginx")};
+};
