@@ -393,10 +393,11 @@ public:
     }
 
     /// Sends a copy of the request from the client's thread and returns the response, which belongs
-    /// to its reply and goes with it: at once, or after the exchange if the request blocks. Deleting
-    /// the response ends the exchange without a further callback. Null when nothing could be sent
-    /// (an unknown method, no client, a multi-part body without an object): no callback runs then,
-    /// and a critical message says why. Null also after a wait in which the response was deleted.
+    /// to its reply and goes with it: at once, or after the exchange if the request blocks.
+    /// Deleting the response ends the exchange without a further callback. Null when nothing could
+    /// be sent (an unknown method, no client, a multi-part body without an object): no callback
+    /// runs then, and a critical message says why. Null also after a wait in which the response was
+    /// deleted.
     ///
     /// A download has its response before its reply: see HttpDownloader.
     HttpResponse *send() const;
