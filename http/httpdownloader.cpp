@@ -5,6 +5,8 @@
 #include "http/httpresponse.h"
 #include "http/replykeeper.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QFile>
 #include <QRegularExpression>
 #include <QThreadStorage>
@@ -14,7 +16,7 @@ namespace {
 
 constexpr int probeTimeoutMs = 30000;
 // Without a bound Qt receives as fast as it can and keeps what is not written yet in memory.
-constexpr qint64 downloadBufferSize = 64 * 1024;
+constexpr qint64 downloadBufferSize = 65536;
 // Nobody reads what the probe brings.
 constexpr qint64 probeBufferSize = 4096;
 constexpr char rangeHeader[] = "Range";
@@ -145,7 +147,11 @@ void HttpDownloader::onReadyRead(QNetworkReply *reply)
     fields.totalBytes = m_contentLength;
     fields.supportsResume = m_rangesSupported;
     planResume(&unheard);
-    reply->abort(); // onResponse() follows
+    const QPointer<QNetworkReply> probe(reply);
+    reply->abort(); // and so onResponse() is called
+    // Qt would complain about the end that the server's page of a failure brings after this one.
+    if (probe)
+        QCoreApplication::removePostedEvents(probe, QEvent::MetaCall);
 }
 
 // Only a file that is shorter than announced is continued. To one that is as long, or longer, the

@@ -2,6 +2,7 @@
 
 #include "cataloguecommands.h"
 #include "console.h"
+#include "fetch.h"
 #include "options.h"
 #include "progress.h"
 #include "qrsignin.h"
@@ -35,6 +36,8 @@ std::unique_ptr<Command> Command::make(const Options &options, const Tools &tool
         return std::make_unique<SmsSignIn>(options, tools);
     case Options::Action::Logout:
         return std::make_unique<SignOut>(options, tools);
+    case Options::Action::Fetch:
+        return std::make_unique<Fetch>(options, tools);
     }
     Q_UNREACHABLE();
 }

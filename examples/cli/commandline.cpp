@@ -1,6 +1,8 @@
 #include "commandline.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QUrl>
 
 #include <algorithm>
 #include <iterator>
@@ -14,6 +16,7 @@ const QLatin1String rateName("rate");
 const QLatin1String longName("long");
 const QLatin1String anonymousName("anonymous");
 const QLatin1String outputName("output");
+const QLatin1String resumeName("resume");
 const QLatin1String qrName("qr");
 const QLatin1String smsName("sms");
 const QLatin1String jsonName("json");
@@ -36,11 +39,13 @@ const struct CommandWord
     {QLatin1String("update"), Action::Update, nullptr},
     {QLatin1String("login"), Action::Login, nullptr},
     {QLatin1String("logout"), Action::Logout, nullptr},
+    {QLatin1String("fetch"), Action::Fetch, "an address"},
 };
 
 const Options::Actions speech = Action::Say | Action::Recognize;
 const Options::Actions catalogue = Action::Voices | Action::Music | Action::Update;
-const Options::Actions withResult = speech | catalogue | Action::Login;
+const Options::Actions withResult = speech | catalogue | Action::Login | Action::Fetch;
+const Options::Actions withFile = Options::Actions(Action::Say) | Action::Fetch;
 const Options::Actions every = withResult | Action::Logout;
 
 const struct OptionWord
@@ -53,7 +58,8 @@ const struct OptionWord
 } optionWords[] = {
     {helpName, "h", nullptr, every, "Prints this help."},
     {versionName, "v", nullptr, every, "Prints the version."},
-    {outputName, "o", "file", Action::Say, "say: the file that gets the audio."},
+    {outputName, "o", "file", withFile, "say, fetch: the file that gets what comes."},
+    {resumeName, nullptr, nullptr, Action::Fetch, "fetch: goes on where an earlier run ended."},
     {voiceName, nullptr, "voice", Action::Say, "say: the voice; rms by default."},
     {rateName, nullptr, "hz", Action::Say, "say: samples per second; 16000 by default."},
     {anonymousName, nullptr, nullptr, Action::Say, "say: without signing in."},
@@ -76,16 +82,22 @@ const QLatin1String description(
     "  vospeak logout\n"
     "  vospeak say \"TEXT\" -o FILE.wav [--voice VOICE] [--rate HZ] [--long | --anonymous]\n"
     "  vospeak recognize FILE.wav|ADDRESS [--long]\n"
-    "  vospeak voices | music | update\n\n"
-    "Results go to standard output, everything else to standard error. An ADDRESS begins\n"
-    "with https:// and must be one that the service can read.\n\n"
+    "  vospeak voices | music | update\n"
+    "  vospeak fetch ADDRESS [-o FILE] [--resume]\n\n"
+    "Results go to standard output, everything else to standard error. The ADDRESS\n"
+    "of a recording begins with https:// and must be one that the service can read.\n\n"
     "login keeps a session, in session.json of the user's configuration folder and readable\n"
     "by the user only; say and recognize use it and renew its token. logout removes it. With\n"
     "--sms the code that the phone received is read from standard input. With --qr the code\n"
     "is drawn on standard error, black on white on a terminal; elsewhere it has no colours and\n"
     "can be scanned where the background is light. The path of its picture is shown too.\n\n"
+    "fetch writes into FILE.part, which becomes FILE when it is complete and stays when it is\n"
+    "not. Without -o the file has the last name in the ADDRESS, which begins with https:// or\n"
+    "http://. --resume goes on with FILE.part and takes it that the server still has the same\n"
+    "file; where the server cannot go on, it begins anew.\n\n"
     "With --json standard output gets one object, in UTF-8 and ended by a line feed:\n"
     "  say        file, bytes\n"
+    "  fetch      file, bytes\n"
     "  recognize  text\n"
     "  voices     voices: [name, voice, type, category, scene, avatar, sampleUrl,\n"
     "             shortSynthesis, longSynthesis]\n"
@@ -101,6 +113,18 @@ QCommandLineOption parserOption(const OptionWord &word)
     if (word.letter)
         names.prepend(QLatin1String(word.letter));
     return {names, QLatin1String(word.meaning), QLatin1String(word.value)};
+}
+
+bool isControl(QChar character) { return character.category() == QChar::Other_Control; }
+
+// Only a plain name: what an address says does not choose the folder.
+QString nameIn(const QUrl &address)
+{
+    const QString name = address.fileName(QUrl::FullyDecoded);
+    const bool isPlain = QFileInfo(name).fileName() == name && name != QLatin1String(".")
+                         && name != QLatin1String("..")
+                         && std::none_of(name.begin(), name.end(), isControl);
+    return isPlain ? name : QString();
 }
 
 QString commandNames()
@@ -134,7 +158,7 @@ void CommandLine::declare()
     m_parser.addPositionalArgument(QStringLiteral("command"),
                                    QStringLiteral("One of %1.").arg(commandNames()));
     m_parser.addPositionalArgument(QStringLiteral("subject"),
-                                   QStringLiteral("The text, or the recording."),
+                                   QStringLiteral("The text, the recording or the address."),
                                    QStringLiteral("[subject]"));
 }
 
@@ -157,6 +181,8 @@ void CommandLine::read(const QStringList &arguments)
         readToken();
         if (m_options.action == Action::Say)
             readSpeech();
+        else if (m_options.action == Action::Fetch)
+            readDownload();
         else if (m_options.action == Action::Login)
             readLogin();
     }
@@ -198,6 +224,15 @@ void CommandLine::readSubject(const QString &subject)
         m_options.recording = subject;
         if (subject.isEmpty())
             complain(QStringLiteral("recognize needs a recording"));
+    } else if (m_options.action == Action::Fetch) {
+        m_options.address = subject;
+        const QUrl address(subject, QUrl::TolerantMode);
+        if ((address.scheme() != QLatin1String("https")
+             && address.scheme() != QLatin1String("http"))
+            || address.host().isEmpty())
+            complain(
+                QStringLiteral("\"%1\" is no address: it has to begin with https:// or http://")
+                    .arg(subject));
     }
 }
 
@@ -219,6 +254,16 @@ void CommandLine::readSpeech()
         complain(QStringLiteral("say needs a file for the audio (-o FILE.wav)"));
     if (m_options.longForm && m_options.anonymous)
         complain(QStringLiteral("--long needs a token and does not go with --anonymous"));
+}
+
+void CommandLine::readDownload()
+{
+    m_options.resume = m_parser.isSet(resumeName);
+    m_options.output = m_parser.isSet(outputName)
+                           ? m_parser.value(outputName)
+                           : nameIn(QUrl(m_options.address, QUrl::TolerantMode));
+    if (m_options.output.isEmpty())
+        complain(QStringLiteral("the address has no name for the file; name one (-o FILE)"));
 }
 
 void CommandLine::readLogin()

@@ -27,6 +27,7 @@ private:
     void readSubject(const QString &subject);
     void refuseStrayOptions();
     void readSpeech();
+    void readDownload();
     void readLogin();
     void readToken();
     void readSampleRate();

@@ -19,11 +19,19 @@
 
 namespace {
 
+QString downloadProblem(const OutputFile &file)
+{
+    const QString problem = file.problem();
+    return problem.isEmpty() ? OutputFile(file.partPath()).problem() : problem;
+}
+
 // Found out before the service is asked for anything.
 QString fileProblem(const Options &options)
 {
     if (options.action == Options::Action::Say)
         return OutputFile(options.output).problem();
+    if (options.action == Options::Action::Fetch)
+        return downloadProblem(OutputFile(options.output));
     if (options.action == Options::Action::Recognize && !InputFile::isAddress(options.recording))
         return InputFile::problem(options.recording);
     return {};

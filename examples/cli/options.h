@@ -16,13 +16,15 @@ struct Options
         Update = 1 << 4,
         Login = 1 << 5,
         Logout = 1 << 6,
+        Fetch = 1 << 7,
     };
     Q_DECLARE_FLAGS(Actions, Action)
 
     Action action = Action::Say;
     QString text;      ///< To be said.
     QString recording; ///< To be recognised: a file or an address.
-    QString output;    ///< The file that gets the audio.
+    QString address;   ///< To be downloaded.
+    QString output;    ///< The file that gets the audio, or what was downloaded.
     QString voice;
     QString phone;     ///< Gets the sign-in code; empty: sign in by scanning a code.
     QString authority; ///< Certificate file; empty: the system's authorities only.
@@ -30,7 +32,8 @@ struct Options
     std::optional<qint64> token; ///< None: the session's.
     bool longForm = false;       ///< As a task that is asked after, not in one reply.
     bool anonymous = false;
-    bool json = false; ///< The result is printed as JSON, not as text.
+    bool resume = false; ///< A download goes on where an earlier one ended.
+    bool json = false;   ///< The result is printed as JSON, not as text.
     bool verbose = false;
 };
 

@@ -64,11 +64,15 @@ bool OutputFile::write(const QByteArray &bytes) const
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }
 
+QString OutputFile::partPath() const { return m_path + QLatin1String(".part"); }
+
+bool OutputFile::replaceBy(const QString &path) const { return renameOver(path, m_path); }
+
 bool OutputFile::take(const std::function<bool(const QString &path)> &fetch) const
 {
     const QFileInfo target(m_path);
     // A folder of its own, so that the file is made with the permissions of any new file.
     const QTemporaryDir folder(target.dir().filePath(QStringLiteral(".vospeak-XXXXXX")));
     const QString fetched = folder.filePath(QStringLiteral("audio"));
-    return folder.isValid() && fetch(fetched) && renameOver(fetched, m_path);
+    return folder.isValid() && fetch(fetched) && replaceBy(fetched);
 }

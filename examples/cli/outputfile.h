@@ -6,7 +6,7 @@
 
 class QByteArray;
 
-/// The audio file that the user asked for. It appears whole or not at all, and replaces an older
+/// The file that the user asked for. It appears whole or not at all, and replaces an older
 /// one only then.
 class OutputFile
 {
@@ -19,6 +19,12 @@ public:
 
     /// Writes @p bytes. False when that failed.
     bool write(const QByteArray &bytes) const;
+
+    /// Where an unfinished output can be kept: beside the file, links followed.
+    QString partPath() const;
+
+    /// Takes the file @p path, in the same folder, for the output. False when that failed.
+    bool replaceBy(const QString &path) const;
 
     /// Calls @p fetch with the path of a file to be made in the same folder; that file becomes the
     /// output when @p fetch returns true, and is gone otherwise. False when there is no output.

@@ -23,6 +23,7 @@ private Q_SLOTS:
         write("some.wav", "RIFF");
         write("nonsense.pem", "-----BEGIN CERTIFICATE-----\nnonsense\n");
         QVERIFY(QDir().mkdir(QStringLiteral("folder")));
+        QVERIFY(QDir().mkdir(QStringLiteral("blocked.part")));
     }
 
     void wrongUseIsToldInOneLine_data()
@@ -33,6 +34,7 @@ private Q_SLOTS:
         numberRows();
         recordingRows();
         signInRows();
+        downloadRows();
         strayRows();
         authorityRows();
     }
@@ -112,7 +114,8 @@ private Q_SLOTS:
         QTest::newRow("--help") << arguments("--help") << QStringLiteral("recognize");
         QTest::newRow("-h") << arguments("-h") << QStringLiteral("--token");
         QTest::newRow("say --help") << arguments("say --help") << QStringLiteral("--voice");
-        for (const char *word : {"voices", "music", "update", "login", "logout", "--json", "--sms"})
+        for (const char *word : {"voices", "music", "update", "login", "logout", "fetch", "--json",
+                                 "--sms", "--resume"})
             QTest::addRow("%s in --help", word) << arguments("--help") << QString::fromLatin1(word);
         QTest::newRow("--version") << arguments("--version") << QStringLiteral("vospeak 1.");
     }
@@ -237,6 +240,27 @@ private:
         QTest::newRow("logout with an argument") << arguments("logout me");
     }
 
+    static void downloadRows()
+    {
+        QTest::newRow("no address") << arguments("fetch");
+        QTest::newRow("empty address") << arguments("fetch  -o f");
+        QTest::newRow("two addresses") << arguments("fetch http://a/b http://a/c");
+        QTest::newRow("address without scheme") << arguments("fetch example.org/f");
+        QTest::newRow("address of another scheme") << arguments("fetch ftp://example.org/f");
+        QTest::newRow("address of a file") << arguments("fetch file:///etc/hostname");
+        QTest::newRow("address without host") << arguments("fetch https:///f");
+        QTest::newRow("address without name") << arguments("fetch https://example.org/");
+        QTest::newRow("address that ends in an encoded folder")
+            << arguments("fetch https://example.org/a%2F..");
+        QTest::newRow("address that ends in a folder") << arguments("fetch https://example.org/..");
+        QTest::newRow("control character in the name") << arguments("fetch http://a/f%07");
+        QTest::newRow("NUL in the name") << arguments("fetch https://example.org/f%00");
+        QTest::newRow("empty name") << arguments("fetch http://a/b -o ");
+        QTest::newRow("download into no folder") << arguments("fetch http://a/b -o nowhere/f");
+        QTest::newRow("download into a folder") << arguments("fetch http://a/b -o folder");
+        QTest::newRow("part is a folder") << arguments("fetch http://a/b -o blocked");
+    }
+
     // Options that belong to other commands.
     static void strayRows()
     {
@@ -245,9 +269,13 @@ private:
             const char *command;
             QList<const char *> options;
         } rows[] = {
-            {"say hello -o a.wav", {"--qr", "--sms 1"}},
+            {"say hello -o a.wav", {"--qr", "--sms 1", "--resume"}},
+            {"fetch http://a/b",
+             {"--qr", "--sms 1", "--anonymous", "--voice rms", "--rate 8000", "--long",
+              "--token 1"}},
             {"recognize some.wav",
-             {"--qr", "--sms 1", "--anonymous", "--voice rms", "--rate 8000", "-o text.txt"}},
+             {"--qr", "--sms 1", "--anonymous", "--voice rms", "--rate 8000", "-o text.txt",
+              "--resume"}},
             {"voices",
              {"--qr", "--sms 1", "--anonymous", "--voice rms", "--rate 8000", "-o a.wav", "--long",
               "--token 1", "more"}},
