@@ -1,12 +1,11 @@
 #include "http/httpdownloader.h"
 
+#include "http/httpblocker.h"
 #include "http/httpclient.h"
 #include "http/httpdispatch.h"
 #include "http/httpresponse.h"
 #include "http/replykeeper.h"
 
-#include <QCoreApplication>
-#include <QEvent>
 #include <QFile>
 #include <QRegularExpression>
 #include <QThreadStorage>
@@ -36,12 +35,18 @@ QString nameFromAddress(const QUrl &address)
     return name.isEmpty() ? address.host() : name;
 }
 
+// A range that ends somewhere is the caller's own.
+bool isOpenEnded(const QNetworkRequest &request)
+{
+    return request.rawHeader(rangeHeader).endsWith('-');
+}
+
 // What an earlier attempt of the same download found out does not hold for this one.
 HttpRequest withoutFindings(const HttpRequest &request)
 {
     HttpRequest fresh(request);
     fresh.fields.reply = nullptr;
-    if (fresh.fields.supportsResume)
+    if (fresh.fields.supportsResume && isOpenEnded(request.fields.networkRequest))
         fresh.fields.networkRequest.setRawHeader(rangeHeader, QByteArray());
     fresh.fields.supportsResume = false;
     fresh.fields.downloadedBytes = 0;
@@ -96,12 +101,11 @@ void HttpDownloader::sendProbe()
         .onReadyRead(this, SLOT(onReadyRead(QNetworkReply *)))
         .onError(this, SLOT(onResponse(QNetworkReply::NetworkError)))
         .timeout(probeTimeoutMs)
-        .readBufferSize(probeBufferSize)
-        .block(m_request.fields.block);
-    const QPointer<HttpDownloader> self(this);
-    HttpResponse *response = probe.send();
-    if (self)
-        m_probe = response;
+        .readBufferSize(probeBufferSize);
+    m_probe = probe.send();
+    // Awaited here and not by send(): whatever ends the download meanwhile has to end the probe.
+    if (m_request.fields.block)
+        (new HttpBlocker(m_probe->request().fields.reply))->wait(); // the reply's child
 }
 
 void HttpDownloader::onHead(QList<QNetworkReply::RawHeaderPair> headerForPair)
@@ -138,7 +142,7 @@ void HttpDownloader::onReadyRead(QNetworkReply *reply)
 {
     // Nobody is connected to it: the caller hears neither of a name that was chosen nor of a file
     // that was complete.
-    HttpResponse unheard(m_request, nullptr);
+    HttpResponse unheard(HttpRequest(m_request.fields.method, nullptr), nullptr);
     HttpRequestFields &fields = m_request.fields;
     if (fields.downloadFilePath.isEmpty()) {
         fields.downloadFilePath = m_fileName;
@@ -147,11 +151,13 @@ void HttpDownloader::onReadyRead(QNetworkReply *reply)
     fields.totalBytes = m_contentLength;
     fields.supportsResume = m_rangesSupported;
     planResume(&unheard);
-    const QPointer<QNetworkReply> probe(reply);
-    reply->abort(); // and so onResponse() is called
-    // Qt would complain about the end that the server's page of a failure brings after this one.
-    if (probe)
-        QCoreApplication::removePostedEvents(probe, QEvent::MetaCall);
+    // Not from inside the abort: only after it does the connection end, which a server that serves
+    // one at a time waits for.
+    disconnect(m_probe, nullptr, this, nullptr);
+    const QPointer<HttpDownloader> self(this);
+    reply->abort();
+    if (self)
+        onResponse(QNetworkReply::OperationCanceledError);
 }
 
 // Only a file that is shorter than announced is continued. To one that is as long, or longer, the
@@ -189,6 +195,7 @@ void HttpDownloader::announceComplete(HttpResponse *response)
 void HttpDownloader::onResponse(QNetworkReply::NetworkError code)
 {
     Q_UNUSED(code)
+    m_request.fields.callbacks = m_response->livingCallbacks();
     if (m_request.fields.client) // its replies go with it from here on
         disconnect(m_request.fields.client, nullptr, this, nullptr);
     const QPointer<HttpDownloader> self(this);

@@ -201,8 +201,10 @@ public:
         return bindTarget<CallbackKind::UploadProgress>(std::forward<Target>(target)...);
     }
 
-    /// The time-out expired and the exchange was aborted. Forms: (QNetworkReply *) or (). Whoever
-    /// takes the reply owns it and deletes it later.
+    /// The time-out expired and the exchange was aborted: after the error, or, when that was
+    /// retried, after the retry has been sent (if the request blocks: performed). Forms:
+    /// (QNetworkReply *) or
+    /// (). The reply goes when the callbacks are over, unless onError() has handed it over.
     template <typename... Target>
     HttpRequest &onTimeout(Target &&...target)
     {

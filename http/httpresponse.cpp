@@ -161,6 +161,7 @@ void HttpResponse::serveRequest()
         new HttpResponseTimeout(m_request.fields.timeoutMs, this); // this response's child
     QNetworkReply *reply = m_request.fields.reply;
     m_reply = reply;
+    rememberReceivers();
     if (!reply)
         return;
     for (const Wire &wire : replyWires())
@@ -169,7 +170,6 @@ void HttpResponse::serveRequest()
             &HttpResponse::onAuthenticationRequired);
     boundReadBuffer(m_request.fields.readBufferSize);
     HttpCallbackBinder::attach(this, m_request.fields);
-    rememberReceivers();
 }
 
 template <auto Signal>
@@ -209,6 +209,8 @@ void HttpResponse::onFinished()
     QNetworkReply *reply = m_request.fields.reply;
     if (reply->error() != QNetworkReply::NoError || m_outcomeReported)
         return;
+    if (!writeTheRest())
+        return;
     if (isCutOff())
         return onError(QNetworkReply::RemoteHostClosedError);
     m_outcomeReported = true;
@@ -229,7 +231,17 @@ bool HttpResponse::isCutOff() const
         return false;
     const QNetworkReply *reply = m_request.fields.reply;
     const QVariant announced = reply->header(QNetworkRequest::ContentLengthHeader);
-    return announced.isValid() && m_received + reply->bytesAvailable() < announced.toLongLong();
+    return announced.isValid() && m_received < announced.toLongLong();
+}
+
+// There is some when the exchange has ended inside a receiver of the first data, before it was
+// read.
+bool HttpResponse::writeTheRest()
+{
+    QNetworkReply *reply = m_request.fields.reply;
+    if (!m_downloadFile || !m_downloadFile->isOpen() || reply->bytesAvailable() == 0)
+        return true;
+    return writeToFile(reply->readAll());
 }
 
 /// Whoever is connected to @p Signal owns the reply from here on.
@@ -309,7 +321,8 @@ bool HttpResponse::repeatOrEnd()
 void HttpResponse::rememberReceivers()
 {
     m_receivers.clear();
-    if (m_request.fields.retryCount < 1 && m_request.fields.repeatCount < 2)
+    const HttpRequestFields &fields = m_request.fields;
+    if (fields.retryCount < 1 && fields.repeatCount < 2 && !fields.isDownload)
         return;
     for (const HttpRequestFields::Callbacks &callbacks : qAsConst(m_request.fields.callbacks)) {
         for (const auto &[key, target] : callbacks) {
@@ -323,8 +336,15 @@ void HttpResponse::rememberReceivers()
 HttpRequest HttpResponse::nextPerformance() const
 {
     HttpRequest next(m_request);
+    next.fields.callbacks = livingCallbacks();
+    return next;
+}
+
+QMap<int, HttpRequestFields::Callbacks> HttpResponse::livingCallbacks() const
+{
+    QMap<int, HttpRequestFields::Callbacks> table = m_request.fields.callbacks;
     auto receiver = m_receivers.cbegin();
-    for (HttpRequestFields::Callbacks &callbacks : next.fields.callbacks) {
+    for (HttpRequestFields::Callbacks &callbacks : table) {
         HttpRequestFields::Callbacks living;
         for (const auto &callback : qAsConst(callbacks)) {
             const bool gone = receiver->has_value() && receiver->value().isNull();
@@ -334,7 +354,7 @@ HttpRequest HttpResponse::nextPerformance() const
         }
         callbacks = living;
     }
-    return next;
+    return table;
 }
 
 void HttpResponse::onHandleHead()

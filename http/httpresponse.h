@@ -21,8 +21,9 @@
 /// it later, or destroy the client (HttpClient says when not).
 ///
 /// Exactly one outcome is reported for each performance of the request: either the finished()
-/// family or the error() family. Whoever is connected to finished(QNetworkReply*),
-/// error(QNetworkReply*) or timeout(QNetworkReply*) owns the reply and deletes it later.
+/// family or the error() family. Whoever is connected to finished(QNetworkReply*) or
+/// error(QNetworkReply*) owns the reply and deletes it later; timeout(QNetworkReply*) hands over a
+/// reply that is about to go unless error(QNetworkReply*) has handed it over before.
 class HttpResponse : public QObject
 {
     Q_OBJECT
@@ -50,6 +51,10 @@ public:
 
     /// Whether one of the signals is being emitted.
     bool isDelivering() const;
+
+    /// The request's callbacks without those whose receivers are gone. For a request that may go
+    /// out later or once more.
+    QMap<int, HttpRequestFields::Callbacks> livingCallbacks() const;
 
 Q_SIGNALS:
     /// Another reply is served than before.
@@ -101,7 +106,7 @@ Q_SIGNALS:
 
     /// This performance was a retry; precedes its outcome.
     void retried();
-    /// No further performance follows; the last signal of a request.
+    /// No further performance follows; only timeout() may come after it.
     void repeated();
 
     /// The server asks for credentials and the request has none to give.
@@ -146,6 +151,7 @@ private:
     bool deliverReply(QNetworkReply *reply);
     void boundReadBuffer(qint64 bytes);
     bool isCutOff() const;
+    bool writeTheRest();
     bool writeToFile(const QByteArray &data);
     void rememberReceivers();
     HttpRequest nextPerformance() const;

@@ -6,12 +6,14 @@
 #include "tests/support/testfolder.h"
 
 #include <QElapsedTimer>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
 
 #include <memory>
+#include <thread>
 
 using HttpTesting::waitUntilGone;
 
@@ -273,6 +275,26 @@ private Q_SLOTS:
         log.add("outer returned"_s);
         QCOMPARE(log.lines(), (QStringList{"outer over"_s, "inner over"_s, "inner returned"_s,
                                            "outer returned"_s}));
+    }
+
+    void aLimitHoldsOnAThreadThatQtDidNotStart()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer("", ScriptedServer::Then::KeepOpen);
+        const QString address = server.address("/"_s);
+        CallbackLog log;
+        QSemaphore over;
+        std::thread thread([&] {
+            HttpClient client;
+            HttpRequest request = blocking(&client, address).timeout(200);
+            log.bindTimeout(log.bindOutcomes(request)).send();
+            over.release();
+        });
+        QTRY_COMPARE_WITH_TIMEOUT(over.available(), 1, 20000);
+        thread.join();
+        QCOMPARE(log.lines().last(), "timeout()"_s);
+        QCOMPARE(log.outcomes(), 1);
     }
 
     void aThreadWithoutAnEventLoopMayBlock_data()

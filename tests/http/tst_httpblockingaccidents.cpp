@@ -5,6 +5,7 @@
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 #include <QTimer>
 
@@ -159,6 +160,23 @@ private Q_SLOTS:
         // The probe's own client is another one: its wait is over all the same.
         server.answer(download ? ScriptedServer::reply("body") : QByteArray());
         QCOMPARE(log.bindOutcomes(request).send(), nullptr);
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void theClientMayGoWhileTheProbeIsNotAnswered()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer("", ScriptedServer::Then::KeepOpen);
+        auto client = std::make_unique<HttpClient>();
+        connect(&server, &ScriptedServer::requestReceived, this, [&client] { client.reset(); });
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, client.get());
+        request.url(server.address("/"_s)).download(m_folder.path("target"_s)).block(true);
+        QElapsedTimer since;
+        since.start();
+        QCOMPARE(log.bindOutcomes(request).send(), nullptr);
+        QVERIFY(since.elapsed() < 15000); // half of what the probe would wait by itself
         QCOMPARE(log.lines(), QStringList());
     }
 

@@ -312,6 +312,44 @@ private Q_SLOTS:
         QCOMPARE(TestFolder::contents(m_target), "01234"_b);
     }
 
+    void aReceiverThatGoesDuringTheProbeIsLeftOut()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("body"));
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request = download(&client, server);
+        auto receiver = std::make_unique<QObject>();
+        request.onFinished(receiver.get(), SLOT(deleteLater()));
+        HttpResponse *response = log.bindOutcomes(log.bindFile(request)).send();
+        receiver.reset();
+        QVERIFY(waitUntilGone(response));
+        QCOMPARE(log.outcomes(), 1);
+        QCOMPARE(TestFolder::contents(m_target), "body"_b);
+    }
+
+    void aHeadReceiverThatWaitsLeavesTheFileWhole()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("body"));
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request = download(&client, server);
+        HttpResponse *response = nullptr;
+        request.onHead([&](const QMap<QString, QString> &) {
+            const QNetworkReply *reply = response->request().fields.reply;
+            QTRY_VERIFY(reply->isFinished());
+        });
+        response = log.bindOutcomes(log.bindFile(request)).send();
+        QVERIFY(waitUntilGone(response));
+        QCOMPARE(log.lines(), (QStringList{"file()"_s, "file "_s + m_target, "finished()"_s,
+                                           "finished(bytes )"_s, "finished(text )"_s,
+                                           "finished(map {})"_s, "repeated()"_s}));
+        QCOMPARE(TestFolder::contents(m_target), "body"_b);
+    }
+
     void aDownloadThatCannotBeSentEndsWithoutAnAnswer()
     {
         ScriptedServer server;

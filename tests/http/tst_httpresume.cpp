@@ -249,6 +249,23 @@ private Q_SLOTS:
         QCOMPARE(TestFolder::contents(m_target), "another"_b);
     }
 
+    void aRetryKeepsARangeOfTheCallers()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply(body, "200 OK", "Accept-Ranges: bytes\r\n"));
+        server.answer(ScriptedServer::reply("", "503 Busy"));
+        server.answer(ScriptedServer::reply(body, "200 OK", "Accept-Ranges: bytes\r\n"));
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(server.address("/"_s)).download(m_target).retry(1);
+        request.headers({{"Range"_s, "bytes=2-3"_s}});
+        log.bindOutcomes(request).send();
+        QTRY_COMPARE(log.outcomes(), 1);
+        QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=2-3", noHeader, "bytes=2-3"}));
+    }
+
     void aRepeatAppendsToTheCompleteFile()
     {
         ScriptedServer server;
