@@ -37,7 +37,7 @@ QString TransferProgress::line(qint64 received) const
     if (m_length <= 0)
         return QStringLiteral("%1, %2/s").arg(sizeText(there), sizeText(rate));
     const qint64 percent = qMin<qint64>(100 * there / m_length, 100);
-    const QString share =
+    QString share =
         QStringLiteral("%1 % %2 %3/s").arg(percent, 3).arg(bar(percent), sizeText(rate));
     if (rate == 0)
         return share;
