@@ -61,7 +61,7 @@ HttpRequest withoutFindings(const HttpRequest &request)
 HttpResponse *HttpDownloader::start(const HttpRequest &request)
 {
     const HttpRequest fresh = withoutFindings(request);
-    // Before the probe: when the request blocks, all is over when the probe's send() returns.
+    // Before the probe: when the request blocks, all is over when sendProbe() returns.
     const QPointer<HttpResponse> response(new HttpResponse(fresh, nullptr)); // the caller's
     const QPointer<HttpDownloader> downloader(new HttpDownloader(fresh, response));
     downloader->sendProbe();
