@@ -161,6 +161,7 @@ void HttpResponse::serveRequest()
         new HttpResponseTimeout(m_request.fields.timeoutMs, this); // this response's child
     QNetworkReply *reply = m_request.fields.reply;
     m_reply = reply;
+    m_headers = ReplyHeaders();
     rememberReceivers();
     if (!reply)
         return;
@@ -229,9 +230,18 @@ bool HttpResponse::isCutOff() const
 {
     if (!m_downloadFile || !m_downloadFile->isOpen())
         return false;
-    const QNetworkReply *reply = m_request.fields.reply;
-    const QVariant announced = reply->header(QNetworkRequest::ContentLengthHeader);
-    return announced.isValid() && m_received < announced.toLongLong();
+    return m_received < announcedLength();
+}
+
+// 0 when there is none.
+qint64 HttpResponse::announcedLength() const
+{
+    const QList<QNetworkReply::RawHeaderPair> headers = m_headers.of(*m_request.fields.reply);
+    for (const QNetworkReply::RawHeaderPair &header : headers) {
+        if (header.first.compare("Content-Length", Qt::CaseInsensitive) == 0)
+            return header.second.toLongLong();
+    }
+    return 0;
 }
 
 // There is some when the exchange has ended inside a receiver of the first data, before it was
@@ -364,7 +374,7 @@ void HttpResponse::onHandleHead()
     m_headHandled = true;
     if (!hasReceivers<headList>() && !hasReceivers<headMap>())
         return;
-    const QList<QNetworkReply::RawHeaderPair> headers = m_request.fields.reply->rawHeaderPairs();
+    const QList<QNetworkReply::RawHeaderPair> headers = m_headers.of(*m_request.fields.reply);
     if (deliver<headList>(headers))
         deliver<headMap>(headerMap(headers));
 }
@@ -490,7 +500,11 @@ void HttpResponse::onUploadProgress(qint64 bytesSent, qint64 bytesTotal)
 
 void HttpResponse::onEncrypted() { deliver<&HttpResponse::encrypted>(); }
 
-void HttpResponse::onMetaDataChanged() { deliver<&HttpResponse::metaDataChanged>(); }
+void HttpResponse::onMetaDataChanged()
+{
+    m_headers.onMetaDataChanged(*m_request.fields.reply);
+    deliver<&HttpResponse::metaDataChanged>();
+}
 
 void HttpResponse::onPreSharedKeyAuthenticationRequired(
     QSslPreSharedKeyAuthenticator *authenticator)
@@ -500,12 +514,14 @@ void HttpResponse::onPreSharedKeyAuthenticationRequired(
 
 void HttpResponse::onRedirectAllowed()
 {
+    m_headers.onRedirected();
     boundReadBuffer(m_request.fields.readBufferSize);
     deliver<&HttpResponse::redirectAllowed>();
 }
 
 void HttpResponse::onRedirected(QUrl url)
 {
+    m_headers.onRedirected();
     boundReadBuffer(m_request.fields.readBufferSize);
     deliver<&HttpResponse::redirected>(std::move(url));
 }

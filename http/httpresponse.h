@@ -1,6 +1,7 @@
 #pragma once
 
 #include "http/httprequest.h"
+#include "http/replyheaders.h"
 
 #include <QFile>
 #include <QNetworkReply>
@@ -151,6 +152,7 @@ private:
     bool deliverReply(QNetworkReply *reply);
     void boundReadBuffer(qint64 bytes);
     bool isCutOff() const;
+    qint64 announcedLength() const;
     bool writeTheRest();
     bool writeToFile(const QByteArray &data);
     void rememberReceivers();
@@ -164,7 +166,8 @@ private:
     void releaseReply();
 
     HttpRequest m_request;
-    QPointer<QNetworkReply> m_reply;       ///< Null once it is a receiver's.
+    QPointer<QNetworkReply> m_reply; ///< Null once it is a receiver's.
+    ReplyHeaders m_headers;
     std::unique_ptr<QFile> m_downloadFile; ///< Made when a download begins to write.
     qint64 m_received = 0;                 ///< Bytes of this transfer that were for the file.
     qint32 m_retriesLeft = 0;

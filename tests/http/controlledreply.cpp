@@ -16,6 +16,17 @@ void ControlledReply::receive(const QByteArray &bytes)
     Q_EMIT readyRead();
 }
 
+void ControlledReply::begin(int status, const QList<RawHeaderPair> &headers)
+{
+    setAttribute(QNetworkRequest::HttpStatusCodeAttribute, status);
+    const QList<QByteArray> before = rawHeaderList();
+    for (const QByteArray &name : before)
+        setRawHeader(name, QByteArray()); // removes it
+    for (const RawHeaderPair &header : headers)
+        setRawHeader(header.first, header.second);
+    Q_EMIT metaDataChanged();
+}
+
 void ControlledReply::setHeader(const QByteArray &name, const QByteArray &value)
 {
     setRawHeader(name, value);

@@ -18,6 +18,9 @@ public:
     /// More of the body is there.
     void receive(const QByteArray &bytes);
 
+    /// What is known of an answer before its body changes.
+    void begin(int status, const QList<RawHeaderPair> &headers);
+
     void setHeader(const QByteArray &name, const QByteArray &value);
 
     /// The exchange ends without an error.

@@ -252,6 +252,32 @@ private Q_SLOTS:
         QCOMPARE(open, (QVector<bool>{true, true, false}));
     }
 
+    void theLengthThatCountsIsTheLastAnswers_data()
+    {
+        QTest::addColumn<QByteArray>("length"); // joined with that of the redirect
+        QTest::addColumn<bool>("complete");
+        QTest::newRow("reached") << "145, 4"_b << true;
+        QTest::newRow("not reached") << "145, 5"_b << false;
+        QTest::newRow("the redirect's alone") << "145"_b << true;
+    }
+    void theLengthThatCountsIsTheLastAnswers()
+    {
+        QFETCH(QByteArray, length);
+        QFETCH(bool, complete);
+        ControlledClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.download(path("redirected"_s));
+        HttpDispatch::dispatch(log.bindFile(request), nullptr);
+        ControlledReply *reply = client.replies.first();
+        Q_EMIT reply->redirected(QUrl("http://h/"_s));
+        reply->begin(302, {{"Content-Length", "145"}});
+        reply->begin(200, {{"Content-Length", length}});
+        reply->receive("body");
+        reply->succeed();
+        QCOMPARE(log.lines().value(0), complete ? "file()"_s : "fileError()"_s);
+    }
+
     void aTimeoutAbortsAndIsReportedAfterTheError()
     {
         ControlledClient client;
