@@ -10,5 +10,5 @@ for preset in "${@:-gcc}"; do
     scripts/install-packages.sh "${packages[@]}"
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset"
-    ctest --preset "$preset" -j "$(nproc)"
+    ctest --preset "$preset" -j "$(($(nproc) + 2))" # many of them mostly wait
 done

@@ -10,6 +10,9 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <cmath>
+#include <limits>
+
 using HttpTesting::waitUntilGone;
 
 namespace {
@@ -33,6 +36,7 @@ class TestHttpDownloadMemory : public QObject
 
     NginxServer m_server;
     TestFolder m_folder;
+    const QString m_target = m_folder.path("target"_s);
     const TrustTestAuthority m_trust;
     qint64 m_size = 0;
 
@@ -68,7 +72,22 @@ private Q_SLOTS:
     {
         QFETCH(QString, address);
         QFETCH(bool, block);
-        const QString target = m_folder.path("target"_s);
+        // One thread sets the bound for another: while other programs have the processors, much may
+        // arrive in between. That can only add to what a download needs.
+        double growth = 0;
+        for (int attempt = 0; attempt == 0 || (growth >= 8 && attempt < 3); ++attempt) {
+            growth = growthOf(address, block);
+            QVERIFY(!std::isnan(growth));
+            QCOMPARE(QFileInfo(m_target).size(), m_size);
+        }
+        QVERIFY(growth < 8);
+    }
+
+private:
+    /// What a download adds to the resident memory, in MiB; not a number: it has not come to its
+    /// end.
+    double growthOf(const QString &address, bool block)
+    {
         HttpClient client;
         client.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
         qint64 most = 0;
@@ -79,20 +98,18 @@ private Q_SLOTS:
         const QPointer<HttpResponse> response =
             HttpRequest(HttpMethod::Get, &client)
                 .url(address)
-                .download(target)
+                .download(m_target)
                 .enableResume(false)
                 .block(block)
                 .onReadyRead([&most](QNetworkReply *) { most = qMax(most, residentMemory()); })
                 .onDownloadFileFinished([&complete] { complete = true; })
                 .send();
-        QCOMPARE(complete, block);
-        QVERIFY(waitUntilGone(response));
+        if (complete != block || !waitUntilGone(response) || !complete)
+            return std::numeric_limits<double>::quiet_NaN();
         const double growth = double(most - before) / mebibyte;
         qInfo("%lld MiB in %lld ms, memory grew by %.1f MiB", m_size / mebibyte, clock.elapsed(),
               growth);
-        QVERIFY(complete);
-        QCOMPARE(QFileInfo(target).size(), m_size);
-        QVERIFY(growth < 8);
+        return growth;
     }
 };
 

@@ -1,5 +1,6 @@
 #include "answers.h"
 
+#include "serviceaddress.h"
 #include "tests/support/scriptedserver.h"
 
 #include <QJsonArray>
@@ -7,7 +8,7 @@
 
 namespace {
 
-QString storage() { return QStringLiteral(SERVICE_BASE_ADDRESS "/storage"); }
+QString storage() { return serviceAddress() + QStringLiteral("/storage"); }
 
 QJsonObject taskObject(const char *status)
 {

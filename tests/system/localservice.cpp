@@ -1,5 +1,7 @@
 #include "localservice.h"
 
+#include "serviceaddress.h"
+
 #include <QDebug>
 #include <QElapsedTimer>
 #include <QFile>
@@ -32,7 +34,7 @@ bool LocalService::start(const QStringList &furtherArguments)
 
 bool LocalService::startWithoutDevelopmentToken(const QStringList &furtherArguments)
 {
-    const int port = QUrl(QStringLiteral(SERVICE_BASE_ADDRESS)).port();
+    const int port = QUrl(serviceAddress()).port();
     m_readyLine.clear();
     m_process.setStandardErrorFile(m_folder.filePath(QStringLiteral("log")));
     m_process.start(program(),

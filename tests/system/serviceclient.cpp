@@ -1,6 +1,7 @@
 #include "serviceclient.h"
 
 #include "localservice.h"
+#include "serviceaddress.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
@@ -18,7 +19,7 @@ constexpr int patience = 60000; // ms
 
 QString operation(const QString &name)
 {
-    return QStringLiteral(SERVICE_BASE_ADDRESS "/convert/public/index.php/v1/%1").arg(name);
+    return serviceAddress() + QStringLiteral("/convert/public/index.php/v1/") + name;
 }
 
 QSslConfiguration trusting(const QString &authority)
@@ -117,7 +118,7 @@ ServiceClient::Reply ServiceClient::head(const QString &address)
 ServiceClient::Reply ServiceClient::verbatim(const QByteArray &requestLine,
                                              const QByteArray &headers, const QByteArray &body)
 {
-    const QUrl service(QStringLiteral(SERVICE_BASE_ADDRESS));
+    const QUrl service(serviceAddress());
     QSslSocket socket;
     socket.setSslConfiguration(trusting(m_authority));
     socket.connectToHostEncrypted(service.host(), static_cast<quint16>(service.port()));

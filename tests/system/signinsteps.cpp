@@ -1,6 +1,7 @@
 #include "signinsteps.h"
 
 #include "localservice.h"
+#include "serviceaddress.h"
 
 #include <QJsonDocument>
 
@@ -21,10 +22,7 @@ SignInSteps::SignInSteps(LocalService *service)
 {
 }
 
-QString SignInSteps::address(const QString &path)
-{
-    return QStringLiteral(SERVICE_BASE_ADDRESS) + path;
-}
+QString SignInSteps::address(const QString &path) { return serviceAddress() + path; }
 
 ServiceClient &SignInSteps::client() { return m_client; }
 

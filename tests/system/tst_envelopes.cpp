@@ -1,4 +1,5 @@
 #include "tests/system/localservice.h"
+#include "tests/system/serviceaddress.h"
 #include "tests/system/serviceclient.h"
 
 #include <QJsonDocument>
@@ -161,8 +162,8 @@ private:
     static void linkRows()
     {
         // What looks like the service's own address up to the "@" is a user's name there.
-        const QString disguised = QStringLiteral("%1@elsewhere.example/storage/a.wav")
-                                      .arg(QStringLiteral(SERVICE_BASE_ADDRESS));
+        const QString disguised =
+            QStringLiteral("%1@elsewhere.example/storage/a.wav").arg(serviceAddress());
         const QStringList links{QString(),
                                 QStringLiteral("nonsense"),
                                 QStringLiteral("file:///etc/passwd"),

@@ -1,4 +1,5 @@
 #include "tests/system/localservice.h"
+#include "tests/system/serviceaddress.h"
 #include "tests/system/serviceclient.h"
 
 #include <QElapsedTimer>
@@ -87,7 +88,7 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, tail);
         const QByteArray path =
-            addressUnder(m_own, "").mid(int(qstrlen(SERVICE_BASE_ADDRESS))).toLatin1() + tail;
+            addressUnder(m_own, "").mid(serviceAddress().size()).toLatin1() + tail;
         const QByteArray headers = "x-security-token: " + tokenOf(m_own).toLatin1() + "\r\n";
         const auto put = m_client->verbatim("PUT " + path, headers, recording());
         QVERIFY2(put.status >= 400 && put.status < 500, QByteArray::number(put.status) + put.body);
