@@ -22,14 +22,17 @@ bool isInUse(const QNetworkReply *reply)
     return (response && response->isDelivering()) || (blocker && blocker->isRunning());
 }
 
-// Aborted, until control is back in the event loop; silent for good, since the access manager that
+// Aborted, until the receivers have returned; silent for good, since the access manager that
 // is about to go listens to it as well, and without the calls that Qt has posted to it, which would
 // use the manager.
 void outlive(QNetworkReply *reply)
 {
+    auto *response = childOf<HttpResponse>(reply);
+    if (response)
+        response->keepReply();
     reply->blockSignals(true);
     reply->abort();
-    delete childOf<HttpResponse>(reply);
+    delete response;
     if (auto *blocker = childOf<HttpBlocker>(reply))
         blocker->quit();
     QCoreApplication::removePostedEvents(reply, QEvent::MetaCall);

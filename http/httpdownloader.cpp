@@ -35,10 +35,22 @@ QString nameFromAddress(const QUrl &address)
     return name.isEmpty() ? address.host() : name;
 }
 
-// A range that ends somewhere is the caller's own.
-bool isOpenEnded(const QNetworkRequest &request)
+// What the caller set, for as long as a range of the toolkit's is in its place.
+constexpr auto callersRange = QNetworkRequest::Attribute(QNetworkRequest::UserMax);
+
+void setRange(QNetworkRequest *request, const QByteArray &range)
 {
-    return request.rawHeader(rangeHeader).endsWith('-');
+    request->setAttribute(callersRange, request->rawHeader(rangeHeader));
+    request->setRawHeader(rangeHeader, range);
+}
+
+void restoreRange(QNetworkRequest *request)
+{
+    const QVariant range = request->attribute(callersRange);
+    if (!range.isValid())
+        return;
+    request->setRawHeader(rangeHeader, range.toByteArray());
+    request->setAttribute(callersRange, QVariant());
 }
 
 // What an earlier attempt of the same download found out does not hold for this one.
@@ -46,8 +58,7 @@ HttpRequest withoutFindings(const HttpRequest &request)
 {
     HttpRequest fresh(request);
     fresh.fields.reply = nullptr;
-    if (fresh.fields.supportsResume && isOpenEnded(request.fields.networkRequest))
-        fresh.fields.networkRequest.setRawHeader(rangeHeader, QByteArray());
+    restoreRange(&fresh.fields.networkRequest);
     fresh.fields.supportsResume = false;
     fresh.fields.downloadedBytes = 0;
     fresh.fields.totalBytes = 0;
@@ -171,8 +182,8 @@ void HttpDownloader::planResume(HttpResponse *unheard)
         return;
     fields.downloadedBytes = file.size();
     if (fields.downloadedBytes < m_contentLength)
-        fields.networkRequest.setRawHeader(
-            rangeHeader, "bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
+        setRange(&fields.networkRequest,
+                 "bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
     else if (fields.downloadedBytes == m_contentLength)
         announceComplete(unheard);
 }

@@ -203,8 +203,8 @@ public:
 
     /// The time-out expired and the exchange was aborted: after the error, or, when that was
     /// retried, after the retry has been sent (if the request blocks: performed). Forms:
-    /// (QNetworkReply *) or
-    /// (). The reply goes when the callbacks are over, unless onError() has handed it over.
+    /// (QNetworkReply *) or (). The reply goes when the callbacks are over, unless onError() has
+    /// handed it over.
     template <typename... Target>
     HttpRequest &onTimeout(Target &&...target)
     {
@@ -383,7 +383,7 @@ public:
         return bindTarget<CallbackKind::DownloadFileProgress>(std::forward<Target>(target)...);
     }
 
-    /// A download without a file path takes the server's name. Forms: (QString). The file's name.
+    /// Accepted for completeness; never called. Forms: (QString).
     template <typename... Target>
     HttpRequest &onDownloadFileNameChanged(Target &&...target)
     {

@@ -127,6 +127,7 @@ HttpResponse::~HttpResponse()
     QNetworkReply *reply = m_reply;
     if (!reply)
         return;
+    keepReply();
     disconnect(reply, nullptr, this, nullptr);
     reply->abort();
     reply->deleteLater();
@@ -135,6 +136,12 @@ HttpResponse::~HttpResponse()
 const HttpRequest &HttpResponse::request() const { return m_request; }
 
 bool HttpResponse::isDelivering() const { return m_deliveries > 0; }
+
+void HttpResponse::keepReply()
+{
+    if (isDelivering() && !*m_keeper)
+        *m_keeper = std::make_unique<ReplyKeeper>(m_request.fields.reply);
+}
 
 void HttpResponse::setRequest(const HttpRequest &request)
 {
@@ -186,23 +193,23 @@ template <auto Signal, typename... Values>
 bool HttpResponse::deliver(Values &&...values)
 {
     const QPointer<HttpResponse> self(this);
-    ++m_deliveries;
+    std::unique_ptr<ReplyKeeper> keeper; // outlives this response
+    if (m_deliveries++ == 0)
+        m_keeper = &keeper;
     Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
     if (!self)
         return false;
     --m_deliveries;
-    if (m_releaseDue)
-        releaseReply();
     return true;
 }
 
-// A receiver that runs an event loop lets the exchange end around it. Qt goes on using the reply
-// when that receiver returns, so the reply stays until then.
+// From inside a receiver that runs an event loop, when the exchange ends around it.
 void HttpResponse::releaseReply()
 {
-    m_releaseDue = isDelivering();
-    if (m_reply && !m_releaseDue)
-        m_reply->deleteLater();
+    if (!m_reply)
+        return;
+    keepReply();
+    m_reply->deleteLater();
 }
 
 void HttpResponse::onFinished()

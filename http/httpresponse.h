@@ -2,6 +2,7 @@
 
 #include "http/httprequest.h"
 #include "http/replyheaders.h"
+#include "http/replykeeper.h"
 
 #include <QFile>
 #include <QNetworkReply>
@@ -21,10 +22,11 @@
 /// lives on the thread of the client. From inside a signal a receiver may abort the reply, delete
 /// it later, or destroy the client (HttpClient says when not).
 ///
-/// Exactly one outcome is reported for each performance of the request: either the finished()
-/// family or the error() family. Whoever is connected to finished(QNetworkReply*) or
-/// error(QNetworkReply*) owns the reply and deletes it later; timeout(QNetworkReply*) hands over a
-/// reply that is about to go unless error(QNetworkReply*) has handed it over before.
+/// Exactly one outcome is reported for each performance of the request, but none for one that is
+/// retried: either the finished() family or the error() family. Whoever is connected to
+/// finished(QNetworkReply*) or error(QNetworkReply*) owns the reply and deletes it later;
+/// timeout(QNetworkReply*) hands over a reply that is about to go unless error(QNetworkReply*) has
+/// handed it over before.
 class HttpResponse : public QObject
 {
     Q_OBJECT
@@ -52,6 +54,10 @@ public:
 
     /// Whether one of the signals is being emitted.
     bool isDelivering() const;
+
+    /// While a signal is being emitted: the reply stays until its receivers have returned, even if
+    /// it is deleted later in an event loop that one of them runs. Qt goes on using it then.
+    void keepReply();
 
     /// The request's callbacks without those whose receivers are gone. For a request that may go
     /// out later or once more.
@@ -90,8 +96,9 @@ Q_SIGNALS:
     /// Part of the body arrived. The reply stays the toolkit's.
     void readyRead(QNetworkReply *reply);
 
-    /// The file side of downloads.
+    /// Declared for callbacks to attach to; never emitted to a caller.
     void downloadFileNameChanged(QString fileName);
+    /// The file side of downloads.
     void downloadFileFinished();
     void downloadFileFinished(QString file);
     void downloadFileError();
@@ -175,7 +182,8 @@ private:
     bool m_headHandled = false;
     bool m_outcomeReported = false;
     int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
-    bool m_releaseDue = false; ///< The reply goes when they are over.
+    std::unique_ptr<ReplyKeeper> *m_keeper =
+        nullptr; ///< The outermost emission's; it goes with it.
     /// For each callback, in the table's order: the receiver, if it has one. Kept only for requests
     /// that may go out again.
     std::vector<std::optional<QPointer<QObject>>> m_receivers;

@@ -10,7 +10,11 @@ HttpResponseTimeout::HttpResponseTimeout(int ms, HttpResponse *response)
 {
     // A thread that Qt did not start has no timers until an event loop was made in it.
     const QEventLoop loop;
-    QTimer::singleShot(ms, response, SLOT(onTimeout()));
+    auto *timer = new QTimer(this);
+    timer->setSingleShot(true);
+    timer->setTimerType(ms > 2000 ? Qt::CoarseTimer : Qt::PreciseTimer); // coarse: within 5 %
+    connect(timer, SIGNAL(timeout()), response, SLOT(onTimeout()));
+    timer->start(ms);
 }
 
 HttpResponseTimeout::~HttpResponseTimeout() = default;

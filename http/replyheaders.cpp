@@ -1,6 +1,7 @@
 #include "http/replyheaders.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -10,16 +11,22 @@ bool isRedirecting(const QNetworkReply &reply)
     return status >= 300 && status < 400;
 }
 
+using Headers = QList<QNetworkReply::RawHeaderPair>;
+
 // Qt joins values of one name with a comma, those of Set-Cookie with a line feed, and replaces
-// Location. A value that is unchanged has got no addition: the answer has no such header.
-QByteArray valueAfter(const QByteArray &redirecting, const QByteArray &joined)
+// Location.
+QByteArray valueAfter(const Headers &redirecting, const QNetworkReply::RawHeaderPair &joined)
 {
-    for (const char *separator : {", ", "\n"}) {
-        const QByteArray before = redirecting + separator;
-        if (joined.startsWith(before))
-            return joined.mid(before.size());
+    for (const QNetworkReply::RawHeaderPair &header : redirecting) {
+        if (header.first.compare(joined.first, Qt::CaseInsensitive) != 0)
+            continue;
+        for (const char *separator : {", ", "\n"}) {
+            const QByteArray before = header.second + separator;
+            if (joined.second.startsWith(before))
+                return joined.second.mid(before.size());
+        }
     }
-    return joined == redirecting ? QByteArray() : joined;
+    return joined.second;
 }
 
 } // namespace
@@ -39,22 +46,20 @@ void ReplyHeaders::onMetaDataChanged(const QNetworkReply &reply)
 
 QList<QNetworkReply::RawHeaderPair> ReplyHeaders::of(const QNetworkReply &reply) const
 {
-    const QList<QNetworkReply::RawHeaderPair> joined = reply.rawHeaderPairs();
+    const Headers joined = reply.rawHeaderPairs();
     if (m_redirecting.isEmpty() || isRedirecting(reply))
         return joined;
-    QList<QNetworkReply::RawHeaderPair> own;
+    // Qt moves a header that it sets again to the end. What still stands at the beginning, in its
+    // order, is the redirecting answer's alone.
+    Headers own;
+    auto redirecting = m_redirecting.cbegin();
     for (const QNetworkReply::RawHeaderPair &header : joined) {
-        const auto redirecting = std::find_if(
-            m_redirecting.cbegin(), m_redirecting.cend(), [&header](const auto &candidate) {
-                return candidate.first.compare(header.first, Qt::CaseInsensitive) == 0;
-            });
-        if (redirecting == m_redirecting.cend()) {
-            own.append(header);
-            continue;
-        }
-        const QByteArray value = valueAfter(redirecting->second, header.second);
-        if (!value.isEmpty())
-            own.append({header.first, value});
+        const auto left = own.isEmpty() ? std::find(redirecting, m_redirecting.cend(), header)
+                                        : m_redirecting.cend();
+        if (left == m_redirecting.cend())
+            own.append({header.first, valueAfter(m_redirecting, header)});
+        else
+            redirecting = std::next(left);
     }
     return own;
 }

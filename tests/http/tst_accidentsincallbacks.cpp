@@ -341,6 +341,100 @@ private Q_SLOTS:
         QCOMPARE(server.requests().size(), 5);
     }
 
+    void theReplyStaysWhileACallbackRunsAnEventLoopInWhichItsOwnerGoes_data()
+    {
+        QTest::addColumn<int>("moment");
+        QTest::addColumn<bool>("client");
+        for (int moment = 0; moment < momentNames().size(); ++moment) {
+            if (needsTls(Moment(moment)))
+                continue; // Qt's network thread waits for the callback, and Qt for the thread
+            QTest::addRow("%s, response", momentNames().at(moment)) << moment << false;
+            QTest::addRow("%s, client", momentNames().at(moment)) << moment << true;
+        }
+    }
+    void theReplyStaysWhileACallbackRunsAnEventLoopInWhichItsOwnerGoes()
+    {
+        QFETCH(int, moment);
+        QFETCH(bool, client);
+        const Scene scene = sceneFor(Moment(moment));
+        auto owner = std::make_unique<HttpClient>();
+        HttpRequest request = requestFor(Moment(moment), owner.get(), scene);
+        QPointer<QNetworkReply> reply;
+        bool isThere = false;
+        int acts = 0;
+        bindAt(Moment(moment), request, [&] {
+            if (++acts > 1)
+                return; // not the first data, or another performance
+            reply = owner->findChild<QNetworkReply *>();
+            const QPointer<HttpResponse> response = reply->findChild<HttpResponse *>();
+            QMetaObject::invokeMethod(
+                this,
+                [&owner, response, client] {
+                    if (client)
+                        owner.reset();
+                    else
+                        delete response.data();
+                },
+                Qt::QueuedConnection);
+            isThere = anotherExchangeWorks() && reply; // runs the event loop
+        });
+        request.send();
+        QTRY_VERIFY(acts > 0);
+        QVERIFY(isThere);
+        QTRY_VERIFY(reply.isNull());
+    }
+
+    void aReplyThatWasTakenStaysWhileItsTakerRunsAnEventLoop()
+    {
+        const Scene scene = sceneFor(FinishedPlain);
+        auto client = std::make_unique<HttpClient>();
+        HttpRequest request = requestFor(FinishedPlain, client.get(), scene);
+        QPointer<QNetworkReply> taken;
+        bool isThere = false;
+        request.onFinished([&](QNetworkReply *reply) {
+            taken = reply;
+            QMetaObject::invokeMethod(
+                this, [&client] { client.reset(); }, Qt::QueuedConnection);
+            isThere = anotherExchangeWorks() && taken;
+        });
+        request.send();
+        QTRY_VERIFY(taken || isThere);
+        QVERIFY(isThere);
+        QTRY_VERIFY(taken.isNull()); // it was the client's as well
+    }
+
+    void theReplyStaysWhileTheErrorOfATimeoutRunsAnEventLoop_data()
+    {
+        QTest::addColumn<bool>("client");
+        QTest::newRow("response goes") << false;
+        QTest::newRow("client goes") << true;
+    }
+    void theReplyStaysWhileTheErrorOfATimeoutRunsAnEventLoop()
+    {
+        QFETCH(bool, client);
+        ScriptedServer server;
+        QVERIFY(server.start()); // never answers
+        auto owner = std::make_unique<HttpClient>();
+        QPointer<HttpResponse> response;
+        bool isThere = false;
+        HttpRequest request(HttpMethod::Get, owner.get());
+        request.url(server.address("/"_s)).onError([&] {
+            const QPointer<QNetworkReply> reply = response->request().fields.reply;
+            const auto go = [&] {
+                if (client)
+                    owner.reset();
+                else
+                    delete response.data();
+            };
+            QMetaObject::invokeMethod(this, go, Qt::QueuedConnection);
+            isThere = anotherExchangeWorks() && reply;
+        });
+        response = request.send();
+        QTRY_COMPARE(server.requests().size(), 1);
+        QVERIFY(QMetaObject::invokeMethod(response, "onTimeout"));
+        QVERIFY(isThere);
+    }
+
     void aCallbackMayRunAnEventLoopInWhichTheClientGoes()
     {
         const Scene scene = sceneFor(FinishedPlain);

@@ -374,6 +374,41 @@ private Q_SLOTS:
         QCOMPARE(log.outcomes(), 1);
     }
 
+    // As a worker does that sends its last message.
+    void aThreadThatWasToldToQuitMayBlock_data()
+    {
+        QTest::addColumn<bool>("download");
+        QTest::newRow("body") << false;
+        QTest::newRow("download") << true;
+    }
+    void aThreadThatWasToldToQuitMayBlock()
+    {
+        QFETCH(bool, download);
+        const TestFolder folder;
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("body"));
+        const QString address = server.address("/"_s);
+        CallbackLog log;
+        const std::unique_ptr<QThread> thread(QThread::create([&] {
+            QEventLoop().exec(); // until it is told
+            HttpClient client;
+            HttpRequest request = blocking(&client, address);
+            if (download)
+                request.download(folder.path("f"_s));
+            log.bindOutcomes(request).send();
+            log.add("returned"_s);
+        }));
+        QSignalSpy over(thread.get(), &QThread::finished);
+        thread->start();
+        thread->quit();
+        const bool ended = over.wait(60000);
+        thread->wait();
+        QVERIFY(ended);
+        QCOMPARE(log.outcomes(), 1);
+        QCOMPARE(log.lines().last(), "returned"_s);
+    }
+
     void aRequestThatCannotBeSentDoesNotWait_data()
     {
         QTest::addColumn<bool>("download");

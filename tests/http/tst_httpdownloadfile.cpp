@@ -254,14 +254,21 @@ private Q_SLOTS:
 
     void theLengthThatCountsIsTheLastAnswers_data()
     {
+        QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("length"); // joined with that of the redirect
         QTest::addColumn<bool>("complete");
-        QTest::newRow("reached") << "145, 4"_b << true;
-        QTest::newRow("not reached") << "145, 5"_b << false;
-        QTest::newRow("the redirect's alone") << "145"_b << true;
+        QTest::newRow("reached") << "Content-Length"_b
+                                 << "145, 4"_b << true;
+        QTest::newRow("not reached") << "Content-Length"_b
+                                     << "145, 5"_b << false;
+        QTest::newRow("not reached, in lower case") << "content-length"_b
+                                                    << "145, 5"_b << false;
+        QTest::newRow("the redirect's alone") << "Content-Length"_b
+                                              << "145"_b << true;
     }
     void theLengthThatCountsIsTheLastAnswers()
     {
+        QFETCH(QByteArray, name);
         QFETCH(QByteArray, length);
         QFETCH(bool, complete);
         ControlledClient client;
@@ -272,7 +279,7 @@ private Q_SLOTS:
         ControlledReply *reply = client.replies.first();
         Q_EMIT reply->redirected(QUrl("http://h/"_s));
         reply->begin(302, {{"Content-Length", "145"}});
-        reply->begin(200, {{"Content-Length", length}});
+        reply->begin(200, {{name, length}});
         reply->receive("body");
         reply->succeed();
         QCOMPARE(log.lines().value(0), complete ? "file()"_s : "fileError()"_s);

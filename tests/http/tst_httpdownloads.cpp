@@ -84,6 +84,7 @@ private Q_SLOTS:
             bool fails;
         } bodies[] = {
             {"length announced", "Content-Length: 10\r\n\r\n01234", true},
+            {"length announced in lower case", "content-length: 10\r\n\r\n01234", true},
             {"up to the connection's end", "\r\n01234", false},
         };
         for (const bool resumed : {false, true}) {
@@ -128,6 +129,24 @@ private Q_SLOTS:
         // A reset may overtake what was sent before it.
         if (then == Then::Close)
             QCOMPARE(TestFolder::contents(m_target), resumed ? "abc01234"_b : "01234"_b);
+    }
+
+    void theProbesOfAThreadComeFromOneClient()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(
+            ScriptedServer::reply("body", "200 OK", "Set-Cookie: probe=1; Path=/own\r\n"));
+        server.answer(ScriptedServer::reply("body"));
+        for (int i = 0; i < 2; ++i) {
+            HttpClient client;
+            HttpRequest request = download(&client, server);
+            QVERIFY(waitUntilGone(request.url(server.address("/own/f"_s)).send()));
+        }
+        QCOMPARE(server.requests().size(), 4);
+        QVERIFY(!server.requests().at(1).contains("Cookie"));
+        QCOMPARE(WireRequest(server.requests().at(2)).header("Cookie"), "probe=1"_b);
+        QVERIFY(!server.requests().at(3).contains("Cookie"));
     }
 
     void aTransferInChunksThatIsCutOffHasOneOutcome_data()

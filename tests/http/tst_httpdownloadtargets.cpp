@@ -81,8 +81,10 @@ class TestHttpDownloadTargets : public QObject
         if (!server.start())
             return {"no server"_s};
         m_address = server.address("/f"_s);
+        m_asked.clear();
         server.answer(ScriptedServer::reply(m_body, "200 OK", "Accept-Ranges: bytes\r\n"));
         connect(&server, &ScriptedServer::requestReceived, this, [&](const QByteArray &) {
+            m_asked = server.requests().last();
             if (server.requests().size() == 2)
                 before();
         });
@@ -106,6 +108,7 @@ class TestHttpDownloadTargets : public QObject
     }
 
     QString m_address;
+    QByteArray m_asked; ///< The last request.
 
 private Q_SLOTS:
     void init() { m_body = QByteArray(1000000, 'x'); } // many times what a reply buffers
@@ -144,6 +147,45 @@ private Q_SLOTS:
             QCOMPARE(lines, unwritable(target));
         }
         QCOMPARE(TestFolder::contents(folder.path("readonly"_s)), "old"_b);
+    }
+
+    void theReaderGetsTheBodyOfATargetThatCannotBeOpened()
+    {
+        const TestFolder folder;
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply(m_body));
+        HttpClient client;
+        QByteArray body;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(server.address("/f"_s)).download(folder.path());
+        request.onReadyRead([&body](QNetworkReply *reply) { body += reply->readAll(); });
+        QVERIFY(waitUntilGone(request.send()));
+        QVERIFY(body == m_body); // too long to print
+    }
+
+    void aTargetThatCannotBeReadIsNotContinued_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("folder") << "folder"_s;
+        QTest::newRow("file to write only") << "secret"_s;
+    }
+    void aTargetThatCannotBeReadIsNotContinued()
+    {
+        QFETCH(QString, name);
+        const TestFolder folder;
+        QVERIFY(QDir(folder.path()).mkdir("folder"_s));
+        TestFolder::write(folder.path("secret"_s), "old");
+        const auto writing = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+        QVERIFY(QFile::setPermissions(folder.path("secret"_s), writing));
+        const auto entering = QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther;
+        QVERIFY(QFile::setPermissions(folder.path(), entering | QFile::WriteOwner));
+        {
+            const AsOrdinaryUser user;
+            download(folder.path(name));
+        }
+        QVERIFY(!m_asked.isEmpty());
+        QVERIFY2(!m_asked.contains("Range:"), m_asked);
     }
 
     void aFolderThatVanishesBeforeTheBodyComesIsReported()

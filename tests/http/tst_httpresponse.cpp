@@ -439,14 +439,21 @@ private Q_SLOTS:
                                  << Headers{{"Set-Cookie", "b=2"}};
         QTest::newRow("another case")
             << kept << Headers{{"content-length", "145, 0"}} << Headers{{"content-length", "0"}};
+        QTest::newRow("the same place of its own")
+            << kept << Headers{{"Content-Length", "145"}, {"Server", "s, s"}, {"Location", "/f"}}
+            << Headers{{"Server", "s"}, {"Location", "/f"}};
+        QTest::newRow("told again when it is allowed")
+            << QStringList{"302"_s, "redirected"_s, "allowed"_s, "302"_s, "end"_s}
+            << Headers{{"Location", "/f"}, {"Content-Length", "145, 3000"}}
+            << Headers{{"Content-Length", "3000"}};
         QTest::newRow("a place of its own")
             << kept << Headers{{"Location", "/g"}} << Headers{{"Location", "/g"}};
         QTest::newRow("the redirect is the last answer")
             << QStringList{"302"_s, "redirected"_s, "302"_s} << Headers()
-            << Headers{{"Location", "/f"},
-                       {"Content-Length", "145"},
+            << Headers{{"Content-Length", "145"},
                        {"Server", "s"},
-                       {"Set-Cookie", "a=1"}};
+                       {"Set-Cookie", "a=1"},
+                       {"Location", "/f"}};
     }
     void theHeadIsThatOfTheLastAnswer()
     {
@@ -462,10 +469,10 @@ private Q_SLOTS:
         ControlledReply *reply = client.replies.first();
         for (const QString &event : qAsConst(events)) {
             if (event == "302"_s)
-                reply->begin(302, {{"Location", "/f"},
-                                   {"Content-Length", "145"},
+                reply->begin(302, {{"Content-Length", "145"},
                                    {"Server", "s"},
-                                   {"Set-Cookie", "a=1"}});
+                                   {"Set-Cookie", "a=1"},
+                                   {"Location", "/f"}});
             else if (event == "redirected"_s)
                 Q_EMIT reply->redirected(QUrl("http://localhost/f"_s));
             else if (event == "allowed"_s)

@@ -115,6 +115,7 @@ private Q_SLOTS:
         QTest::newRow("upper case") << "ACCEPT-RANGES: bytes\r\n"_b;
         QTest::newRow("within a longer name") << "X-Accept-Ranges-Too: no\r\n"_b;
         QTest::newRow("Content-Range") << "Content-Range: whatever\r\n"_b;
+        QTest::newRow("Content-Range within a longer name") << "x-content-range-too: no\r\n"_b;
     }
     void headersThatNameRangesDoInAnyCase()
     {
@@ -129,6 +130,32 @@ private Q_SLOTS:
         QVERIFY(waitUntilGone(request.url(server.address("/"_s)).download(m_target).send()));
         QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=4-"}));
         QCOMPARE(TestFolder::contents(m_target), body);
+    }
+
+    void theLastHeaderByNameThatNamesALengthCounts_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QByteArray>("range"); // for a file of 12 bytes
+        QTest::newRow("its own") << ""_b << noHeader;
+        QTest::newRow("a longer name") << "X-Content-Length-Too: 250\r\n"_b
+                                       << "bytes=12-"_b;
+        QTest::newRow("another case") << "x-content-length: 250\r\n"_b
+                                      << "bytes=12-"_b;
+        QTest::newRow("an earlier name") << "A-Content-Length: 250\r\n"_b << noHeader;
+        QTest::newRow("no number") << "X-Content-Length: many\r\n"_b << noHeader;
+    }
+    void theLastHeaderByNameThatNamesALengthCounts()
+    {
+        QFETCH(QByteArray, header);
+        QFETCH(QByteArray, range);
+        TestFolder::write(m_target, "abcdefghijkl");
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply(body, "200 OK", "Accept-Ranges: bytes\r\n" + header));
+        HttpClient client;
+        HttpRequest request(HttpMethod::Get, &client);
+        QVERIFY(waitUntilGone(request.url(server.address("/"_s)).download(m_target).send()));
+        QCOMPARE(ranges(server), (QByteArrayList{noHeader, range}));
     }
 
     void anUnannouncedLengthCountsAsNone()
@@ -249,8 +276,19 @@ private Q_SLOTS:
         QCOMPARE(TestFolder::contents(m_target), "another"_b);
     }
 
+    void aRetryKeepsARangeOfTheCallers_data()
+    {
+        QTest::addColumn<QByteArray>("range");
+        QTest::addColumn<bool>("resume");
+        QTest::newRow("with an end") << "bytes=2-3"_b << true;
+        QTest::newRow("without an end") << "bytes=2-"_b << true;
+        QTest::newRow("with an end, resume off") << "bytes=2-3"_b << false;
+        QTest::newRow("without an end, resume off") << "bytes=2-"_b << false;
+    }
     void aRetryKeepsARangeOfTheCallers()
     {
+        QFETCH(QByteArray, range);
+        QFETCH(bool, resume);
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply(body, "200 OK", "Accept-Ranges: bytes\r\n"));
@@ -259,11 +297,51 @@ private Q_SLOTS:
         HttpClient client;
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, &client);
-        request.url(server.address("/"_s)).download(m_target).retry(1);
-        request.headers({{"Range"_s, "bytes=2-3"_s}});
+        request.url(server.address("/"_s)).download(m_target).enableResume(resume).retry(1);
+        request.headers({{"Range"_s, QString::fromLatin1(range)}});
         log.bindOutcomes(request).send();
         QTRY_COMPARE(log.outcomes(), 1);
-        QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=2-3", noHeader, "bytes=2-3"}));
+        QCOMPARE(ranges(server), (QByteArrayList{noHeader, range, noHeader, range}));
+    }
+
+    void aRangeInWhosePlaceTheToolkitsWasComesBack()
+    {
+        TestFolder::write(m_target, "0123");
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply(body, "200 OK", "Accept-Ranges: bytes\r\n"));
+        server.answer(ScriptedServer::reply("", "503 Busy"));
+        server.answer(ScriptedServer::reply(body)); // serves no ranges any more
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(server.address("/"_s)).download(m_target).retry(1);
+        request.headers({{"Range"_s, "bytes=2-"_s}});
+        log.bindOutcomes(request).send();
+        QTRY_COMPARE(log.outcomes(), 1);
+        QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=4-", noHeader, "bytes=2-"}));
+    }
+
+    void aRepeatCountsAnew()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply(body));
+        server.answer(ScriptedServer::reply(body));
+        server.answer(ScriptedServer::reply("", "503 Busy")); // to the second probe
+        server.answer(ScriptedServer::reply(body));
+        HttpClient client;
+        QVector<QPair<qint64, qint64>> counts;
+        connect(&client, &QNetworkAccessManager::finished, this, [&counts](QNetworkReply *reply) {
+            const auto &fields = reply->findChild<HttpResponse *>()->request().fields;
+            counts.append({fields.downloadedBytes, fields.totalBytes});
+        });
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(server.address("/"_s)).download(m_target).repeat(2);
+        log.bindOutcomes(request).send();
+        QTRY_COMPARE(log.lines().count("repeated()"_s), 1);
+        QCOMPARE(counts, (QVector<QPair<qint64, qint64>>{{10, 10}, {10, 0}}));
     }
 
     void aRepeatAppendsToTheCompleteFile()

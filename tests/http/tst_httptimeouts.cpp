@@ -6,6 +6,7 @@
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
+#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
@@ -114,13 +115,40 @@ private Q_SLOTS:
         CallbackLog log;
         int parts = 0;
         HttpRequest request(HttpMethod::Get, &client);
-        log.bindTimeout(request.url(server.address("/"_s)).timeout(500));
+        log.bindTimeout(request.url(server.address("/"_s)).timeout(2000));
         request.onReadyRead([&parts](QNetworkReply *) { ++parts; });
         HttpResponse *response = log.bindOutcomes(request).send();
         drip.start(20);
         QVERIFY(waitUntilGone(response));
         QCOMPARE(log.lines(), m_canceled);
         QVERIFY2(parts > 1, qPrintable(QString::number(parts)));
+    }
+
+    void aLimitThatIsNotNeededLeavesNoTimer_data()
+    {
+        QTest::addColumn<bool>("download");
+        QTest::newRow("body") << false;
+        QTest::newRow("download") << true;
+    }
+    void aLimitThatIsNotNeededLeavesNoTimer()
+    {
+        QFETCH(bool, download);
+        const TestFolder folder;
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("body"));
+        // Timers without an object of their own belong to the dispatcher.
+        const QObject *dispatcher = QAbstractEventDispatcher::instance();
+        const int before = dispatcher->children().size();
+        HttpClient client;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(server.address("/"_s)).timeout(3600000);
+        if (download)
+            request.download(folder.path("f"_s));
+        const HttpResponse *response = request.send();
+        QCOMPARE(response->findChildren<QTimer *>().size(), 1);
+        QVERIFY(waitUntilGone(response));
+        QCOMPARE(dispatcher->children().size(), before);
     }
 
     void theLimitHoldsAcrossARedirect()
