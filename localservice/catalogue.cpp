@@ -1,6 +1,7 @@
 #include "catalogue.h"
 
 #include "avatars.h"
+#include "beginswith.h"
 #include "music.h"
 #include "speechtext.h"
 
@@ -48,11 +49,6 @@ std::string audition(Synthesizer &synthesizer, const Description &description)
 std::string auditionPath(const Description &description)
 {
     return std::string(auditionFolder) + description.voice + ".wav";
-}
-
-bool beginsWith(const std::string &text, const std::string &beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
 }
 
 } // namespace

@@ -111,13 +111,18 @@ Certificate newServerCertificate(EVP_PKEY *key, X509 *authority, EVP_PKEY *autho
     return server;
 }
 
+std::string contentsOf(BIO *memory)
+{
+    char *bytes = nullptr;
+    const long size = BIO_get_mem_data(memory, &bytes);
+    return {bytes, static_cast<std::size_t>(size)};
+}
+
 std::string pemOf(X509 *certificate)
 {
     const Bio bio(BIO_new(BIO_s_mem()));
     require(bio && PEM_write_bio_X509(bio.get(), certificate) == 1);
-    char *bytes = nullptr;
-    const long size = BIO_get_mem_data(bio.get(), &bytes);
-    return {bytes, static_cast<std::size_t>(size)};
+    return contentsOf(bio.get());
 }
 
 std::string pemOf(EVP_PKEY *key)
@@ -126,9 +131,7 @@ std::string pemOf(EVP_PKEY *key)
     require(bio
             && PEM_write_bio_PrivateKey(bio.get(), key, nullptr, nullptr, 0, nullptr, nullptr)
                    == 1);
-    char *bytes = nullptr;
-    const long size = BIO_get_mem_data(bio.get(), &bytes);
-    return {bytes, static_cast<std::size_t>(size)};
+    return contentsOf(bio.get());
 }
 
 // Under another name first: a reader sees the old file or the new one, never a part of it.

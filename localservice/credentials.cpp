@@ -1,8 +1,7 @@
 #include "credentials.h"
 
 #include "randomid.h"
-
-#include <openssl/crypto.h>
+#include "secrets.h"
 
 namespace localservice {
 
@@ -27,8 +26,7 @@ bool Credentials::allows(const std::string &directory, const std::string &token,
     const Entry &entry = found->second;
     return entry.expiration > std::chrono::steady_clock::now()
            && (access == Access::Read || entry.access == Access::ReadAndWrite)
-           && token.size() == entry.token.size()
-           && CRYPTO_memcmp(token.data(), entry.token.data(), token.size()) == 0;
+           && isSameSecret(token, entry.token);
 }
 
 void Credentials::sweep()

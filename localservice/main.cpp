@@ -47,6 +47,51 @@ sigset_t blockTermination()
     return signals;
 }
 
+/// What is in the data folder.
+struct Data
+{
+    explicit Data(const std::filesystem::path &folder)
+        : tls(prepareTlsFiles(folder / "tls"))
+        , storage(folder / "storage")
+        , database(folder / "accounts.sqlite")
+        , upgrade(folder / "upgrade.json")
+    {
+    }
+
+    TlsFiles tls;
+    Storage storage;
+    AccountDatabase database;
+    UpgradeFile upgrade;
+};
+
+/// Everything that takes part in signing in.
+struct SignIn
+{
+    SignIn(const Options &options, AccountDatabase &database, Catalogue &catalogue,
+           const std::string &origin)
+        : accounts(database, {std::chrono::seconds(options.tokenLifetime),
+                              std::chrono::seconds(options.refreshLifetime)})
+        , smsCodes(database, std::chrono::seconds(options.codeLifetime))
+        , qrSignIns(std::chrono::seconds(options.codeLifetime))
+        , api({accounts, smsCodes, qrSignIns, catalogue}, origin)
+        , page(qrSignIns, origin, accounts.local().nickname)
+    {
+    }
+
+    void sweep()
+    {
+        accounts.sweep();
+        smsCodes.sweep();
+        qrSignIns.sweep();
+    }
+
+    Accounts accounts;
+    SmsCodes smsCodes;
+    QrSignIns qrSignIns;
+    SignInApi api;
+    SignInPage page;
+};
+
 void serve(const Options &options)
 {
     const sigset_t termination = blockTermination();
@@ -54,14 +99,9 @@ void serve(const Options &options)
     std::atomic<bool> stopping(false);
     const std::chrono::seconds resultLifetime(options.resultLifetime);
     const std::chrono::seconds credentialLifetime(options.credentialLifetime);
-    const std::chrono::seconds codeLifetime(options.codeLifetime);
 
-    const std::filesystem::path data = std::filesystem::absolute(options.data);
-    const TlsFiles tls = prepareTlsFiles(data / "tls");
-    Storage storage(data / "storage");
-    AccountDatabase database(data / "accounts.sqlite");
-    UpgradeFile upgrade(data / "upgrade.json");
-    Server server(tls);
+    Data data(std::filesystem::absolute(options.data));
+    Server server(data.tls);
     const int port = server.bind(options.port);
     const std::string origin = "https://localhost:" + std::to_string(port);
     // One more than there are workers, so that short recordings need not wait for long ones.
@@ -69,33 +109,26 @@ void serve(const Options &options)
                           stopping);
     Synthesizer synthesizer(stopping);
     Catalogue catalogue(synthesizer, origin);
-
-    Accounts accounts(database, {std::chrono::seconds(options.tokenLifetime),
-                                 std::chrono::seconds(options.refreshLifetime)});
-    SmsCodes smsCodes(database, codeLifetime);
-    QrSignIns qrSignIns(codeLifetime);
-    SignInApi signInApi({accounts, smsCodes, qrSignIns, catalogue}, origin);
-    SignInPage signInPage(qrSignIns, origin, accounts.local().nickname);
+    SignIn signIn(options, data.database, catalogue, origin);
 
     Credentials credentials;
     Tasks tasks(options.workers, resultLifetime, stopping);
-    SpeechApi speechApi({recognizer, synthesizer, storage, credentials, tasks, accounts},
-                        {port, options.developmentToken, resultLifetime, credentialLifetime});
-    StorageApi storageApi(storage, credentials, port);
-    const Operations operations(speechApi, signInApi, catalogue, upgrade);
+    SpeechApi speechApi(
+        {recognizer, synthesizer, data.storage, credentials, tasks, signIn.accounts},
+        {origin, port, options.developmentToken, resultLifetime, credentialLifetime});
+    StorageApi storageApi(data.storage, credentials, origin);
+    const Operations operations(speechApi, signIn.api, catalogue, data.upgrade);
     const Sweeper sweeper([&] {
         credentials.sweep();
         tasks.sweep();
-        storage.sweep(credentialLifetime + resultLifetime, resultLifetime);
-        accounts.sweep();
-        smsCodes.sweep();
-        qrSignIns.sweep();
+        data.storage.sweep(credentialLifetime + resultLifetime, resultLifetime);
+        signIn.sweep();
     });
-    server.start({operations, storageApi, signInPage, catalogue});
+    server.start({operations, storageApi, signIn.page, catalogue});
 
     if (options.developmentToken)
         warn("sign-in is bypassed for whoever has the development token");
-    say("listening on " + origin + ", authority " + tls.authority.string());
+    say("listening on " + origin + ", authority " + data.tls.authority.string());
     int signal = 0;
     sigwait(&termination, &signal);
     stopping = true;

@@ -1,5 +1,7 @@
 #include "operations.h"
 
+#include "beginswith.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -73,9 +75,8 @@ void Operations::addSignIn(SignInApi &signIn)
 bool Operations::isResponsible(const std::string &path)
 {
     const std::array<std::string_view, 3> prefixes{speechPrefix, accountPrefix, appPrefix};
-    return std::any_of(prefixes.begin(), prefixes.end(), [&](std::string_view prefix) {
-        return path.compare(0, prefix.size(), prefix) == 0;
-    });
+    return std::any_of(prefixes.begin(), prefixes.end(),
+                       [&](std::string_view prefix) { return beginsWith(path, prefix); });
 }
 
 std::optional<nlohmann::json> Operations::call(const std::string &path,

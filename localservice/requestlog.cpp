@@ -1,8 +1,7 @@
 #include "requestlog.h"
 
 #include "console.h"
-
-#include <ctime>
+#include "utctime.h"
 
 namespace localservice {
 
@@ -21,24 +20,19 @@ std::string printable(const std::string &text)
     return result;
 }
 
-// Who has the address of a sign-in page or of its picture can sign in.
+// Who has the address of a sign-in page or of its picture can sign in, and who has that of a
+// recording can have it recognised.
 std::string withoutSecrets(const std::string &path)
 {
-    const std::size_t secret = path.find('/', path.find("/signin") + 1);
-    if (path.find("/signin") == std::string::npos || secret == std::string::npos)
-        return path;
-    return path.substr(0, secret) + "/*";
-}
-
-std::string now()
-{
-    const auto time = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-    std::tm parts{};
-    gmtime_r(&seconds, &parts);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
-    return text;
+    for (const char *folder : {"/signin", "/storage"}) {
+        const std::size_t found = path.find(folder);
+        if (found == std::string::npos)
+            continue;
+        const std::size_t secret = path.find('/', found + 1);
+        if (secret != std::string::npos)
+            return path.substr(0, secret) + "/*";
+    }
+    return path;
 }
 
 } // namespace
@@ -55,7 +49,8 @@ void logRequest(const httplib::Request &request, const httplib::Response &respon
     const auto duration = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - notes.start);
     const std::string path = withoutSecrets(request.target.substr(0, request.target.find('?')));
-    const std::string line = now() + ' ' + printable(request.method) + ' ' + printable(path) + ' '
+    const std::string line = utcTime(std::chrono::system_clock::now()) + ' '
+                             + printable(request.method) + ' ' + printable(path) + ' '
                              + printable(notes.feature) + ' ' + std::to_string(response.status)
                              + ' ' + std::to_string(static_cast<int>(notes.code)) + ' '
                              + std::to_string(duration.count()) + " ms";

@@ -24,8 +24,8 @@ struct RequestNotes
 RequestNotes &requestNotes();
 
 /// Writes one line about a request that has been answered to stderr: time, method, path, feature,
-/// HTTP status, code, duration. Neither headers, nor the query, nor what follows in
-/// the path of a sign-in are told: secrets are in them.
+/// HTTP status, code, duration. Neither headers, nor the query, nor what follows in the path of a
+/// sign-in or of an object are told: secrets are in them.
 void logRequest(const httplib::Request &request, const httplib::Response &response);
 
 } // namespace localservice

@@ -1,10 +1,11 @@
 #include "secrets.h"
 
+#include "hexadecimal.h"
+#include "sha256.h"
+
 #include <openssl/crypto.h>
-#include <openssl/evp.h>
 #include <openssl/rand.h>
 
-#include <array>
 #include <stdexcept>
 
 namespace localservice {
@@ -45,19 +46,6 @@ bool isSameSecret(const std::string &one, const std::string &other)
     return one.size() == other.size() && CRYPTO_memcmp(one.data(), other.data(), one.size()) == 0;
 }
 
-std::string digestOf(const std::string &secret)
-{
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned int size = 0;
-    if (EVP_Digest(secret.data(), secret.size(), digest.data(), &size, EVP_sha256(), nullptr) != 1)
-        throw std::runtime_error("no digests");
-    constexpr const char *digits = "0123456789abcdef";
-    std::string text;
-    for (unsigned int i = 0; i < size; ++i) {
-        text += digits[digest[i] >> 4U];
-        text += digits[digest[i] & 0xfU];
-    }
-    return text;
-}
+std::string digestOf(const std::string &secret) { return hexadecimal(sha256(secret)); }
 
 } // namespace localservice

@@ -76,12 +76,18 @@ const char *fileType(const std::string &path)
     return endsWith(".png") ? "image/png" : "application/octet-stream";
 }
 
+// Whether a browser says that a page which is not this service's own made the request.
+bool isFromElsewhere(const httplib::Request &request)
+{
+    const std::string site = request.get_header_value("Sec-Fetch-Site");
+    return site == "cross-site" || site == "same-site";
+}
+
 // Browsers name the page that a request comes from. The operations are for applications; a page of
 // somebody else's is not to use up codes or to ask for new ones.
 bool isFromAPage(const httplib::Request &request)
 {
-    const std::string site = request.get_header_value("Sec-Fetch-Site");
-    return request.has_header("Origin") || site == "cross-site" || site == "same-site";
+    return request.has_header("Origin") || isFromElsewhere(request);
 }
 
 bool isReading(const httplib::Request &request)
@@ -155,7 +161,7 @@ Server::Server(const TlsFiles &files)
     m_http.set_keep_alive_max_count(keepAliveCount);
     m_http.set_read_timeout(transferSeconds);
     m_http.set_write_timeout(transferSeconds);
-    m_http.new_task_queue = [] { return new httplib::ThreadPool(threads); };
+    m_http.new_task_queue = [this] { return m_pool.release(); };
     // There are tokens in replies, and files are made anew with the service.
     m_http.set_default_headers({{"Cache-Control", "no-store"}});
     m_http.set_logger(finish);
@@ -179,6 +185,7 @@ int Server::bind(int port)
 void Server::start(const ServedParts &parts)
 {
     m_parts.emplace(parts);
+    m_pool = std::make_unique<ThreadPool>(threads); // here, where it may fail
     m_thread = std::thread([this] { m_http.listen_after_bind(); });
     // Before it runs it cannot be stopped.
     while (!m_http.is_running())
@@ -283,6 +290,9 @@ Server::Answer Server::answerPage(const httplib::Request &request, const std::st
 {
     if (!isReading(request) && request.method != "POST")
         throw UnknownOperation();
+    // The Origin tells nothing here: the page's own form sends "null", as it keeps its address.
+    if (!isReading(request) && isFromElsewhere(request))
+        throw Refusal(Code::Forbidden, "only the page itself can confirm");
     SignInPage &page = m_parts->signInPage;
     const SignInPage::Reply reply = isReading(request) ? page.show(path) : page.confirm(path);
     requestNotes().code = reply.status == 200 ? Code::Ok : static_cast<Code>(reply.status);

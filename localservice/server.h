@@ -6,9 +6,11 @@
 #include "operations.h"
 #include "signinpage.h"
 #include "storageapi.h"
+#include "threadpool.h"
 
 #include <httplib.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
@@ -41,7 +43,7 @@ public:
     /// Takes @p port, or any free one for 0, and returns it; std::runtime_error if that fails.
     int bind(int port);
 
-    /// Begins to serve, in threads of its own.
+    /// Begins to serve, in threads of its own; std::system_error if they cannot be had.
     void start(const ServedParts &parts);
 
     /// Ends all connections and waits for the requests that are being worked on.
@@ -62,6 +64,7 @@ private:
     Connections m_connections;
     httplib::SSLServer m_http;
     std::optional<ServedParts> m_parts;
+    std::unique_ptr<ThreadPool> m_pool; // until the library takes it
     std::thread m_thread;
 };
 

@@ -1,14 +1,12 @@
 #include "signinpage.h"
 
 #include "base64.h"
+#include "beginswith.h"
 #include "localtime.h"
 #include "qrpicture.h"
 #include "refusal.h"
+#include "sha256.h"
 
-#include <openssl/evp.h>
-
-#include <array>
-#include <stdexcept>
 #include <string_view>
 
 namespace localservice {
@@ -46,14 +44,7 @@ button:focus-visible{outline-color:#9cc7ff}
 }
 )";
 
-std::string sourceOf(const std::string &text)
-{
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned int size = 0;
-    if (EVP_Digest(text.data(), text.size(), digest.data(), &size, EVP_sha256(), nullptr) != 1)
-        throw std::runtime_error("no digests");
-    return "'sha256-" + base64({reinterpret_cast<const char *>(digest.data()), size}) + "'";
-}
+std::string sourceOf(const std::string &text) { return "'sha256-" + base64(sha256(text)) + "'"; }
 
 std::string page(const std::string &title, const std::string &contents)
 {
@@ -106,11 +97,6 @@ SignInPage::Reply noLonger(QrSignInState state)
     return {410,
             page("Code already used",
                  std::string("<p>This code has been used. It works only once.</p>\n") + advice)};
-}
-
-bool beginsWith(const std::string &text, std::string_view beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
 }
 
 std::string secretOf(const std::string &path) { return path.substr(pageFolder.size()); }

@@ -1,15 +1,16 @@
 #include "speechapi.h"
 
 #include "base64.h"
+#include "beginswith.h"
 #include "randomid.h"
 #include "refusal.h"
 #include "requestlog.h"
 #include "secrets.h"
 #include "speechtext.h"
+#include "utctime.h"
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 
 namespace localservice {
 
@@ -28,16 +29,6 @@ constexpr std::size_t longestText = 20000;
 constexpr std::array<int, 8> sampleRates{8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000};
 constexpr int furthestRate = 500;
 constexpr int waveHead = 44; // bytes
-
-std::string isoTime(std::chrono::system_clock::time_point time)
-{
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-    std::tm parts{};
-    gmtime_r(&seconds, &parts);
-    std::array<char, 32> text{};
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
-    return text.data();
-}
 
 // Clients put nothing between the sentences, so each but the first begins with a blank.
 nlohmann::json sentencesJson(const std::vector<Sentence> &sentences)
@@ -95,7 +86,6 @@ struct SpeechApi::Request
 SpeechApi::SpeechApi(const SpeechServices &services, const Settings &settings)
     : m_services(services)
     , m_settings(settings)
-    , m_origin("https://localhost:" + std::to_string(settings.port))
 {
 }
 
@@ -146,16 +136,20 @@ nlohmann::json SpeechApi::uploadCredential()
     const Credential credential = m_services.credentials.issue(
         Storage::uploads, Access::ReadAndWrite, m_settings.credentialLifetime);
     // The storage goes by the token alone; the keys are there for clients that expect some.
-    return {{"AccessKeyId", randomId()},         {"AccessKeySecret", randomId()},
-            {"endpoint", m_origin + "/storage"}, {"bucketName", "speech"},
-            {"dir", credential.directory},       {"SecurityToken", credential.token},
-            {"bucketRegion", "local"},           {"Expiration", isoTime(credential.expiration)}};
+    return {{"AccessKeyId", randomId()},
+            {"AccessKeySecret", randomId()},
+            {"endpoint", m_settings.origin + "/storage"},
+            {"bucketName", "speech"},
+            {"dir", credential.directory},
+            {"SecurityToken", credential.token},
+            {"bucketRegion", "local"},
+            {"Expiration", utcTime(credential.expiration)}};
 }
 
 void SpeechApi::checkToken(const std::string &authorization) const
 {
     const std::string scheme = "Bearer ";
-    const bool isBearer = authorization.compare(0, scheme.size(), scheme) == 0;
+    const bool isBearer = beginsWith(authorization, scheme);
     const std::string token = isBearer ? authorization.substr(scheme.size()) : std::string();
     const auto &bypass = m_settings.developmentToken;
     const bool isDevelopment = bypass && isSameSecret(token, std::to_string(*bypass));
@@ -169,8 +163,8 @@ std::filesystem::path SpeechApi::recordingOf(const JsonBody &body) const
     const std::string link = body.text("file_link");
     const std::string address = link.substr(0, link.find('?'));
     const std::string byNumber = "https://127.0.0.1:" + std::to_string(m_settings.port);
-    for (const std::string &origin : {m_origin, byNumber}) {
-        if (address.compare(0, origin.size(), origin) != 0)
+    for (const std::string &origin : {m_settings.origin, byNumber}) {
+        if (!beginsWith(address, origin))
             continue;
         const auto object = Storage::parsePath(address.substr(origin.size()));
         if (!object)
@@ -259,8 +253,8 @@ nlohmann::json SpeechApi::speakLater(const JsonBody &body)
                                          request.hasHeader ? "speech.wav" : "speech.pcm"};
                  m_services.storage.write(object, bytes);
                  return nlohmann::json{
-                     {"audio_address",
-                      m_origin + Storage::pathOf(object) + "?security-token=" + credential.token}};
+                     {"audio_address", m_settings.origin + Storage::pathOf(object)
+                                           + "?security-token=" + credential.token}};
              })}};
 }
 

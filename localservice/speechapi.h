@@ -36,7 +36,8 @@ public:
     /// How the operations were set up.
     struct Settings
     {
-        int port = 0; ///< Of the service, for the addresses that it gives out.
+        std::string origin;                           ///< Begins the addresses that are given out.
+        int port = 0;                                 ///< Of the service.
         std::optional<std::int64_t> developmentToken; ///< Accepted without a sign-in.
         std::chrono::seconds resultLifetime{};
         std::chrono::seconds credentialLifetime{};
@@ -71,7 +72,6 @@ private:
 
     SpeechServices m_services;
     Settings m_settings;
-    std::string m_origin; // "https://localhost:PORT"
 };
 
 } // namespace localservice

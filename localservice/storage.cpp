@@ -1,5 +1,6 @@
 #include "storage.h"
 
+#include "beginswith.h"
 #include "randomid.h"
 
 #include <fstream>
@@ -48,7 +49,7 @@ Storage::Storage(std::filesystem::path folder)
 
 std::optional<ObjectName> Storage::parsePath(const std::string &path)
 {
-    if (path.compare(0, prefix.size(), prefix) != 0)
+    if (!beginsWith(path, prefix))
         return std::nullopt;
     std::istringstream stream(path.substr(prefix.size()));
     std::string parent;

@@ -1,20 +1,18 @@
 #include "storageapi.h"
 
+#include "beginswith.h"
 #include "refusal.h"
 
 namespace localservice {
 
-StorageApi::StorageApi(Storage &storage, const Credentials &credentials, int port)
+StorageApi::StorageApi(Storage &storage, const Credentials &credentials, const std::string &origin)
     : m_storage(storage)
     , m_credentials(credentials)
-    , m_origin("https://localhost:" + std::to_string(port))
+    , m_origin(origin)
 {
 }
 
-bool StorageApi::isResponsible(const std::string &path)
-{
-    return path.compare(0, 9, "/storage/") == 0;
-}
+bool StorageApi::isResponsible(const std::string &path) { return beginsWith(path, "/storage/"); }
 
 nlohmann::json StorageApi::put(const std::string &path, const std::string &token,
                                const std::string &bytes)

@@ -14,8 +14,8 @@ namespace localservice {
 class StorageApi
 {
 public:
-    /// Both outlive this; @p port is the service's.
-    StorageApi(Storage &storage, const Credentials &credentials, int port);
+    /// Both outlive this; @p origin begins the addresses that are given out.
+    StorageApi(Storage &storage, const Credentials &credentials, const std::string &origin);
 
     /// Whether @p path is one that the storage answers for.
     static bool isResponsible(const std::string &path);
@@ -31,7 +31,7 @@ private:
 
     Storage &m_storage;
     const Credentials &m_credentials;
-    std::string m_origin; // "https://localhost:PORT"
+    std::string m_origin;
 };
 
 } // namespace localservice

@@ -35,9 +35,8 @@ public:
     bool hasVoice(const std::string &name) const;
 
     /// Speaks a text that speakableText() has returned, which is not empty, with a short pause
-    /// between sentences. The same text and
-    /// settings give the same sound. Refusal if the engine fails or the result would be longer
-    /// than @p longest seconds.
+    /// between sentences. The same text and settings give the same sound. Refusal if the engine
+    /// fails or the result would be longer than @p longest seconds.
     Audio speak(const std::string &text, const Speaking &speaking, int longest);
 
 private:

@@ -8,20 +8,8 @@ namespace localservice {
 Tasks::Tasks(int workers, std::chrono::seconds lifetime, const std::atomic<bool> &stopping)
     : m_lifetime(lifetime)
     , m_stopping(stopping)
+    , m_workers(static_cast<std::size_t>(workers))
 {
-    for (int i = 0; i < workers; ++i)
-        m_workers.emplace_back(&Tasks::workOnTasks, this);
-}
-
-Tasks::~Tasks()
-{
-    {
-        // Nobody may be between looking at the flag and waiting when they are woken.
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_added.notify_all();
-    }
-    for (std::thread &worker : m_workers)
-        worker.join();
 }
 
 std::string Tasks::add(const std::string &feature, Work work)
@@ -35,7 +23,7 @@ std::string Tasks::add(const std::string &feature, Work work)
         throw Refusal(Code::Busy, "too many tasks are waiting, try again later");
     m_tasks[id] = task;
     m_queue.push_back(std::move(task));
-    m_added.notify_one();
+    m_workers.enqueue([this] { workOnNext(); });
     return id;
 }
 
@@ -62,22 +50,22 @@ bool Tasks::hasExpired(const Task &task) const
            && std::chrono::steady_clock::now() - task.ended >= m_lifetime;
 }
 
-void Tasks::workOnTasks()
+void Tasks::workOnNext()
 {
-    while (const std::shared_ptr<Task> task = next()) {
-        try {
-            end(*task, {TaskState::Success, task->work(), {}});
-        } catch (const std::exception &error) {
-            end(*task, {TaskState::Failed, {}, error.what()});
-        }
+    const std::shared_ptr<Task> task = next();
+    if (!task)
+        return;
+    try {
+        end(*task, {TaskState::Success, task->work(), {}});
+    } catch (const std::exception &error) {
+        end(*task, {TaskState::Failed, {}, error.what()});
     }
 }
 
 // Null when the service is stopping.
 std::shared_ptr<Tasks::Task> Tasks::next()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    m_added.wait(lock, [this] { return m_stopping || !m_queue.empty(); });
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_stopping)
         return nullptr;
     std::shared_ptr<Task> task = std::move(m_queue.front());

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "threadpool.h"
+
 #include <nlohmann/json.hpp>
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -12,8 +13,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace localservice {
 
@@ -39,15 +38,9 @@ public:
     static constexpr std::size_t longestQueue = 64;
 
     /// Results are kept for @p lifetime after their end. Once @p stopping is set, no further task
-    /// is begun.
+    /// is begun; the end of this object waits for those that were. std::system_error if there
+    /// cannot be as many @p workers.
     Tasks(int workers, std::chrono::seconds lifetime, const std::atomic<bool> &stopping);
-
-    /// Waits for the tasks that are being worked on; those in the queue are dropped. The flag has
-    /// to be set by then.
-    ~Tasks();
-
-    Tasks(const Tasks &) = delete;
-    Tasks &operator=(const Tasks &) = delete;
 
     /// Puts @p work into the queue and returns the id of its task; Refusal if the queue is full.
     std::string add(const std::string &feature, Work work);
@@ -68,17 +61,16 @@ private:
     };
 
     bool hasExpired(const Task &task) const;
-    void workOnTasks();
+    void workOnNext();
     std::shared_ptr<Task> next();
     void end(Task &task, const TaskReport &report);
 
     const std::chrono::seconds m_lifetime;
     const std::atomic<bool> &m_stopping;
     mutable std::mutex m_mutex;
-    std::condition_variable m_added;
     std::map<std::string, std::shared_ptr<Task>> m_tasks; // by id; guarded by m_mutex
     std::deque<std::shared_ptr<Task>> m_queue;            // likewise
-    std::vector<std::thread> m_workers;
+    ThreadPool m_workers;                                 // waited for before the rest goes
 };
 
 } // namespace localservice

@@ -22,6 +22,14 @@ QJsonObject speech(const char *feature, const QString &text)
 
 QByteArray bytes(const QJsonObject &object) { return QJsonDocument(object).toJson(); }
 
+// As the service writes it.
+QByteArray bytesOfRefusal(int code, const QByteArray &message)
+{
+    return QJsonDocument({{QStringLiteral("code"), code},
+                          {QStringLiteral("message"), QString::fromUtf8(message)}})
+        .toJson(QJsonDocument::Compact);
+}
+
 QString hello() { return QStringLiteral("Hello."); }
 
 } // namespace
@@ -89,6 +97,43 @@ private Q_SLOTS:
         QCOMPARE(reply.code(), code);
     }
 
+    void aBodyMayBeNestedToALimit_data()
+    {
+        QTest::addColumn<int>("arrays");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("at the limit") << 64 << QByteArray("\"feature\" has to be a string");
+        QTest::newRow("deeper") << 65 << QByteArray("the body is nested too deeply");
+        QTest::newRow("very deep") << 200000 << QByteArray("the body is nested too deeply");
+    }
+    void aBodyMayBeNestedToALimit()
+    {
+        QFETCH(const int, arrays);
+        QFETCH(const QByteArray, message);
+        const QByteArray body =
+            "{\"feature\":" + QByteArray(arrays, '[') + QByteArray(arrays, ']') + '}';
+        const auto reply =
+            m_client->post(QStringLiteral("asr/process"), body, ServiceClient::authorization());
+        QCOMPARE(reply.body, bytesOfRefusal(400, message));
+    }
+
+    void anAddressMayBeLongToALimit_data()
+    {
+        QTest::addColumn<int>("length");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("at the limit") << 2048 << 404 << QByteArray("there is no such operation");
+        QTest::newRow("longer") << 2049 << 414 << QByteArray("the address is too long");
+    }
+    void anAddressMayBeLongToALimit()
+    {
+        QFETCH(const int, length);
+        QFETCH(const int, status);
+        QFETCH(const QByteArray, message);
+        const auto reply = m_client->verbatim("GET /?" + QByteArray(length - 2, 'a'), QByteArray());
+        QCOMPARE(reply.status, status);
+        QCOMPARE(reply.body, bytesOfRefusal(status, message));
+    }
+
     void aBodyThatIsTooLargeIsRefusedInAnEnvelope()
     {
         const QByteArray body =
@@ -126,7 +171,6 @@ private:
         row("no body", "asr/process", {});
         row("an array", "asr/process", "[]");
         row("no UTF-8", "asr/process", "{\"feature\":\"\xff\xfe\"}");
-        row("nested too deeply", "asr/process", QByteArray(200000, '['));
         row("no feature", "asr/process", "{}");
         row("feature is a number", "asr/process", "{\"feature\":1}");
         row("unknown feature", "asr/process", bytes(speech("singing", hello())));

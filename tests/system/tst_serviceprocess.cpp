@@ -2,10 +2,14 @@
 #include "tests/system/program.h"
 #include "tests/system/serviceclient.h"
 
+#include <QDateTime>
 #include <QNetworkInterface>
-#include <QRegularExpression>
+#include <QScopeGuard>
+#include <QSslCertificate>
+#include <QSslSocket>
 #include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QUrl>
 #include <QtTest>
 
@@ -43,6 +47,20 @@ int fill(int pipe)
     while (write(pipe, "x", 1) == 1)
         ++count;
     return count;
+}
+
+QString objectAddress(const QJsonObject &credentials)
+{
+    return QStringLiteral("%1/speech/%2/whispered.wav")
+        .arg(credentials.value(QLatin1String("endpoint")).toString(),
+             credentials.value(QLatin1String("dir")).toString());
+}
+
+/// Settings of OpenSSL that allow whatever it can do.
+QByteArray lenientTls()
+{
+    return "openssl_conf = all\n[all]\nssl_conf = ssl\n[ssl]\nsystem_default = lenient\n"
+           "[lenient]\nMinProtocol = TLSv1\nCipherString = DEFAULT@SECLEVEL=0\n";
 }
 
 } // namespace
@@ -154,6 +172,101 @@ private Q_SLOTS:
         QVERIFY2(err.startsWith("vo-localservice: ") && err.count('\n') == 1, err.constData());
     }
 
+    void aThreadThatCannotBeMadeIsToldInOneLine_data()
+    {
+        QTest::addColumn<int>("threads");
+        QTest::newRow("no worker") << 0;
+        QTest::newRow("one worker of two") << 1;
+        QTest::newRow("no sweeper") << 2;
+        QTest::newRow("nobody to serve") << 3;
+        QTest::newRow("few to serve") << 10;
+        QTest::newRow("nobody to listen") << 67;
+    }
+    void aThreadThatCannotBeMadeIsToldInOneLine()
+    {
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("AddressSanitizer needs more addresses than are left here");
+#endif
+        QFETCH(const int, threads);
+        const QTemporaryDir folder;
+        QProcess service;
+        // The stack of a thread takes a GiB of addresses, and half of one is enough for the rest.
+        const qint64 gib = qint64(1) << 30;
+        service.start(QStringLiteral("prlimit"),
+                      {QStringLiteral("--stack=%1").arg(gib),
+                       QStringLiteral("--as=%1").arg(threads * gib + gib / 2),
+                       LocalService::program(), QStringLiteral("--port"), QStringLiteral("0"),
+                       QStringLiteral("--data"), folder.path()});
+        QVERIFY(service.waitForFinished());
+        QCOMPARE(service.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.exitCode(), 1);
+        QCOMPARE(service.readAllStandardOutput(), QByteArray());
+        QCOMPARE(service.readAllStandardError(),
+                 QByteArray("vo-localservice: Resource temporarily unavailable\n"));
+    }
+
+    void bothCertificatesAreValidFor800Days()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        const QDateTime end = QDateTime::currentDateTime().addDays(800);
+        for (const char *name : {"tls/authority.pem", "tls/server.pem"}) {
+            const auto certificates =
+                QSslCertificate::fromPath(service.dataFile(QString::fromLatin1(name)));
+            QCOMPARE(certificates.size(), 1);
+            QVERIFY2(qAbs(certificates.first().expiryDate().secsTo(end)) <= 60, name);
+        }
+    }
+
+    void itSpeaksTls12AtLeast_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<bool>("isSpoken");
+        QTest::newRow("1.1") << QStringLiteral("-tls1_1") << false;
+        QTest::newRow("1.2") << QStringLiteral("-tls1_2") << true;
+        QTest::newRow("1.3") << QStringLiteral("-tls1_3") << true;
+    }
+    // Whatever the machine allows.
+    void itSpeaksTls12AtLeast()
+    {
+        QFETCH(const QString, version);
+        QFETCH(const bool, isSpoken);
+        QTemporaryFile settings;
+        QVERIFY(settings.open() && settings.write(lenientTls()) > 0 && settings.flush());
+        const auto usual = qScopeGuard([] { qunsetenv("OPENSSL_CONF"); });
+        qputenv("OPENSSL_CONF", QFile::encodeName(settings.fileName()));
+        LocalService service;
+        QVERIFY(service.start());
+        QProcess client;
+        client.setStandardInputFile(QProcess::nullDevice());
+        client.start(QStringLiteral("openssl"),
+                     {QStringLiteral("s_client"), version, QStringLiteral("-connect"),
+                      QStringLiteral("127.0.0.1:%1").arg(servicePort())});
+        QVERIFY(client.waitForFinished());
+        QCOMPARE(client.exitCode(), isSpoken ? 0 : 1);
+        QCOMPARE(client.readAllStandardError().contains("alert protocol version"), !isSpoken);
+    }
+
+    void aConnectionServesAThousandRequests()
+    {
+        LocalService service;
+        QVERIFY(service.start());
+        QSslSocket socket;
+        socket.setPeerVerifyMode(QSslSocket::VerifyNone);
+        socket.connectToHostEncrypted(QStringLiteral("localhost"), servicePort());
+        QVERIFY(socket.waitForEncrypted());
+        const auto ask = [&] {
+            socket.write("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+            QByteArray reply;
+            while (!reply.endsWith('}') && socket.waitForReadyRead())
+                reply += socket.readAll();
+            return reply;
+        };
+        for (int i = 1; i < 1000; ++i)
+            QVERIFY(!ask().contains("Connection: close"));
+        QVERIFY(ask().contains("Connection: close"));
+    }
+
     void theLogHasALineForEveryRequestAndNoSecret()
     {
         LocalService service;
@@ -168,10 +281,15 @@ private Q_SLOTS:
         const QJsonObject credentials = client.credentials();
         const QByteArray secret = "Bearer 1234512345";
         QVERIFY(client.post(QStringLiteral("asr/process"), QJsonObject(), secret).isRefusal());
+        QVERIFY(client.get(objectAddress(credentials)).isRefusal());
+        QVERIFY(client
+                    .get(objectAddress(credentials)
+                             .replace(QLatin1String("/storage/"), QLatin1String("//storage//")))
+                    .isRefusal());
 
         // That sign-in is bypassed; speaking; credentials, upload and recognition; credentials; the
-        // refused one. A line is written when its reply is out already.
-        QTRY_COMPARE(service.log().count('\n'), 7);
+        // refused ones. A line is written when its reply is out already.
+        QTRY_COMPARE(service.log().count('\n'), 9);
         const QByteArray log = service.log();
         QVERIFY(log.endsWith('\n'));
         QCOMPARE(log.count("asr/process"), 3);
@@ -179,11 +297,12 @@ private Q_SLOTS:
         QCOMPARE(log.count("PUT "), 1);
         QVERIFY(!log.contains(QByteArray::number(LocalService::token())));
         QVERIFY(!log.contains("1234512345"));
-        for (const char *name : {"SecurityToken", "AccessKeySecret"}) {
+        for (const char *name : {"SecurityToken", "AccessKeySecret", "dir"}) {
             const QString value = credentials.value(QLatin1String(name)).toString();
             QVERIFY(!value.isEmpty());
             QVERIFY2(!log.contains(value.toUtf8()), name);
         }
+        QVERIFY2(!log.contains("whispered"), log.constData());
         QVERIFY2(!log.toLower().contains("security-token"), log.constData());
     }
 

@@ -117,9 +117,29 @@ private Q_SLOTS:
     void aPostWithoutABodyAndATypeConfirms()
     {
         QVERIFY(begin());
-        const QByteArray path = m_page.mid(SignInSteps::address(QString()).size()).toUtf8();
-        QCOMPARE(m_steps->client().verbatim("POST " + path, QByteArray()).status, 200);
+        QCOMPARE(posted(QByteArray()).status, 200);
         QCOMPARE(polled(), confirmed);
+    }
+
+    void thePagesOwnButtonConfirms()
+    {
+        QVERIFY(begin());
+        QCOMPARE(posted("Origin: null\r\nSec-Fetch-Site: same-origin\r\n").status, 200);
+        QCOMPARE(polled(), confirmed);
+    }
+
+    void anotherPageConfirmsNothing_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::newRow("another site") << QByteArray("Sec-Fetch-Site: cross-site\r\n");
+        QTest::newRow("the same site") << QByteArray("Sec-Fetch-Site: same-site\r\n");
+    }
+    void anotherPageConfirmsNothing()
+    {
+        QFETCH(const QByteArray, header);
+        QVERIFY(begin());
+        QCOMPARE(posted(header).status, 403);
+        QCOMPARE(polled(), waiting);
     }
 
     void lookingAtThePageConfirmsNothing()
@@ -301,6 +321,13 @@ private:
     QStringList secrets() const
     {
         return {businessCode(), lastSegment(pictureAddress()), lastSegment(m_page)};
+    }
+
+    // A POST to the page with nothing but @p headers.
+    SignInSteps::Reply posted(const QByteArray &headers)
+    {
+        const QByteArray path = m_page.mid(SignInSteps::address(QString()).size()).toUtf8();
+        return m_steps->client().verbatim("POST " + path, headers);
     }
 
     int polled(const QString &code)

@@ -152,6 +152,23 @@ private Q_SLOTS:
         QCOMPARE(m_steps->speak(SignInSteps::token(signedIn)), 0);
     }
 
+    void anAccountWithTooManyTokensLosesTheOneThatWouldExpireFirst()
+    {
+        QVERIFY(begin());
+        const QJsonObject signedIn = m_steps->signIn(phone());
+        const QString first = SignInSteps::token(signedIn);
+        const QString refresh = SignInSteps::token(signedIn, "refresh_token");
+        makeTokens(998);
+        QVERIFY(m_steps->renew(refresh).isSuccess()); // the thousandth
+        QCOMPARE(m_steps->speak(first), 0);
+        const auto renewed = m_steps->renew(refresh);
+        QCOMPARE(m_steps->speak(first), 401);
+        const double last = renewed.data().value(QLatin1String("token")).toDouble();
+        QCOMPARE(m_steps->speak(QString::number(static_cast<qint64>(last))), 0);
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patience);
+        QCOMPARE(database.execAndGet("SELECT COUNT(*) FROM token WHERE kind = 0").getInt(), 1000);
+    }
+
     void aSignInOutlivesARestart()
     {
         QVERIFY(begin());
@@ -274,6 +291,19 @@ private:
     }
 
     QString databaseFile() const { return m_service->dataFile(QStringLiteral("accounts.sqlite")); }
+
+    // Gives the account that has one access token @p count more, which expire later than that one.
+    void makeTokens(int count) const
+    {
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READWRITE, patience);
+        database.exec("UPDATE token SET expires = expires - 60 WHERE kind = 0");
+        database.exec("WITH RECURSIVE number (n) AS "
+                      "(SELECT 1 UNION ALL SELECT n + 1 FROM number WHERE n < "
+                      + std::to_string(count)
+                      + ") INSERT INTO token (digest, account, kind, expires) "
+                        "SELECT 'made ' || n, account, kind, expires + 60 FROM token, number "
+                        "WHERE kind = 0");
+    }
 
     // Makes the service's sweeping without effect, so that it has to look at the time itself.
     void keepExpiredTokens() const
