@@ -13,6 +13,24 @@
 
 #include <QJsonDocument>
 
+namespace {
+
+// What a terminal might obey is escaped: JSON itself asks for that below the blank only.
+QString lineOf(const QJsonObject &document)
+{
+    QString line;
+    const QString json = QString::fromUtf8(QJsonDocument(document).toJson(QJsonDocument::Compact));
+    for (const QChar character : json) {
+        if (character >= QChar(0x7f) && character <= QChar(0x9f))
+            line += QStringLiteral("\\u00%1").arg(character.unicode(), 0, 16);
+        else
+            line += character;
+    }
+    return line + QLatin1Char('\n');
+}
+
+} // namespace
+
 std::unique_ptr<Command> Command::make(const Options &options, const Tools &tools)
 {
     switch (options.action) {
@@ -65,8 +83,7 @@ Progress *Command::progress() const { return m_tools.progress; }
 void Command::finish(const QString &text, const QJsonObject &document)
 {
     m_tools.progress->clear(); // the terminal may be the same
-    const QByteArray json = QJsonDocument(document).toJson(QJsonDocument::Compact);
-    if (Console::print(m_json ? QString::fromUtf8(json) + QLatin1Char('\n') : text))
+    if (Console::print(m_json ? lineOf(document) : text))
         Q_EMIT succeeded();
     else
         Q_EMIT failed(QStringLiteral("the result could not be written to standard output"));

@@ -55,16 +55,19 @@ const struct OptionWord
     const char *value = nullptr;  // null: it takes none
     Options::Actions goesWith;
     const char *meaning = nullptr;
+    const char *standard = nullptr; // the value when none is given; null: there is none
 } optionWords[] = {
     {helpName, "h", nullptr, every, "Prints this help."},
     {versionName, "v", nullptr, every, "Prints the version."},
     {outputName, "o", "file", withFile, "say, fetch: the file that gets what comes."},
     {resumeName, nullptr, nullptr, Action::Fetch, "fetch: goes on where an earlier run ended."},
-    {voiceName, nullptr, "voice", Action::Say, "say: the voice; rms by default."},
-    {rateName, nullptr, "hz", Action::Say, "say: samples per second; 16000 by default."},
+    {voiceName, nullptr, "voice", Action::Say, "say: the voice; %1 by default.", "rms"},
+    {rateName, nullptr, "hz", Action::Say, "say: samples per second; %1 by default.", "16000"},
     {anonymousName, nullptr, nullptr, Action::Say, "say: without signing in."},
     {longName, nullptr, nullptr, speech, "For long texts and recordings: waits for a task."},
-    {tokenName, nullptr, "number", speech, "Used in place of the session's token."},
+    {tokenName, nullptr, "number", speech,
+     "Used in place of the session's token. Every user of this machine can read it in the list of "
+     "processes."},
     {qrName, nullptr, nullptr, Action::Login, "login: shows a code to scan with a phone."},
     {smsName, nullptr, "number", Action::Login, "login: sends a code to this phone."},
     {jsonName, nullptr, nullptr, withResult, "Prints the result as one JSON document."},
@@ -72,9 +75,6 @@ const struct OptionWord
     {verboseName, nullptr, nullptr, every,
      "Shows what the library logs, texts, phone numbers and tokens included."},
 };
-
-const QLatin1String defaultVoice("rms");
-constexpr qint32 defaultRate = 16000;
 
 const QLatin1String description(
     "Speaks and recognises by way of the speech service.\n\n"
@@ -87,10 +87,11 @@ const QLatin1String description(
     "Results go to standard output, everything else to standard error. The ADDRESS\n"
     "of a recording begins with https:// and must be one that the service can read.\n\n"
     "login keeps a session, in session.json of the user's configuration folder and readable\n"
-    "by the user only; say and recognize use it and renew its token. logout removes it. With\n"
-    "--sms the code that the phone received is read from standard input. With --qr the code\n"
-    "is drawn on standard error, black on white on a terminal; elsewhere it has no colours and\n"
-    "can be scanned where the background is light. The path of its picture is shown too.\n\n"
+    "by the user only; say and recognize use it and renew its token. logout removes it; its\n"
+    "tokens stay valid at the service until they run out. With --sms the code that the phone\n"
+    "received is read from standard input. With --qr the code is drawn on standard error, black\n"
+    "on white on a terminal; elsewhere it has no colours and can be scanned where the background\n"
+    "is light. The path of its picture is shown too.\n\n"
     "fetch writes into FILE.part, which becomes FILE when it is complete and stays when it is\n"
     "not. Without -o the file has the last name in the ADDRESS, which begins with https:// or\n"
     "http://. --resume goes on with FILE.part and takes it that the server still has the same\n"
@@ -112,7 +113,11 @@ QCommandLineOption parserOption(const OptionWord &word)
     QStringList names{word.name};
     if (word.letter)
         names.prepend(QLatin1String(word.letter));
-    return {names, QLatin1String(word.meaning), QLatin1String(word.value)};
+    const QLatin1String standard(word.standard);
+    QString meaning = QLatin1String(word.meaning);
+    if (word.standard)
+        meaning = meaning.arg(standard);
+    return {names, meaning, QLatin1String(word.value), standard};
 }
 
 bool isControl(QChar character) { return character.category() == QChar::Other_Control; }
@@ -230,9 +235,7 @@ void CommandLine::readSubject(const QString &subject)
         if ((address.scheme() != QLatin1String("https")
              && address.scheme() != QLatin1String("http"))
             || address.host().isEmpty())
-            complain(
-                QStringLiteral("\"%1\" is no address: it has to begin with https:// or http://")
-                    .arg(subject));
+            complain(QStringLiteral("fetch needs an address that begins with https:// or http://"));
     }
 }
 
@@ -247,13 +250,14 @@ void CommandLine::refuseStrayOptions()
 
 void CommandLine::readSpeech()
 {
-    m_options.voice = m_parser.isSet(voiceName) ? m_parser.value(voiceName) : defaultVoice;
+    m_options.voice = m_parser.value(voiceName);
     m_options.output = m_parser.value(outputName);
     readSampleRate();
     if (m_options.output.isEmpty())
         complain(QStringLiteral("say needs a file for the audio (-o FILE.wav)"));
-    if (m_options.longForm && m_options.anonymous)
-        complain(QStringLiteral("--long needs a token and does not go with --anonymous"));
+    if (m_options.anonymous && (m_options.longForm || m_options.token))
+        complain(
+            QStringLiteral("--anonymous sends no token and goes with neither --long nor --token"));
 }
 
 void CommandLine::readDownload()
@@ -288,9 +292,6 @@ void CommandLine::readToken()
 
 void CommandLine::readSampleRate()
 {
-    m_options.sampleRate = defaultRate;
-    if (!m_parser.isSet(rateName))
-        return;
     bool isNumber = false;
     m_options.sampleRate = m_parser.value(rateName).toInt(&isNumber);
     if (!isNumber || m_options.sampleRate <= 0)

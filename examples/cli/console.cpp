@@ -8,6 +8,12 @@
 
 #include <cstdio>
 
+#ifdef Q_OS_WIN
+#include <fcntl.h>
+#include <io.h>
+#include <qt_windows.h>
+#endif
+
 namespace {
 
 QtMessageHandler defaultHandler = nullptr;
@@ -25,7 +31,36 @@ bool write(const QString &text, std::FILE *stream)
     return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
 }
 
+bool isPlain(QChar character)
+{
+    switch (character.category()) {
+    case QChar::Other_Control:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    case QChar::Other_Format: // two of them shape words
+        return character == QChar(0x200c) || character == QChar(0x200d);
+    default:
+        return true;
+    }
+}
+
 } // namespace
+
+#ifdef Q_OS_WIN
+// Text mode would put a carriage return before each line feed.
+void Console::setUpStreams()
+{
+    _setmode(_fileno(stdout), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+    const HANDLE screen = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    if (GetConsoleMode(screen, &mode))
+        SetConsoleMode(screen, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+#else
+void Console::setUpStreams() {}
+#endif
 
 bool Console::print(const QString &text) { return write(text, stdout); }
 
@@ -39,14 +74,13 @@ void Console::ask(const QString &question)
 
 void Console::complain(const QString &problem)
 {
-    const QByteArray line = onOneLine(problem).toLocal8Bit();
-    std::fprintf(stderr, "vospeak: %s\n", line.constData());
+    show(QStringLiteral("vospeak: %1\n").arg(onOneLine(problem)));
 }
 
 QString Console::onOneLine(QString text)
 {
     for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control)
+        if (!isPlain(character))
             character = QLatin1Char(' ');
     }
     return text.trimmed();

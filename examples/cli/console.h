@@ -5,6 +5,10 @@ class QString;
 /// The streams between the program and its user.
 namespace Console {
 
+/// To be called before anything is written. On Windows the streams and the console are not made for
+/// UTF-8, line feeds and colours by themselves.
+void setUpStreams();
+
 /// Writes @p text to standard output, in UTF-8 whatever the locale is: it may well be kept in a
 /// file. False when it did not get there.
 bool print(const QString &text);
@@ -15,10 +19,11 @@ void show(const QString &text);
 /// Asks the user for a line: writes @p question to standard error.
 void ask(const QString &question);
 
-/// Writes one line to standard error.
+/// Writes one line to standard error, in UTF-8 as well.
 void complain(const QString &problem);
 
-/// @p text without anything that moves the cursor, whatever it consists of.
+/// @p text without anything that moves the cursor or turns the direction of writing, whatever it
+/// consists of.
 QString onOneLine(QString text);
 
 /// Keeps the log away from standard error except for warnings and worse; with @p verbose all of it

@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QNetworkReply>
 
 namespace {
 
@@ -29,10 +28,15 @@ bool isSuccess(int status) { return status >= 200 && status < 300; }
 bool isRedirect(int status) { return status >= 300 && status < 400; }
 
 // -1 when it is not announced.
-qint64 announcedLength(const QNetworkReply *reply)
+qint64 lengthIn(const QList<QNetworkReply::RawHeaderPair> &head)
 {
-    const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
-    return length.isValid() ? length.toLongLong() : -1;
+    bool isNumber = false;
+    qint64 length = -1;
+    for (const QNetworkReply::RawHeaderPair &header : head) {
+        if (header.first.compare("Content-Length", Qt::CaseInsensitive) == 0)
+            length = header.second.toLongLong(&isNumber);
+    }
+    return isNumber ? length : -1;
 }
 
 // Whether @p reply brings the bytes from @p first to the end of @p length.
@@ -79,31 +83,21 @@ HttpRequest Fetch::request()
 void Fetch::start()
 {
     progress()->show(QStringLiteral("asking for the file"));
-    m_response = request()
-                     .readBufferSize(smallBuffer)
-                     .onHead([this](const QMap<QString, QString> &) { onFound(); })
-                     .send();
+    m_response = request().readBufferSize(smallBuffer).onHead(this, &Fetch::onFound).send();
 }
 
-// What a redirect leads to is asked again, there: Qt may put the headers of both answers together,
-// so the length may be that of a page about the redirect.
-void Fetch::onFound()
+void Fetch::onFound(const QList<QNetworkReply::RawHeaderPair> &head)
 {
     const QNetworkReply *reply = replyTo(m_response);
     if (reply->error() != QNetworkReply::NoError)
         return; // onError() has told
     if (!isSuccess(statusOf(reply)) || statusOf(reply) == partOfIt)
         return refuse();
-    m_length = announcedLength(reply);
+    m_length = lengthIn(head);
     if (m_length < 0 && reply->isFinished() && reply->bytesAvailable() == 0)
         m_length = 0;
-    const QUrl source = reply->url();
-    const bool isElsewhere = m_source == m_address && source != reply->request().url();
+    m_source = reply->url().toString(QUrl::FullyEncoded);
     delete m_response; // that was all
-    if (isElsewhere) {
-        m_source = source.toString(QUrl::FullyEncoded);
-        return start();
-    }
     prepare();
     if (m_kept == m_length)
         complete();
@@ -152,7 +146,7 @@ void Fetch::onBegin()
         return beginAnew();
     if (!appends) {
         m_kept = 0;
-        m_length = announcedLength(reply);
+        m_length = lengthIn(reply->rawHeaderPairs());
     }
     m_transfer.emplace(m_kept, m_length);
 }
@@ -218,5 +212,6 @@ void Fetch::endWith(const QString &problem)
 
 void Fetch::tell(const QString &problem)
 {
-    Q_EMIT failed(QStringLiteral("\"%1\" could not be downloaded: %2").arg(m_address, problem));
+    const QString address = QUrl(m_address).toDisplayString(QUrl::RemovePassword);
+    Q_EMIT failed(QStringLiteral("\"%1\" could not be downloaded: %2").arg(address, problem));
 }

@@ -7,6 +7,7 @@
 #include "outputfile.h"
 #include "transferprogress.h"
 
+#include <QNetworkReply>
 #include <QPointer>
 
 #include <optional>
@@ -25,7 +26,7 @@ public:
 
 private:
     HttpRequest request();
-    void onFound();
+    void onFound(const QList<QNetworkReply::RawHeaderPair> &head);
     void prepare();
     void download();
     void onBegin();

@@ -4,13 +4,24 @@
 #include <QFileInfo>
 #include <QString>
 
+namespace {
+
+bool hasScheme(const QString &recording, QLatin1String scheme)
+{
+    return recording.startsWith(scheme + QLatin1String("://"), Qt::CaseInsensitive);
+}
+
+} // namespace
+
 bool InputFile::isAddress(const QString &recording)
 {
-    return recording.startsWith(QLatin1String("https://"));
+    return hasScheme(recording, QLatin1String("https"));
 }
 
 QString InputFile::problem(const QString &path)
 {
+    if (hasScheme(path, QLatin1String("http")))
+        return QStringLiteral("the address of a recording must begin with https://");
     const QFileInfo info(path);
     if (!info.exists())
         return QStringLiteral("there is no file \"%1\"").arg(path);

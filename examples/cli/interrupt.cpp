@@ -4,14 +4,28 @@
 
 #ifdef Q_OS_WIN
 
-#include <QAtomicPointer>
 #include <QMetaObject>
 
+#include <mutex>
 #include <qt_windows.h>
+#include <utility>
 
 namespace {
 
-QAtomicPointer<Interrupt> current;
+Interrupt *current = nullptr;
+
+// Held as long as the handler uses what it found there: the destructor waits for it.
+std::mutex &currentMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+void setCurrent(Interrupt *interrupt)
+{
+    const std::lock_guard<std::mutex> lock(currentMutex());
+    current = interrupt;
+}
 
 // Runs in a thread that the system makes for it. The pointer is taken, so a second Ctrl-C finds
 // none and the system's own handler ends the program.
@@ -19,7 +33,8 @@ BOOL WINAPI onControl(DWORD control)
 {
     if (control != CTRL_C_EVENT && control != CTRL_BREAK_EVENT)
         return FALSE;
-    Interrupt *interrupt = current.fetchAndStoreOrdered(nullptr);
+    const std::lock_guard<std::mutex> lock(currentMutex());
+    Interrupt *interrupt = std::exchange(current, nullptr);
     if (!interrupt)
         return FALSE;
     QMetaObject::invokeMethod(
@@ -32,14 +47,14 @@ BOOL WINAPI onControl(DWORD control)
 
 Interrupt::Interrupt()
 {
-    current.storeRelease(this);
+    setCurrent(this);
     SetConsoleCtrlHandler(onControl, TRUE);
 }
 
 Interrupt::~Interrupt()
 {
     SetConsoleCtrlHandler(onControl, FALSE);
-    current.storeRelease(nullptr);
+    setCurrent(nullptr);
 }
 
 #else

@@ -77,6 +77,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("vospeak"));
     QCoreApplication::setApplicationVersion(VoNetwork::GetAppVersion());
 
+    Console::setUpStreams();
     const CommandLine commandLine(QCoreApplication::arguments());
     if (!commandLine.problem().isEmpty())
         return refuse(commandLine.problem(), WrongUse);

@@ -1,8 +1,7 @@
 #include "progress.h"
 
+#include "console.h"
 #include "terminal.h"
-
-#include <QByteArray>
 
 #include <cstdio>
 
@@ -18,9 +17,7 @@ void Progress::show(const QString &text)
     if (!m_enabled)
         return;
     // Blanks and not an escape sequence: not every console knows those.
-    const QByteArray line = text.leftJustified(m_width).toLocal8Bit();
-    std::fprintf(stderr, "\r%s", line.constData());
-    std::fflush(stderr);
+    Console::show(QLatin1Char('\r') + text.leftJustified(m_width));
     m_width = text.size();
 }
 

@@ -15,10 +15,11 @@ Recognition::Recognition(const Options &options, const Tools &tools)
 
 Recognition::~Recognition() = default;
 
+// The user may write the scheme in capitals; the service may compare it letter by letter.
 void Recognition::start()
 {
     if (InputFile::isAddress(m_recording))
-        recognize(m_recording);
+        recognize(QLatin1String("https") + m_recording.mid(m_recording.indexOf(QLatin1Char(':'))));
     else
         m_uploader.upload(m_recording);
 }

@@ -32,47 +32,17 @@ void ShortRecognition::onText(SHORT_STT_STATUS status, const QString &text)
 
 LongRecognition::LongRecognition(const Options &options, const Tools &tools)
     : Recognition(options, tools)
+    , m_task(tools)
 {
-    connect(tools.service, &VoNetworkIntf::signalCreateSTTTask, this, &LongRecognition::onTask);
-    connect(tools.service, &VoNetworkIntf::signalGetSTTResult, this, &LongRecognition::onStatus);
-    connect(&m_poll, &Poll::due, this, &LongRecognition::ask);
+    connect(tools.service, &VoNetworkIntf::signalCreateSTTTask, &m_task, &Task::onCreated);
+    connect(tools.service, &VoNetworkIntf::signalGetSTTResult, &m_task, &Task::onStatus);
+    connect(&m_task, &Task::due, tools.service, &VoNetworkIntf::GetSTTTaskResult);
+    connect(&m_task, &Task::succeeded, this, &LongRecognition::finishWith);
+    connect(&m_task, &Task::failed, this, &Command::failed);
 }
 
 void LongRecognition::recognize(const QString &address)
 {
     tokens()->give(
         [this, address](qint64 token) { service()->CreateSTTTask(address, token, pageFeature); });
-}
-
-void LongRecognition::onTask(STT_STATUS status, const QString &taskId)
-{
-    if (status != STT_SUCCESS || taskId.isEmpty()) {
-        Q_EMIT failed(refusedByService());
-        return;
-    }
-    m_taskId = taskId;
-    progress()->show(QStringLiteral("queued"));
-    m_poll.next();
-}
-
-void LongRecognition::ask()
-{
-    tokens()->give([this](qint64 token) { service()->GetSTTTaskResult(m_taskId, token); });
-}
-
-void LongRecognition::onStatus(STT_STATUS status, const QString &, const QString &,
-                               const QString &text)
-{
-    switch (status) {
-    case STT_PROCESSING:
-        progress()->show(QStringLiteral("queued or running, %1 s").arg(m_poll.seconds()));
-        m_poll.next();
-        break;
-    case STT_SUCCESS:
-        finishWith(text);
-        break;
-    case STT_FAILED:
-        Q_EMIT failed(refusedByService());
-        break;
-    }
 }

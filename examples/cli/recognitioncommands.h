@@ -1,8 +1,8 @@
 #pragma once
 
 #include "network/vonetworkintf.h"
-#include "poll.h"
 #include "recognition.h"
+#include "task.h"
 
 /// Recognises a short recording: the text comes with the reply.
 class ShortRecognition : public Recognition
@@ -33,11 +33,5 @@ protected:
     void recognize(const QString &address) override;
 
 private:
-    void onTask(STT_STATUS status, const QString &taskId);
-    void ask();
-    void onStatus(STT_STATUS status, const QString &taskId, const QString &requestId,
-                  const QString &text);
-
-    QString m_taskId;
-    Poll m_poll;
+    Task m_task;
 };

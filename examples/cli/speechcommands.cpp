@@ -78,12 +78,17 @@ void ShortSpeech::onAudio(TTS_STATUS status, const QString &audioBase64)
         finishWithFile();
 }
 
+// From the event loop and not from inside the service's signal: fetching waits in a nested loop,
+// and the reply that the status came with should be over by then.
 LongSpeech::LongSpeech(const Options &options, const Tools &tools)
     : Speech(options, tools)
+    , m_task(tools)
 {
-    connect(tools.service, &VoNetworkIntf::signalLongTTSTask, this, &LongSpeech::onTask);
-    connect(tools.service, &VoNetworkIntf::signalGetLongTTSResult, this, &LongSpeech::onStatus);
-    connect(&m_poll, &Poll::due, this, &LongSpeech::ask);
+    connect(tools.service, &VoNetworkIntf::signalLongTTSTask, &m_task, &Task::onCreated);
+    connect(tools.service, &VoNetworkIntf::signalGetLongTTSResult, &m_task, &Task::onStatus);
+    connect(&m_task, &Task::due, tools.service, &VoNetworkIntf::LongTTSStatus);
+    connect(&m_task, &Task::succeeded, this, &LongSpeech::fetch, Qt::QueuedConnection);
+    connect(&m_task, &Task::failed, this, &Command::failed);
 }
 
 void LongSpeech::start()
@@ -91,45 +96,9 @@ void LongSpeech::start()
     tokens()->give([this](qint64 token) { service()->LongTTSTask(params(), token); });
 }
 
-void LongSpeech::onTask(LONG_TTS_STATUS status, const QString &taskId)
-{
-    if (status != LONG_TTS_SUCCESS || taskId.isEmpty()) {
-        Q_EMIT failed(refusedByService());
-        return;
-    }
-    m_taskId = taskId;
-    progress()->show(QStringLiteral("queued"));
-    m_poll.next();
-}
-
-void LongSpeech::ask()
-{
-    tokens()->give([this](qint64 token) { service()->LongTTSStatus(m_taskId, token); });
-}
-
-void LongSpeech::onStatus(LONG_TTS_STATUS status, const QString &, const QString &,
-                          const QString &audioUrl)
-{
-    switch (status) {
-    case LONG_TTS_PROCESSING:
-        progress()->show(QStringLiteral("queued or running, %1 s").arg(m_poll.seconds()));
-        m_poll.next();
-        break;
-    case LONG_TTS_SUCCESS:
-        progress()->show(QStringLiteral("fetching the audio"));
-        // From the event loop and not from inside the service's signal: fetching waits in a nested
-        // loop, and the reply that this status came with should be over by then.
-        QMetaObject::invokeMethod(
-            this, [this, audioUrl] { fetch(audioUrl); }, Qt::QueuedConnection);
-        break;
-    case LONG_TTS_FAILED:
-        Q_EMIT failed(refusedByService());
-        break;
-    }
-}
-
 void LongSpeech::fetch(const QString &address)
 {
+    progress()->show(QStringLiteral("fetching the audio"));
     if (output().take([this, &address](const QString &path) { return fetchInto(address, path); }))
         finishWithFile();
     else

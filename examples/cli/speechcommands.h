@@ -3,7 +3,7 @@
 #include "command.h"
 #include "network/vonetworkintf.h"
 #include "outputfile.h"
-#include "poll.h"
+#include "task.h"
 
 /// What short and long speech have in common: the audio goes into a file.
 class Speech : public Command
@@ -56,13 +56,8 @@ public:
     void start() override;
 
 private:
-    void onTask(LONG_TTS_STATUS status, const QString &taskId);
-    void ask();
-    void onStatus(LONG_TTS_STATUS status, const QString &taskId, const QString &requestId,
-                  const QString &audioUrl);
     void fetch(const QString &address);
     bool fetchInto(const QString &address, const QString &path);
 
-    QString m_taskId;
-    Poll m_poll;
+    Task m_task;
 };

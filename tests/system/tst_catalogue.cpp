@@ -50,12 +50,12 @@ QByteArray music()
                     {QStringLiteral("url"), QStringLiteral("https://a.example/rain.mp3")}}});
 }
 
-QByteArray update(int status)
+QByteArray update(int status, const QString &version = QStringLiteral("9.1"))
 {
     return Answers::envelope(
         {{QStringLiteral("upgradeStatus"), status},
          {QStringLiteral("versionInfo"),
-          QJsonObject{{QStringLiteral("version_code"), QStringLiteral("9.1")},
+          QJsonObject{{QStringLiteral("version_code"), version},
                       {QStringLiteral("external_update_log"),
                        QJsonArray{QStringLiteral("More voices"), QStringLiteral("Faster")}},
                       {QStringLiteral("url"), QStringLiteral("https://a.example/9.1")}}}});
@@ -132,6 +132,37 @@ private Q_SLOTS:
         QCOMPARE(outcome.out, printed);
         QCOMPARE(outcome.err, QByteArray());
         QCOMPARE(outcome.status, 0);
+    }
+
+    void whatATerminalObeysBecomesABlank_data()
+    {
+        QTest::addColumn<QString>("character");
+        QTest::addColumn<QString>("printed");
+        const QString blank = QStringLiteral(" ");
+        for (const ushort code : {0x0000, 0x001b, 0x007f, 0x0080, 0x009b, 0x009f, 0x200e, 0x2028,
+                                  0x2029, 0x202e, 0x2066, 0xfeff})
+            QTest::addRow("U+%04X", code) << QString(QChar(code)) << blank;
+        for (const ushort code : {0x007e, 0x00a1, 0x00e9, 0x200c, 0x200d, 0x4f60})
+            QTest::addRow("U+%04X", code) << QString(QChar(code)) << QString(QChar(code));
+    }
+    void whatATerminalObeysBecomesABlank()
+    {
+        QFETCH(const QString, character);
+        QFETCH(const QString, printed);
+        m_server.answer(update(1, QStringLiteral("9%1exe").arg(character)));
+        const Outcome outcome = run(arguments("update"));
+        QCOMPARE(outcome.out, "9" + printed.toUtf8() + "exe is there, newer than " + thisVersion()
+                                  + "\n  More voices\n  Faster\nhttps://a.example/9.1\n");
+    }
+
+    void jsonEscapesWhatATerminalObeys()
+    {
+        m_server.answer(update(1, QStringLiteral("~\x7f\u0080\u009b31m\u009f\u00a0\x1b")));
+        const Outcome outcome = run(arguments("update --json"));
+        QCOMPARE(outcome.out,
+                 json("{'changes':['More voices','Faster'],'currentVersion':'" + thisVersion()
+                      + "','status':1,'url':'https://a.example/9.1',"
+                        "'version':'~\\u007f\\u0080\\u009b31m\\u009f\xc2\xa0\\u001b'}\n"));
     }
 
     void jsonIsOneDocumentOnOneLine_data()

@@ -243,7 +243,7 @@ private Q_SLOTS:
         row("has nothing, in chunks", {inChunks(chunk({}))}, "");
         const QByteArray moved =
             ScriptedServer::reply("<h1>a page</h1>", "302 Found", "Location: /there\r\n");
-        row("redirects with a page", {moved, letters(), letters(), letters(), rest}, "ABCDefghij");
+        row("redirects with a page", {moved, letters(), letters(), rest}, "ABCDefghij");
         row("redirects each time", {moved, letters(), moved, letters()}, "abcdefghij");
     }
     void anOddServerIsUnderstood()
@@ -256,6 +256,18 @@ private Q_SLOTS:
             fetch(m_server.address(QStringLiteral("/f")), QStringLiteral("--resume")));
         QCOMPARE(TestFolder::contents(file), after);
         QCOMPARE(entries(), QStringList{file});
+    }
+
+    void whereARedirectLeadsIsRemembered()
+    {
+        const QByteArray moved =
+            ScriptedServer::reply("<h1>a page</h1>", "302 Found", "Location: /there\r\n");
+        play({{moved}, {letters()}});
+        verifyQuietSuccess(fetch(m_server.address(QStringLiteral("/f"))));
+        QList<QByteArray> paths;
+        for (const QByteArray &request : m_server.requests())
+            paths.append(request.split(' ').value(1));
+        QCOMPARE(paths, (QList<QByteArray>{"/f", "/there", "/there", "/there"}));
     }
 
     void aRefusalIsToldAndTouchesNoFile_data()
@@ -384,7 +396,7 @@ private Q_SLOTS:
             outcome = fetch(address);
         }
         verifyFailure(outcome, address,
-                      "\"" + QFileInfo(file).absolutePath().toLocal8Bit()
+                      "\"" + QFileInfo(file).absolutePath().toUtf8()
                           + "/file.part\" could not be written");
         QCOMPARE(TestFolder::contents(file), QByteArray("older"));
         QCOMPARE(QFileInfo(part).size(), 1000000);
@@ -475,6 +487,18 @@ private Q_SLOTS:
         QCOMPARE(TestFolder::contents(file), QByteArray("abcdefghij"));
     }
 
+    void aPasswordInTheAddressIsNotPrinted()
+    {
+        play({{pageAbout("404 Not Found")}});
+        const QString address = m_server.address(QStringLiteral("/f"));
+        const auto as = [address](const QString &user) {
+            return QString(address).replace(QStringLiteral("//"),
+                                            QStringLiteral("//%1@").arg(user));
+        };
+        verifyFailure(fetch(as(QStringLiteral("me:secret"))), as(QStringLiteral("me")),
+                      "the server answered 404 Not Found");
+    }
+
     void aTerminalSeesHowFarItIs()
     {
         const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
@@ -537,7 +561,7 @@ private:
     static void verifyFailure(const Outcome &outcome, const QString &address,
                               const QByteArray &problem)
     {
-        QCOMPARE(outcome.err, "vospeak: \"" + address.toLocal8Bit()
+        QCOMPARE(outcome.err, "vospeak: \"" + address.toUtf8()
                                   + "\" could not be downloaded: " + problem + '\n');
         QCOMPARE(outcome.out, QByteArray());
         QCOMPARE(outcome.status, 1);

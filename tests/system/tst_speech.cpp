@@ -1,3 +1,4 @@
+#include "tests/support/testfolder.h"
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
@@ -6,7 +7,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <QtEndian>
 #include <QtTest>
 
@@ -75,6 +78,23 @@ private Q_SLOTS:
         QCOMPARE(words(QString::fromUtf8(heard.out)), words(sentence()));
     }
 
+    void theDefaultsAreThoseOfTheHelp()
+    {
+        const QString help = QString::fromUtf8(vospeak(arguments("--help")).out).simplified();
+        static const QRegularExpression defaults(
+            QStringLiteral("the voice; (\\w+) by default.* per second; (\\d+) by default"));
+        const QRegularExpressionMatch told = defaults.match(help);
+        QVERIFY2(told.hasMatch(), qPrintable(help));
+        QCOMPARE(vospeak(say() + m_service.access()).status, 0);
+        const QByteArray unasked = TestFolder::contents(m_audio);
+        QCOMPARE(vospeak(say() + m_service.access()
+                         + QStringList{QStringLiteral("--voice"), told.captured(1),
+                                       QStringLiteral("--rate"), told.captured(2)})
+                     .status,
+                 0);
+        QVERIFY(TestFolder::contents(m_audio) == unasked); // too long to print
+    }
+
     void everyVoiceSpeaks_data()
     {
         QTest::addColumn<QString>("voice");
@@ -128,8 +148,15 @@ private Q_SLOTS:
         QCOMPARE(words(QString::fromUtf8(out)), words(sentence()));
     }
 
+    void aRecordingThatTheServiceHasAlreadyIsRecognisedByItsAddress_data()
+    {
+        QTest::addColumn<QString>("scheme");
+        QTest::newRow("small") << QStringLiteral("https");
+        QTest::newRow("capital") << QStringLiteral("HTTPS");
+    }
     void aRecordingThatTheServiceHasAlreadyIsRecognisedByItsAddress()
     {
+        QFETCH(const QString, scheme);
         QCOMPARE(vospeak(say() + m_service.access()).status, 0);
         QFile file(m_audio);
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -141,8 +168,9 @@ private Q_SLOTS:
                      credentials.value(QLatin1String("dir")).toString()),
             file.readAll(), credentials.value(QLatin1String("SecurityToken")).toString());
         const QString address = uploaded.data().value(QLatin1String("address")).toString();
+        const QString recording = scheme + address.mid(address.indexOf(QLatin1Char(':')));
         const Outcome heard =
-            vospeak(QStringList{QStringLiteral("recognize"), address} + m_service.access());
+            vospeak(QStringList{QStringLiteral("recognize"), recording} + m_service.access());
         QCOMPARE(words(QString::fromUtf8(heard.out)), words(sentence()));
     }
 
