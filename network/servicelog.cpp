@@ -11,5 +11,5 @@ void ServiceLog::begin(const char *operation, const QJsonObject &body)
 
 void ServiceLog::failure(const char *slot, const QByteArray &failInfo)
 {
-    qDebug() << "[error]" << slot << QString::fromUtf8(failInfo);
+    qDebug() << "[error]" << slot << QString::fromLocal8Bit(failInfo); // as the toolkit wrote it
 }

@@ -149,9 +149,12 @@ Q_DECLARE_METATYPE(UpdateInfo *)
 ///
 /// A synchronous operation (GetBgmList(), GetDubList(), GetUpdateInfo(), DownloadLongTTSRet())
 /// waits in a nested event loop: other signals are delivered meanwhile, and an application that
-/// quits or an object that is given back ends the wait with a failure. Of the first three only one
-/// may wait at a time. Called from a handler that runs during the wait of another, it would take
-/// over that wait, which no reply would end any more.
+/// quits ends the wait with a failure. So does an object that is given back, but for a download,
+/// which goes on to its end.
+///
+/// Of the first three only one may wait at a time. Called from a handler that runs during the wait
+/// of another, it would take over that wait, which no reply would end any more. A request whose
+/// wait a quitting application has ended stays under way: its reply would end the next wait.
 ///
 /// Tokens are the numbers that sign-in gives; they are sent in decimal and never kept. Records
 /// that a signal or a list carries belong to the receiver, which deletes them. UpdateInfo stays the

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void replacesAnExistingPicture();
     void leavesWhatCameInsteadAndEmitsNullOnANetworkError_data();
     void leavesWhatCameInsteadAndEmitsNullOnANetworkError();
+    void emitsNullBeforeItReplacesThePicture();
     void returnsNothingWhenTheFileCannotBeOpened_data();
     void returnsNothingWhenTheFileCannotBeOpened();
     void emitsNullAndReturnsNothingWhenBothFail();
@@ -106,8 +107,7 @@ void TestAvatars::namesThePictureOfAStockAddressToTheLetter_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<QString>("name");
-    const QString folder =
-        "https://localhost:%1/speechdesk/voice_avatar/"_s.arg(QString::number(SERVICE_PORT));
+    const QString folder = "https://" AVATAR_STORAGE_HOST "/speechdesk/voice_avatar/"_s;
     const auto row = [](const QString &address, const QString &name) {
         QTest::newRow(address.toUtf8().constData()) << address << name;
     };
@@ -125,7 +125,7 @@ void TestAvatars::namesThePictureOfAStockAddressToTheLetter_data()
           folder + "avatar_girl.jpg"_s, folder,
           QString(folder + "avatar_girl.png"_s).replace("https"_s, "http"_s),
           QString(folder + "avatar_girl.png"_s).replace("https"_s, "HTTPS"_s),
-          QString(folder + "avatar_girl.png"_s).replace("localhost"_s, "elsewhere"_s)})
+          "https://elsewhere.example/speechdesk/voice_avatar/avatar_girl.png"_s})
         row(other, "women_01.png"_s);
 }
 
@@ -204,6 +204,19 @@ void TestAvatars::leavesWhatCameInsteadAndEmitsNullOnANetworkError()
     QCOMPARE(outcome(), QStringList{"signalGetLoginQrCodeEnd(null)"_s});
     QCOMPARE(logged(), (QStringList{start("<temporary>/a.png"_s),
                                     "[error] VoNetworker::DownloadAvt %1"_s.arg(error)}));
+}
+
+void TestAvatars::emitsNullBeforeItReplacesThePicture()
+{
+    m_files->answer(ScriptedServer::reply("old"));
+    m_files->answer(ScriptedServer::reply("a page", "404 Not Found"));
+    m_networker->DownloadAvt(m_address, m_path);
+    QByteArray inTheHandler;
+    connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, this,
+            [&] { inTheHandler = written(); });
+    m_networker->DownloadAvt(m_address, m_path);
+    QCOMPARE(inTheHandler, QByteArray("old"));
+    QCOMPARE(written(), QByteArray("a page"));
 }
 
 void TestAvatars::returnsNothingWhenTheFileCannotBeOpened_data()

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void fillsATrackFromItsMembers();
     void readsTheListOfTracks_data();
     void readsTheListOfTracks();
+    void keepsTheTracksInItsFourthFieldAndTheVoicesInItsSixth();
     void leavesTheVoicesOfAnEarlierCallAlone();
     void leavesTheTracksOfAnEarlierCallAlone();
     void forgetsTheVoicesOfAnEarlierCallWhenItFails();
@@ -73,9 +74,8 @@ void TestCatalogue::fillsAVoiceFromItsMembers_data()
     row("a category with a blank", R"({"category":"超高清 "})",
         R"(("", "", "", 3, "超高清 ", "women_01.png", "", "", false, false))");
     row("a known picture",
-        QByteArray("{\"avatar\":\"https://localhost:" + QByteArray::number(SERVICE_PORT)
-                   + "/speechdesk/voice_avatar/%E7%94%B702.png\"}")
-            .constData(),
+        R"({"avatar":"https://)" AVATAR_STORAGE_HOST
+        R"(/speechdesk/voice_avatar/%E7%94%B702.png"})",
         R"(("", "", "", 3, "", "man_02.png", "", "", false, false))");
     row("no member is a text",
         R"({"name":7,"voiceParam":null,"type":true,"category":["文学"],"avatar":{},)"
@@ -176,6 +176,22 @@ void TestCatalogue::readsTheListOfTracks_data()
 }
 
 void TestCatalogue::readsTheListOfTracks() { exchangeData(Operations::getBgmList()); }
+
+void TestCatalogue::keepsTheTracksInItsFourthFieldAndTheVoicesInItsSixth()
+{
+    server->answer(tracks("{}"));
+    server->answer(voices("{},{}"));
+    const QList<BgmInfo *> bgm = service->GetBgmList();
+    const QList<DubInfo *> dub = service->GetDubList();
+    // All fields are of a pointer's size.
+    const char *fields = reinterpret_cast<const char *>(service) + sizeof(VoNetworkIntf);
+    const auto *fourth = reinterpret_cast<const QList<BgmInfo *> *>(fields + 3 * sizeof(void *));
+    const auto *sixth = reinterpret_cast<const QList<DubInfo *> *>(fields + 5 * sizeof(void *));
+    const bool inOrder = *fourth == bgm && *sixth == dub;
+    qDeleteAll(bgm);
+    qDeleteAll(dub);
+    QVERIFY(inOrder);
+}
 
 void TestCatalogue::leavesTheVoicesOfAnEarlierCallAlone()
 {

@@ -1,5 +1,6 @@
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
+#include "tests/network/timeoutwatch.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -47,6 +48,7 @@ private Q_SLOTS:
     void failsWhenTheFileCannotBeOpened_data();
     void failsWhenTheFileCannotBeOpened();
     void doesNotNoticeAShortWrite();
+    void hasNoTimeOut();
     void closesItsConnectionBeforeItReturns();
     void deliversOtherAnswersWhileItWaits();
     void outlivesTheServiceObject();
@@ -291,6 +293,15 @@ void TestFileFetch::doesNotNoticeAShortWrite()
     m_files->answer(ScriptedServer::reply(everyByte(1024)));
     QVERIFY(fetch());
     QCOMPARE(logged(), QStringList{start(m_files->address("/a.mp3"_s))});
+}
+
+void TestFileFetch::hasNoTimeOut()
+{
+    const TimeoutWatch watch;
+    m_files->answer(ScriptedServer::reply("audio"));
+    QVERIFY(fetch());
+    QCOMPARE(watch.replies(), 1);
+    QCOMPARE(watch.timeouts(), QSet<QString>());
 }
 
 void TestFileFetch::closesItsConnectionBeforeItReturns()

@@ -1,6 +1,9 @@
+#include "network/buildconstants.h"
 #include "tests/network/fakecommand.h"
+#include "tests/network/localecodec.h"
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
+#include "tests/network/timeoutwatch.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -40,6 +43,7 @@ private Q_SLOTS:
     void readTheWholeBodyHoweverItIsSent_data();
     void readTheWholeBodyHoweverItIsSent();
     void readABodyThatComesInPieces();
+    void logTheReasonOfAFailureInTheMachinesCodePage();
     void followNoRedirect();
     void keepNoCookies();
     void keepNoCredentials();
@@ -48,6 +52,7 @@ private Q_SLOTS:
     void areAnsweredInTheOrderOfTheReplies();
     void areAnsweredAlikeWhenTheyAreAlike();
     void waitForAServiceThatIsSlowToAnswer();
+    void haveNoTimeOut();
     void canBeMadeFromAHandler();
     void canBeMadeFromAHandlerOfTheirOwnFailure();
     void goOnWhileAHandlerWaits();
@@ -65,7 +70,8 @@ private Q_SLOTS:
 void TestRequests::carryTheDeviceIdentifierExceptGetOssSign()
 {
     release();
-    const QString name = QStringLiteral(DEVICE_ID_COMMAND).section(QLatin1Char(' '), 0, 0);
+    const QString name =
+        QString::fromLatin1(BuildConstants::deviceIdCommand).section(QLatin1Char(' '), 0, 0);
     const FakeCommand command(name, "printf 'UUID  \\r\\nF00D 1234  \\r\\n'");
     service = VoNetwork::CreateVoNetworkIntf();
     answers = std::make_unique<Answers>(service);
@@ -130,6 +136,19 @@ void TestRequests::readABodyThatComesInPieces()
         QCoreApplication::processEvents();
     }
     QCOMPARE(outcome(), QStringList{Operations::shortSTT().answer});
+}
+
+void TestRequests::logTheReasonOfAFailureInTheMachinesCodePage()
+{
+    const LocaleCodec western("windows-1252");
+    server->answer(ScriptedServer::reply("", "418 Caf\xe9"));
+    Operations::shortSTT().call(service);
+    QCOMPARE(outcome(), QStringList{Operations::shortSTT().failure});
+    const QString address = server->address("/convert/public/index.php/v1/asr/process"_s);
+    QCOMPARE(logged(),
+             Operations::shortSTT().start
+                 + QStringList{R"([error] VoNetworker::slotShortSTTFail )"
+                               R"("Error transferring %1 - server replied: Café")"_s.arg(address)});
 }
 
 void TestRequests::followNoRedirect()
@@ -254,6 +273,18 @@ void TestRequests::waitForAServiceThatIsSlowToAnswer()
     const QStringList calls = outcome(21);
     QCOMPARE(calls.size(), 21);
     QCOMPARE(calls.last(), Operations::shortSTT().answer);
+}
+
+void TestRequests::haveNoTimeOut()
+{
+    const TimeoutWatch watch;
+    server->answer(ScriptedServer::reply("{}"));
+    const QList<Operation> all{Operations::getOssSign(), Operations::shortSTT()};
+    for (const Operation &operation : all)
+        operation.call(service);
+    QVERIFY(answers->waitFor(all.size()));
+    QCOMPARE(watch.replies(), all.size());
+    QCOMPARE(watch.timeouts(), QSet<QString>());
 }
 
 void TestRequests::canBeMadeFromAHandler()

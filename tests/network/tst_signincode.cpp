@@ -40,6 +40,8 @@ private Q_SLOTS:
     void writesThePictureToItsPathWithADoubledSlash();
     void asksForThePictureWithoutAnyHeaderOfItsOwn();
     void fetchesThePictureOverTls();
+    void emitsTheRecordOnceThePictureCanBeRead();
+    void emitsNullBeforeItReplacesThePicture();
     void replacesAPictureThatIsThere();
     void emitsNothingWhenTheFileCannotBeOpened_data();
     void emitsNothingWhenTheFileCannotBeOpened();
@@ -51,6 +53,9 @@ private Q_SLOTS:
     void keepsOneRecordPerCode();
     void emitsTheNewestCodeWhenTwoAreFetchedAtOnce();
     void storesThePathInTheRecordItFoundAndEmitsTheNewest();
+    void storesThePathBeforeThePictureArrives();
+    void emitsTheFirstCodeWhenASecondFails_data();
+    void emitsTheFirstCodeWhenASecondFails();
     void staysSilentWhenTheObjectIsReleased_data();
     void staysSilentWhenTheObjectIsReleased();
     void survivesADeletionFromAHandlerOfItsNull();
@@ -173,6 +178,34 @@ void TestSignInCode::fetchesThePictureOverTls()
     service->GetLoginQrCode();
     QCOMPARE(outcome(), QStringList{coded(QString())});
     QCOMPARE(picture(), QByteArray("over TLS"));
+}
+
+void TestSignInCode::emitsTheRecordOnceThePictureCanBeRead()
+{
+    server->answer(codeReply("b1"_s, "/qr"_s));
+    m_files->answer(ScriptedServer::reply("picture"));
+    QByteArray inTheHandler;
+    connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, this,
+            [&] { inTheHandler = picture(); });
+    service->GetLoginQrCode();
+    QCOMPARE(outcome(), QStringList{coded("b1"_s)});
+    QCOMPARE(inTheHandler, QByteArray("picture"));
+}
+
+void TestSignInCode::emitsNullBeforeItReplacesThePicture()
+{
+    server->answer(codeReply("b1"_s, "/qr"_s));
+    server->answer(codeReply("b2"_s, "/qr"_s));
+    m_files->answer(ScriptedServer::reply("old"));
+    m_files->answer(ScriptedServer::reply("a page", "404 Not Found"));
+    QList<QByteArray> inTheHandler;
+    connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, this,
+            [&] { inTheHandler.append(picture()); });
+    service->GetLoginQrCode();
+    QVERIFY(answers->waitFor(1));
+    service->GetLoginQrCode();
+    QCOMPARE(outcome(3), (QStringList{coded("b1"_s), QLatin1String(nothing), coded("b2"_s)}));
+    QCOMPARE(inTheHandler, (QList<QByteArray>{"old", "old", "a page"}));
 }
 
 void TestSignInCode::replacesAPictureThatIsThere()
@@ -367,6 +400,46 @@ void TestSignInCode::storesThePathInTheRecordItFoundAndEmitsTheNewest()
     QCOMPARE(answers->codes().size(), 2);
     QCOMPARE(answers->codes().first()->qrImagePath, other);
     QCOMPARE(picture(), QByteArray("picture"));
+}
+
+void TestSignInCode::storesThePathBeforeThePictureArrives()
+{
+    useNetworker();
+    server->answer(codeReply("b1"_s, "/qr"_s));
+    m_files->answer(ScriptedServer::reply("picture"));
+    service->GetLoginQrCode();
+    QVERIFY(answers->waitFor(1));
+
+    QString path;
+    connect(m_files.get(), &ScriptedServer::requestReceived, this,
+            [&] { path = answers->codes().first()->qrImagePath; });
+    const QString other = temporary->filePath("other.png"_s);
+    m_networker->DownloadLoginQrCode(m_files->address("/qr"_s), other);
+    QCOMPARE(path, other);
+}
+
+void TestSignInCode::emitsTheFirstCodeWhenASecondFails_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("refused") << ScriptedServer::reply(R"({"code":7,"data":{}})");
+    QTest::newRow("HTTP error") << ScriptedServer::reply("", "500 Oops");
+}
+
+void TestSignInCode::emitsTheFirstCodeWhenASecondFails()
+{
+    QFETCH(QByteArray, reply);
+    // The first picture comes only after the second code has failed.
+    connect(m_files.get(), &ScriptedServer::requestReceived, this,
+            [this] { service->GetLoginQrCode(); });
+    connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, this, [this](LoginQrCode *code) {
+        if (!code)
+            m_files->findChild<QSslSocket *>()->write(ScriptedServer::reply("first"));
+    });
+    server->answer(codeReply("b1"_s, "/qr"_s));
+    server->answer(reply);
+    service->GetLoginQrCode();
+    QCOMPARE(outcome(2), (QStringList{QLatin1String(nothing), coded("b1"_s)}));
+    QCOMPARE(picture(), QByteArray("first"));
 }
 
 void TestSignInCode::staysSilentWhenTheObjectIsReleased_data()

@@ -1,3 +1,4 @@
+#include "network/buildconstants.h"
 #include "network/vonetworker.h"
 #include "tests/network/fakecommand.h"
 #include "tests/network/operation.h"
@@ -120,7 +121,8 @@ void TestVoNetwork::createsObjectsWithConnectionsOfTheirOwn()
 
 void TestVoNetwork::createsObjectsWithDeviceIdentifiersOfTheirOwn()
 {
-    const QString command = QStringLiteral(DEVICE_ID_COMMAND).section(QLatin1Char(' '), 0, 0);
+    const QString command =
+        QString::fromLatin1(BuildConstants::deviceIdCommand).section(QLatin1Char(' '), 0, 0);
     server->answer(ScriptedServer::reply("{}"));
     FakeCommand first(command, "echo first");
     VoNetworkIntf *one = VoNetwork::CreateVoNetworkIntf();

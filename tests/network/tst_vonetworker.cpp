@@ -1,6 +1,6 @@
 #include "network/vonetworker.h"
 #include "tests/network/fakecommand.h"
-
+#include "tests/network/localecodec.h"
 #include "tests/network/servicetest.h"
 
 #include <QFile>
@@ -65,6 +65,28 @@ static_assert(
     std::is_same_v<decltype(&Networker::DownloadAvt), QString (VoNetworker::*)(QString, QString)>);
 static_assert(std::is_same_v<decltype(&Networker::DownloadLoginQrCode),
                              void (VoNetworker::*)(QString, QString)>);
+
+// Classes derived from it may call these, and nobody else.
+template <typename Object, typename Call>
+constexpr bool allows(Call)
+{
+    return std::is_invocable_v<Call, Object &>;
+}
+template <typename Call>
+constexpr bool isProtected(Call call)
+{
+    return allows<Networker>(call) && !allows<VoNetworker>(call);
+}
+static_assert(isProtected([](auto &self) -> decltype(void(self.runCommand(QString()))) {}));
+static_assert(
+    isProtected([](auto &self) -> decltype(void(self.ConvertServerToClientDubType(QString()))) {}));
+static_assert(isProtected([](auto &self) -> decltype(void(self.ConvertAvtUrlToClient(QString()))) {
+}));
+static_assert(isProtected([](auto &self) -> decltype(void(self.DownloadAvt(QString(), QString()))) {
+}));
+static_assert(isProtected(
+    [](auto &self) -> decltype(void(self.DownloadLoginQrCode(QString(), QString()))) {}));
+
 static_assert(sizeof(VoNetworker) == sizeof(VoNetworkIntf) + 7 * sizeof(void *),
               "seven fields, each a pointer or of a pointer's size");
 
@@ -102,6 +124,7 @@ private Q_SLOTS:
     void declaresNothingElse();
     void cleansWhatACommandPrints_data();
     void cleansWhatACommandPrints();
+    void readsWhatACommandPrintsInTheMachinesCodePage();
     void removesTheLastWordOfTheCommand_data();
     void removesTheLastWordOfTheCommand();
     void splitsACommandIntoItsArguments_data();
@@ -190,6 +213,12 @@ void TestVoNetworker::cleansWhatACommandPrints()
     QFETCH(QByteArray, output);
     QFETCH(QString, cleaned);
     QCOMPARE(printed("printf '" + output + '\'', "vo-tool csproduct get uuid"_s), cleaned);
+}
+
+void TestVoNetworker::readsWhatACommandPrintsInTheMachinesCodePage()
+{
+    const LocaleCodec western("windows-1252");
+    QCOMPARE(printed(R"(printf 'caf\351')", "vo-tool x"_s), "café"_s);
 }
 
 void TestVoNetworker::removesTheLastWordOfTheCommand_data()

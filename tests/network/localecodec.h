@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QTextCodec>
+
+/// Makes @p name the code page of the machine while it lives.
+class LocaleCodec
+{
+    Q_DISABLE_COPY(LocaleCodec)
+
+public:
+    explicit LocaleCodec(const char *name)
+    {
+        QTextCodec *codec = QTextCodec::codecForName(name);
+        if (!codec)
+            qFatal("there is no codec %s", name);
+        QTextCodec::setCodecForLocale(codec);
+    }
+    ~LocaleCodec() { QTextCodec::setCodecForLocale(m_previous); }
+
+private:
+    QTextCodec *m_previous = QTextCodec::codecForLocale();
+};
