@@ -46,7 +46,7 @@ void ReplyHeaders::onMetaDataChanged(const QNetworkReply &reply)
 
 QList<QNetworkReply::RawHeaderPair> ReplyHeaders::of(const QNetworkReply &reply) const
 {
-    const Headers joined = reply.rawHeaderPairs();
+    const Headers &joined = reply.rawHeaderPairs();
     if (m_redirecting.isEmpty() || isRedirecting(reply))
         return joined;
     // Qt moves a header that it sets again to the end. What still stands at the beginning, in its
