@@ -13,13 +13,22 @@ HttpBlocker::HttpBlocker(QNetworkReply *reply)
 
 HttpBlocker::~HttpBlocker() = default;
 
-void HttpBlocker::wait()
+void HttpBlocker::waitFor(QNetworkReply *reply)
 {
     // A failure is announced before the reply has finished, and whoever hears of it may delete the
     // reply later: that is, in this loop, which belongs to the reply.
-    auto *reply = qobject_cast<QNetworkReply *>(parent());
     const ReplyKeeper keeper(reply);
+    const QPointer<HttpBlocker> blocker(new HttpBlocker(reply)); // the reply's child
+    blocker->wait();
+    delete blocker;
+}
+
+// Once a thread has been told to quit, exec() returns at once for as long as its own loop has not:
+// to a worker that sends its last message it would not wait at all.
+void HttpBlocker::wait()
+{
     const QPointer<HttpBlocker> self(this);
+    const auto *reply = qobject_cast<QNetworkReply *>(parent());
     bool hasBegun = false;
     QObject context; // takes the call with it if it was not made
     QMetaObject::invokeMethod(
@@ -27,8 +36,6 @@ void HttpBlocker::wait()
     exec();
     if (hasBegun)
         return;
-    // Once a thread has been told to quit, exec() returns at once: a worker that sends its last
-    // message, an application whose loop has ended.
     while (self && !reply->isFinished())
         processEvents(QEventLoop::WaitForMoreEvents);
 }

@@ -11,10 +11,16 @@ class HttpBlocker : public QEventLoop
     Q_DISABLE_COPY(HttpBlocker)
 
 public:
-    explicit HttpBlocker(QNetworkReply *reply);
     ~HttpBlocker() override;
 
-    /// Returns when the reply has finished, or when the application quits. The reply and what
-    /// belongs to it live until then, even if somebody has it deleted later meanwhile.
+    /// Returns when @p reply has finished, or when the application quits; on a thread that was told
+    /// to quit before, only when the reply has finished. The reply and what belongs to it live
+    /// until then, even if somebody has it deleted later meanwhile. It has a child of this class
+    /// for as long as somebody waits for it.
+    static void waitFor(QNetworkReply *reply);
+
+private:
+    explicit HttpBlocker(QNetworkReply *reply);
+
     void wait();
 };

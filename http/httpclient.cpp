@@ -18,8 +18,7 @@ Child *childOf(const QNetworkReply *reply)
 bool isInUse(const QNetworkReply *reply)
 {
     const auto *response = childOf<HttpResponse>(reply);
-    const auto *blocker = childOf<HttpBlocker>(reply);
-    return (response && response->isDelivering()) || (blocker && blocker->isRunning());
+    return (response && response->isDelivering()) || childOf<HttpBlocker>(reply);
 }
 
 // Aborted, until the receivers have returned; silent for good, since the access manager that
@@ -27,12 +26,9 @@ bool isInUse(const QNetworkReply *reply)
 // use the manager.
 void outlive(QNetworkReply *reply)
 {
-    auto *response = childOf<HttpResponse>(reply);
-    if (response)
-        response->keepReply();
     reply->blockSignals(true);
     reply->abort();
-    delete response;
+    delete childOf<HttpResponse>(reply);
     if (auto *blocker = childOf<HttpBlocker>(reply))
         blocker->quit();
     QCoreApplication::removePostedEvents(reply, QEvent::MetaCall);

@@ -35,38 +35,6 @@ QString nameFromAddress(const QUrl &address)
     return name.isEmpty() ? address.host() : name;
 }
 
-// What the caller set, for as long as a range of the toolkit's is in its place.
-constexpr auto callersRange = QNetworkRequest::Attribute(QNetworkRequest::UserMax);
-
-void setRange(QNetworkRequest *request, const QByteArray &range)
-{
-    request->setAttribute(callersRange, request->rawHeader(rangeHeader));
-    request->setRawHeader(rangeHeader, range);
-}
-
-void restoreRange(QNetworkRequest *request)
-{
-    const QVariant range = request->attribute(callersRange);
-    if (!range.isValid())
-        return;
-    request->setRawHeader(rangeHeader, range.toByteArray());
-    request->setAttribute(callersRange, QVariant());
-}
-
-// What an earlier attempt of the same download found out does not hold for this one.
-HttpRequest withoutFindings(const HttpRequest &request)
-{
-    HttpRequest fresh(request);
-    fresh.fields.reply = nullptr;
-    restoreRange(&fresh.fields.networkRequest);
-    fresh.fields.supportsResume = false;
-    fresh.fields.downloadedBytes = 0;
-    fresh.fields.totalBytes = 0;
-    if (fresh.fields.readBufferSize < 0)
-        fresh.fields.readBufferSize = downloadBufferSize;
-    return fresh;
-}
-
 } // namespace
 
 HttpResponse *HttpDownloader::start(const HttpRequest &request)
@@ -94,6 +62,22 @@ HttpDownloader::HttpDownloader(const HttpRequest &request, HttpResponse *respons
         connect(request.fields.client, &QObject::destroyed, this, [response] { delete response; });
 }
 
+// What an earlier attempt of the same download found out does not hold for this one.
+HttpRequest HttpDownloader::withoutFindings(const HttpRequest &request)
+{
+    HttpRequest fresh(request);
+    fresh.fields.reply = nullptr;
+    if (fresh.m_callersRange)
+        fresh.fields.networkRequest.setRawHeader(rangeHeader, *fresh.m_callersRange);
+    fresh.m_callersRange.reset();
+    fresh.fields.supportsResume = false;
+    fresh.fields.downloadedBytes = 0;
+    fresh.fields.totalBytes = 0;
+    if (fresh.fields.readBufferSize < 0)
+        fresh.fields.readBufferSize = downloadBufferSize;
+    return fresh;
+}
+
 HttpDownloader::~HttpDownloader()
 {
     delete m_probe; // which ends the probe
@@ -116,7 +100,7 @@ void HttpDownloader::sendProbe()
     m_probe = probe.send();
     // Awaited here and not by send(): whatever ends the download meanwhile has to end the probe.
     if (m_request.fields.block)
-        (new HttpBlocker(m_probe->request().fields.reply))->wait(); // the reply's child
+        HttpBlocker::waitFor(m_probe->request().fields.reply);
 }
 
 void HttpDownloader::onHead(QList<QNetworkReply::RawHeaderPair> headerForPair)
@@ -182,10 +166,16 @@ void HttpDownloader::planResume(HttpResponse *unheard)
         return;
     fields.downloadedBytes = file.size();
     if (fields.downloadedBytes < m_contentLength)
-        setRange(&fields.networkRequest,
-                 "bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
+        setRange("bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
     else if (fields.downloadedBytes == m_contentLength)
         announceComplete(unheard);
+}
+
+void HttpDownloader::setRange(const QByteArray &range)
+{
+    QNetworkRequest &request = m_request.fields.networkRequest;
+    m_request.m_callersRange = request.rawHeader(rangeHeader);
+    request.setRawHeader(rangeHeader, range);
 }
 
 void HttpDownloader::announceComplete(HttpResponse *response)

@@ -42,7 +42,9 @@ private:
 
     void sendProbe();
     void readHeader(const QString &name, const QString &value);
+    static HttpRequest withoutFindings(const HttpRequest &request);
     void planResume(HttpResponse *unheard);
+    void setRange(const QByteArray &range);
     void announceComplete(HttpResponse *response);
 
     HttpRequest m_request;

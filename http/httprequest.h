@@ -13,6 +13,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <optional>
+
 class HttpClient;
 class HttpResponse;
 class QHttpMultiPart;
@@ -407,6 +409,8 @@ public:
     HttpRequestFields fields; ///< What the builder operations fill in.
 
 private:
+    friend class HttpDownloader;
+
     template <CallbackKind Kind, typename... Target>
     HttpRequest &bindTarget(Target &&...target)
     {
@@ -419,4 +423,7 @@ private:
     }
 
     void setBody(BodyType type, const QVariant &body);
+
+    /// The Range header that the caller set, while one of the toolkit's is in its place.
+    std::optional<QByteArray> m_callersRange;
 };

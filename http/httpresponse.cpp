@@ -4,6 +4,7 @@
 #include "http/httpcallbackbinder.h"
 #include "http/httpdump.h"
 #include "http/httpresponsetimeout.h"
+#include "http/replykeeper.h"
 
 #include <QDebug>
 #include <QJsonDocument>
@@ -127,7 +128,6 @@ HttpResponse::~HttpResponse()
     QNetworkReply *reply = m_reply;
     if (!reply)
         return;
-    keepReply();
     disconnect(reply, nullptr, this, nullptr);
     reply->abort();
     reply->deleteLater();
@@ -136,12 +136,6 @@ HttpResponse::~HttpResponse()
 const HttpRequest &HttpResponse::request() const { return m_request; }
 
 bool HttpResponse::isDelivering() const { return m_deliveries > 0; }
-
-void HttpResponse::keepReply()
-{
-    if (isDelivering() && !*m_keeper)
-        *m_keeper = std::make_unique<ReplyKeeper>(m_request.fields.reply);
-}
 
 void HttpResponse::setRequest(const HttpRequest &request)
 {
@@ -157,8 +151,7 @@ bool HttpResponse::waitIfAsked()
     if (!m_request.fields.block || !m_request.fields.reply)
         return true;
     const QPointer<HttpResponse> self(this);
-    auto *blocker = new HttpBlocker(m_request.fields.reply); // the reply's child
-    blocker->wait();
+    HttpBlocker::waitFor(m_request.fields.reply);
     return !self.isNull();
 }
 
@@ -192,10 +185,14 @@ bool HttpResponse::hasReceivers() const
 template <auto Signal, typename... Values>
 bool HttpResponse::deliver(Values &&...values)
 {
+    if (!hasReceivers<Signal>())
+        return true;
     const QPointer<HttpResponse> self(this);
-    std::unique_ptr<ReplyKeeper> keeper; // outlives this response
-    if (m_deliveries++ == 0)
-        m_keeper = &keeper;
+    // Qt goes on using the reply when its signal has been emitted. Somebody may have it deleted
+    // later in an event loop that a receiver runs: who has taken it, the client, another receiver.
+    std::optional<ReplyKeeper> keeper;
+    if (m_deliveries++ == 0 && m_request.fields.reply)
+        keeper.emplace(m_request.fields.reply);
     Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
     if (!self)
         return false;
@@ -203,13 +200,10 @@ bool HttpResponse::deliver(Values &&...values)
     return true;
 }
 
-// From inside a receiver that runs an event loop, when the exchange ends around it.
 void HttpResponse::releaseReply()
 {
-    if (!m_reply)
-        return;
-    keepReply();
-    m_reply->deleteLater();
+    if (m_reply)
+        m_reply->deleteLater();
 }
 
 void HttpResponse::onFinished()

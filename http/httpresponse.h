@@ -2,7 +2,6 @@
 
 #include "http/httprequest.h"
 #include "http/replyheaders.h"
-#include "http/replykeeper.h"
 
 #include <QFile>
 #include <QNetworkReply>
@@ -20,7 +19,8 @@
 /// Serves one network reply: turns its events into signals, sends the request again for a retry or
 /// a repeat, and deletes the reply when it is over. A child of the reply, so it goes with it; it
 /// lives on the thread of the client. From inside a signal a receiver may abort the reply, delete
-/// it later, or destroy the client (HttpClient says when not).
+/// it later, or destroy the client (HttpClient says when not), also in an event loop that it runs
+/// there: the reply stays until it has returned.
 ///
 /// Exactly one outcome is reported for each performance of the request, but none for one that is
 /// retried: either the finished() family or the error() family. Whoever is connected to
@@ -54,10 +54,6 @@ public:
 
     /// Whether one of the signals is being emitted.
     bool isDelivering() const;
-
-    /// While a signal is being emitted: the reply stays until its receivers have returned, even if
-    /// it is deleted later in an event loop that one of them runs. Qt goes on using it then.
-    void keepReply();
 
     /// The request's callbacks without those whose receivers are gone. For a request that may go
     /// out later or once more.
@@ -182,8 +178,6 @@ private:
     bool m_headHandled = false;
     bool m_outcomeReported = false;
     int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
-    std::unique_ptr<ReplyKeeper> *m_keeper =
-        nullptr; ///< The outermost emission's; it goes with it.
     /// For each callback, in the table's order: the receiver, if it has one. Kept only for requests
     /// that may go out again.
     std::vector<std::optional<QPointer<QObject>>> m_receivers;

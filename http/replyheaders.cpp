@@ -7,8 +7,17 @@ namespace {
 
 bool isRedirecting(const QNetworkReply &reply)
 {
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    return status >= 300 && status < 400;
+    switch (reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt()) {
+    case 301:
+    case 302:
+    case 303:
+    case 305:
+    case 307:
+    case 308:
+        return true;
+    default: // Qt follows no other
+        return false;
+    }
 }
 
 using Headers = QList<QNetworkReply::RawHeaderPair>;

@@ -384,6 +384,41 @@ private Q_SLOTS:
         QTRY_VERIFY(reply.isNull());
     }
 
+    void theReplyStaysWhileACallbackRunsAnEventLoopInWhichItIsDeletedLater_data()
+    {
+        QTest::addColumn<bool>("taken");
+        QTest::newRow("by the callback itself") << false;
+        QTest::newRow("by who takes it in the end") << true;
+    }
+    void theReplyStaysWhileACallbackRunsAnEventLoopInWhichItIsDeletedLater()
+    {
+        QFETCH(bool, taken);
+        const Scene scene = sceneFor(ReadyRead);
+        HttpClient client;
+        HttpRequest request = requestFor(ReadyRead, &client, scene);
+        QPointer<QNetworkReply> first;
+        bool isThere = false;
+        bool isOver = false;
+        request.onReadyRead([&](QNetworkReply *reply) {
+            if (first)
+                return;
+            first = reply;
+            if (!taken)
+                reply->deleteLater();
+            QTRY_VERIFY(isOver || !taken); // runs the event loop
+            isThere = anotherExchangeWorks() && first;
+        });
+        if (taken)
+            request.onFinished([&isOver](QNetworkReply *reply) {
+                reply->deleteLater();
+                isOver = true;
+            });
+        request.send();
+        QTRY_VERIFY(first || isThere);
+        QVERIFY(isThere);
+        QTRY_VERIFY(first.isNull());
+    }
+
     void aReplyThatWasTakenStaysWhileItsTakerRunsAnEventLoop()
     {
         const Scene scene = sceneFor(FinishedPlain);

@@ -409,6 +409,41 @@ private Q_SLOTS:
         QCOMPARE(log.lines().last(), "returned"_s);
     }
 
+    void whatGoesWhileAThreadThatWasToldToQuitWaitsEndsTheWait_data()
+    {
+        QTest::addColumn<bool>("client");
+        QTest::newRow("client") << true;
+        QTest::newRow("response") << false;
+    }
+    void whatGoesWhileAThreadThatWasToldToQuitWaitsEndsTheWait()
+    {
+        QFETCH(bool, client);
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer("", ScriptedServer::Then::KeepOpen);
+        const QString address = server.address("/"_s);
+        CallbackLog log;
+        const std::unique_ptr<QThread> thread(QThread::create([&] {
+            QEventLoop().exec(); // until it is told
+            auto owner = std::make_unique<HttpClient>();
+            QTimer::singleShot(0, owner.get(), [&] {
+                if (client)
+                    owner.reset();
+                else
+                    delete owner->findChild<HttpResponse *>();
+            });
+            HttpRequest request = blocking(owner.get(), address);
+            log.add(log.bindOutcomes(request).send() ? "a response"_s : "none"_s);
+        }));
+        QSignalSpy over(thread.get(), &QThread::finished);
+        thread->start();
+        thread->quit();
+        const bool ended = over.wait(60000);
+        thread->wait();
+        QVERIFY(ended);
+        QCOMPARE(log.lines(), QStringList{"none"_s});
+    }
+
     void aRequestThatCannotBeSentDoesNotWait_data()
     {
         QTest::addColumn<bool>("download");

@@ -139,6 +139,22 @@ private Q_SLOTS:
         QVERIFY(!response);
     }
 
+    void theClientMayGoInACallbackOfAnAwaitedRetry()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("", "503 Busy"));
+        server.answer(ScriptedServer::reply("body"));
+        auto client = std::make_unique<HttpClient>();
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, client.get());
+        request.url(server.address("/"_s)).block(true).retry(1).onFinished([&] { client.reset(); });
+        const QPointer<HttpResponse> response = log.bindOutcomes(request).send();
+        QVERIFY(!client);
+        QVERIFY(response.isNull());
+        QCOMPARE(log.lines(), QStringList{"retried()"_s});
+    }
+
     void theClientMayGoWhileNothingIsReceived_data()
     {
         QTest::addColumn<bool>("download");

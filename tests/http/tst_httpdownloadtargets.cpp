@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <csignal>
@@ -180,6 +181,10 @@ private Q_SLOTS:
         QVERIFY(QFile::setPermissions(folder.path("secret"_s), writing));
         const auto entering = QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther;
         QVERIFY(QFile::setPermissions(folder.path(), entering | QFile::WriteOwner));
+        const auto reset = qScopeGuard([&folder] { // so that it can be removed
+            QFile::setPermissions(folder.path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        });
         {
             const AsOrdinaryUser user;
             download(folder.path(name));

@@ -448,6 +448,9 @@ private Q_SLOTS:
             << Headers{{"Content-Length", "3000"}};
         QTest::newRow("a place of its own")
             << kept << Headers{{"Location", "/g"}} << Headers{{"Location", "/g"}};
+        QTest::newRow("not modified")
+            << QStringList{"302"_s, "redirected"_s, "302"_s, "304"_s}
+            << Headers{{"Location", "/f"}, {"Server", "s, s"}} << Headers{{"Server", "s"}};
         QTest::newRow("the redirect is the last answer")
             << QStringList{"302"_s, "redirected"_s, "302"_s} << Headers()
             << Headers{{"Content-Length", "145"},
@@ -478,7 +481,7 @@ private Q_SLOTS:
             else if (event == "allowed"_s)
                 Q_EMIT reply->redirectAllowed();
             else
-                reply->begin(200, joined);
+                reply->begin(event == "304"_s ? 304 : 200, joined);
         }
         reply->succeed();
         QCOMPARE(seen, head);

@@ -209,7 +209,7 @@ private Q_SLOTS:
     {
         LocalService service;
         QVERIFY(service.start());
-        const QDateTime end = QDateTime::currentDateTime().addDays(800);
+        const QDateTime end = QDateTime::currentDateTimeUtc().addDays(800);
         for (const char *name : {"tls/authority.pem", "tls/server.pem"}) {
             const auto certificates =
                 QSslCertificate::fromPath(service.dataFile(QString::fromLatin1(name)));
