@@ -411,13 +411,14 @@ private Q_SLOTS:
 
     void whatGoesWhileAThreadThatWasToldToQuitWaitsEndsTheWait_data()
     {
-        QTest::addColumn<bool>("client");
-        QTest::newRow("client") << true;
-        QTest::newRow("response") << false;
+        QTest::addColumn<QString>("what");
+        QTest::newRow("client") << "client"_s;
+        QTest::newRow("response") << "response"_s;
+        QTest::newRow("reply") << "reply"_s;
     }
     void whatGoesWhileAThreadThatWasToldToQuitWaitsEndsTheWait()
     {
-        QFETCH(bool, client);
+        QFETCH(QString, what);
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer("", ScriptedServer::Then::KeepOpen);
@@ -427,10 +428,12 @@ private Q_SLOTS:
             QEventLoop().exec(); // until it is told
             auto owner = std::make_unique<HttpClient>();
             QTimer::singleShot(0, owner.get(), [&] {
-                if (client)
+                if (what == "client"_s)
                     owner.reset();
-                else
+                else if (what == "response"_s)
                     delete owner->findChild<HttpResponse *>();
+                else
+                    delete owner->findChild<QNetworkReply *>();
             });
             HttpRequest request = blocking(owner.get(), address);
             log.add(log.bindOutcomes(request).send() ? "a response"_s : "none"_s);

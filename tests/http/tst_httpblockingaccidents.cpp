@@ -148,9 +148,19 @@ private Q_SLOTS:
         auto client = std::make_unique<HttpClient>();
         CallbackLog log;
         HttpRequest request(HttpMethod::Get, client.get());
-        request.url(server.address("/"_s)).block(true).retry(1).onFinished([&] { client.reset(); });
+        QVector<QPointer<QNetworkReply>> replies; // both are awaited
+        bool areThere = false;
+        request.url(server.address("/"_s)).block(true).retry(1).onFinished([&] {
+            const auto children = client->findChildren<QNetworkReply *>();
+            for (QNetworkReply *reply : children)
+                replies.append(reply);
+            client.reset();
+            areThere = !replies.contains(nullptr);
+        });
         const QPointer<HttpResponse> response = log.bindOutcomes(request).send();
-        QVERIFY(!client);
+        QVERIFY(areThere);
+        QCOMPARE(replies.size(), 2);
+        QTRY_COMPARE(replies, (QVector<QPointer<QNetworkReply>>(2)));
         QVERIFY(response.isNull());
         QCOMPARE(log.lines(), QStringList{"retried()"_s});
     }
