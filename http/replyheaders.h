@@ -20,6 +20,6 @@ public:
 
 private:
     bool m_isRedirected = false;
-    QList<QNetworkReply::RawHeaderPair>
-        m_redirecting; ///< What Qt still has of a redirecting answer.
+    /// What Qt still has of a redirecting answer.
+    QList<QNetworkReply::RawHeaderPair> m_redirecting;
 };
