@@ -91,3 +91,8 @@ void Console::setUpLog(bool verbose)
     if (!verbose)
         defaultHandler = qInstallMessageHandler(passOnWarnings);
 }
+
+void Console::endLog()
+{
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+}

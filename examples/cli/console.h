@@ -30,4 +30,8 @@ QString onOneLine(QString text);
 /// goes there.
 void setUpLog(bool verbose);
 
+/// Nothing is logged from here on. When the application goes, threads of Qt's may still be at work
+/// and complain that it is not there.
+void endLog();
+
 } // namespace Console

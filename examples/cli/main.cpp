@@ -97,6 +97,7 @@ int main(int argc, char *argv[])
         return refuse(problem, Failure);
 
     const int status = carryOut(options);
+    Console::endLog();
     // A name lookup cannot be cancelled, and the application's destructor would wait for it.
     if (status == Interrupted || status == Terminated)
         std::_Exit(status);
