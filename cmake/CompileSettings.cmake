@@ -1,3 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/Hardening.cmake)
+
 option(VONETWORK_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 
 # The settings that every C++ target of this project shares.
@@ -15,6 +17,7 @@ function(vonetwork_compile_settings target)
     if(VONETWORK_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE $<IF:$<CXX_COMPILER_ID:MSVC>,/WX,-Werror>)
     endif()
+    vonetwork_harden(${target})
 endfunction()
 
 # The same for a target that uses Qt: no keywords, no silent conversions between bytes and text.
