@@ -7,7 +7,8 @@ function(vonetwork_compile_settings target)
     set_target_properties(${target} PROPERTIES
         CXX_STANDARD 17
         CXX_STANDARD_REQUIRED ON
-        CXX_EXTENSIONS OFF)
+        CXX_EXTENSIONS OFF
+        UNITY_BUILD OFF) # sources have helpers of the same name, each in an unnamed namespace
     if(MSVC)
         # Sources are UTF-8; without /utf-8 the compiler reads them in the machine's code page.
         target_compile_options(${target} PRIVATE /W4 /utf-8)

@@ -22,6 +22,19 @@ void keepNoCookies(QNetworkRequest *request)
     request->setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
 }
 
+// Qt 5.15 deprecates the overload that splits the command line itself and gives its splitting a
+// name.
+void startCommandLine(QProcess *process, const QString &command)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
+    QStringList words = QProcess::splitCommand(command);
+    const QString program = words.isEmpty() ? QString() : words.takeFirst();
+    process->start(program, words, QIODevice::ReadWrite);
+#else
+    process->start(command, QIODevice::ReadWrite);
+#endif
+}
+
 } // namespace
 
 VoNetworker::VoNetworker()
@@ -39,10 +52,7 @@ VoNetworker::~VoNetworker()
 QString VoNetworker::runCommand(QString command)
 {
     QProcess process;
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED // 5.15 has a new name for splitting a command line; 5.14 has not
-    process.start(command, QIODevice::ReadWrite);
-    QT_WARNING_POP
+    startCommandLine(&process, command);
     process.waitForFinished(-1);
     if (!process.isOpen()) // there is no program in the command
         return QString();
