@@ -7,9 +7,15 @@
 
 int main(int argc, char **argv)
 {
-    QCoreApplication host(argc, argv); // the argument: the authority to trust, a PEM file
+    QCoreApplication host(argc, argv);
+    const QList<QSslCertificate> authority =
+        argc == 2 ? QSslCertificate::fromPath(host.arguments().at(1)) : QList<QSslCertificate>();
+    if (authority.isEmpty()) {
+        qWarning("usage: minimal-host AUTHORITY.pem");
+        return 2;
+    }
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setCaCertificates(QSslCertificate::fromPath(host.arguments().value(1)));
+    tls.setCaCertificates(QSslConfiguration::systemCaCertificates() + authority);
     QSslConfiguration::setDefaultConfiguration(tls);
 
     VoNetworkIntf *service = VoNetwork::CreateVoNetworkIntf();
