@@ -5,6 +5,7 @@
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "$(dirname "$0")/.."
+. scripts/service-port.sh
 
 sentence="Go forward ten meters."
 phone=+447700900123 # from a range that is nobody's
@@ -55,12 +56,6 @@ show_last() { sed 's/^/      /' "$work/out"; }
 configure() { cmake --preset gcc; }
 
 build() { cmake --build --preset gcc --target vospeak vo-localservice; }
-
-base_address() { sed -n 's/^VONETWORK_SERVICE_BASE_ADDRESS:STRING=//p' "$build/CMakeCache.txt"; }
-
-is_taken() { # PORT
-    (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
-}
 
 # Returns when the service says that it listens.
 start_service() {
@@ -129,7 +124,7 @@ step "install what is missing" scripts/install-packages.sh build
 step "configure ($build)" configure
 step "build vospeak and vo-localservice" build
 
-address=$(base_address)
+address=$(base_address "$build")
 [[ $address =~ ^https://localhost:([0-9]+)$ ]] ||
     fail "the library in $build is built for $address, not for a service on this machine"
 port=${BASH_REMATCH[1]}

@@ -2,14 +2,14 @@
 # Installs, on Debian 12, what is missing of the packages that are named. As root or with sudo.
 # Usage: scripts/install-packages.sh [build | test | check | PACKAGE ...]
 #   build (the default)  what building and running everything needs
-#   test                 the same and the programs that the tests start
+#   test                 the same, the programs that the tests start, and what saves building twice
 #   check                what building needs and the tools that check the sources
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
     libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev libpng-dev openssl ca-certificates)
-test=(nginx-light python3-httpbin gunicorn zbar-tools)
+test=(ccache nginx-light python3-httpbin gunicorn zbar-tools)
 check=(git clang clang-format clang-tidy clazy valgrind)
 
 wanted=()

@@ -3,12 +3,28 @@
 # Usage: scripts/test.sh [PRESET ...]   gcc (the default), clang or asan
 set -euo pipefail
 cd "$(dirname "$0")/.."
+. scripts/service-port.sh
+
+# The tests answer at the built-in address themselves, and at the port after it.
+need_free_ports() { # BUILD
+    local address port
+    address=$(base_address "$1")
+    for port in "${address##*:}" "$((${address##*:} + 1))"; do
+        if is_taken "$port"; then
+            echo "test: port $port of this machine is taken; end what listens there and try again" >&2
+            exit 1
+        fi
+    done
+}
+
 for preset in "${@:-gcc}"; do
     echo "== $preset"
     packages=(test)
     [ "$preset" != clang ] || packages+=(clang)
     scripts/install-packages.sh "${packages[@]}"
+    . scripts/compiler-cache.sh
     cmake --preset "$preset" >/dev/null
+    need_free_ports "build/$preset"
     cmake --build --preset "$preset"
     ctest --preset "$preset" -j "$(($(nproc) + 2))" # many of them mostly wait
 done
