@@ -5,7 +5,6 @@
 #include "network/serviceoperation.h"
 #include "network/vonetworker.h"
 
-#include <QDebug>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QPointer>
@@ -14,16 +13,9 @@
 namespace {
 
 constexpr ServiceOperation getDubList{HttpMethod::Get, convertServicePrefix, "asr/getVoice",
-                                      "1slotGetDubListSuc(QByteArray)",
-                                      "1slotGetDubListFail(QByteArray)"};
+                                      "GetDubList"};
 constexpr ServiceOperation getBgmList{HttpMethod::Get, convertServicePrefix,
-                                      "asr/getBackgroundMusic", "1slotGetBgmListSuc(QByteArray)",
-                                      "1slotGetBgmListFail(QByteArray)"};
-
-constexpr ServiceEnvelope::Texts getDubListTexts{
-    "slotGetDubListSuc", "[error]slotGetDubListSuc failed:retCode=", ",msg="};
-constexpr ServiceEnvelope::Texts getBgmListTexts{
-    "slotGetBgmListSuc", "[error]slotGetBgmListSuc failed:retCode=", ",msg="};
+                                      "asr/getBackgroundMusic", "GetBgmList"};
 
 constexpr QStringView shortSynthesis = u"语音合成";
 constexpr QStringView longSynthesis = u"长文本语音合成";
@@ -74,7 +66,7 @@ BgmInfo *bgmInfoFrom(const QJsonObject &track)
 
 QList<DubInfo *> VoNetworker::GetDubList()
 {
-    qDebug() << "VoNetworker::GetDubList";
+    ServiceLog::begin("VoNetworker::GetDubList");
     dubList = {};
     issue(getDubList, commonHeaders(), {});
     return waitForAnswer() ? dubList : QList<DubInfo *>();
@@ -82,7 +74,7 @@ QList<DubInfo *> VoNetworker::GetDubList()
 
 void VoNetworker::slotGetDubListSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, getDubListTexts)) {
+    if (const auto data = ServiceEnvelope::read(jsonStr, getDubList)) {
         const QJsonArray voices = data->toObject().value(QLatin1String("list")).toArray();
         for (const QJsonValue &voice : voices)
             dubList.append(dubInfoFrom(voice.toObject()));
@@ -92,21 +84,21 @@ void VoNetworker::slotGetDubListSuc(QByteArray jsonStr)
 
 void VoNetworker::slotGetDubListFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetDubListFail", failInfo);
+    ServiceLog::failure(getDubList, failInfo);
     endWait();
 }
 
 QList<BgmInfo *> VoNetworker::GetBgmList()
 {
     bgmList = {};
-    qDebug() << "VoNetworker::GetBgmList";
+    ServiceLog::begin("VoNetworker::GetBgmList");
     issue(getBgmList, commonHeaders(), {});
     return waitForAnswer() ? bgmList : QList<BgmInfo *>();
 }
 
 void VoNetworker::slotGetBgmListSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, getBgmListTexts)) {
+    if (const auto data = ServiceEnvelope::read(jsonStr, getBgmList)) {
         const QJsonArray tracks = data->toArray(); // not in a "list", as voices are
         for (const QJsonValue &track : tracks)
             bgmList.append(bgmInfoFrom(track.toObject()));
@@ -116,7 +108,7 @@ void VoNetworker::slotGetBgmListSuc(QByteArray jsonStr)
 
 void VoNetworker::slotGetBgmListFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetBgmListFail", failInfo);
+    ServiceLog::failure(getBgmList, failInfo);
     endWait();
 }
 
@@ -163,10 +155,10 @@ QString VoNetworker::ConvertAvtUrlToClient(QString url)
 QString VoNetworker::DownloadAvt(QString url, QString savePath)
 {
     constexpr const char *tag = "VoNetworker::DownloadAvt";
-    qDebug() << tag << "url=" << url << ",savePath=" << savePath;
+    ServiceLog::beginDownload(tag, "url=", url, ",savePath=", savePath);
     const QPointer<VoNetworker> self(this);
     const FileFetch::Result picture = FileFetch::fetch(url, tag);
-    // Hosts have learned to hear of a picture that failed as of a code that did.
+    // A picture that cannot be fetched is told by the signal for sign-in codes, whichever it is.
     if (self && picture.error != QNetworkReply::NoError)
         Q_EMIT signalGetLoginQrCodeEnd(nullptr);
     return FileFetch::save(picture.body, savePath, tag, "open file error,") ? savePath : QString();

@@ -2,14 +2,33 @@
 
 class QByteArray;
 class QJsonObject;
+class QJsonParseError;
+class QString;
+struct ServiceOperation;
 
-/// The debug lines that all operations share.
+/// The debug lines that the operations share.
 namespace ServiceLog {
 
-/// The start of an operation that sends @p body.
-void begin(const char *operation, const QJsonObject &body);
+/// The start of the operation that is called @p name.
+void begin(const char *name);
 
-/// A request that failed on the network.
-void failure(const char *slot, const QByteArray &failInfo);
+/// The same of an operation that sends @p body.
+void begin(const char *name, const QJsonObject &body);
+
+/// The same of an operation about @p subject.
+void begin(const char *name, const QString &subject);
+
+/// The start of a file's download, with what the two places are called.
+void beginDownload(const char *name, const char *from, const QString &address, const char *to,
+                   const QString &path);
+
+/// A request that failed on the network; @p failInfo is in the local 8-bit encoding.
+void failure(const ServiceOperation &operation, const QByteArray &failInfo);
+
+/// A reply that is not JSON.
+void parseError(const ServiceOperation &operation, const QJsonParseError &error);
+
+/// A reply with a code other than 0.
+void refusal(const ServiceOperation &operation, int code, const QString &message);
 
 } // namespace ServiceLog

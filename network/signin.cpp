@@ -13,32 +13,17 @@
 namespace {
 
 constexpr ServiceOperation getLoginQrCode{HttpMethod::Get, ucenterServicePrefix,
-                                          "login/getMpQrCode", "1slotGetLoginQrCodeSuc(QByteArray)",
-                                          "1slotGetLoginQrCodeFail(QByteArray)"};
+                                          "login/getMpQrCode", "GetLoginQrCode"};
 // The slash at its front is doubled in the address; the service expects it so.
-constexpr ServiceOperation getLoginQrCodeStatus{
-    HttpMethod::Get, ucenterServicePrefix, "/login/getMpStatus?business_code=%1",
-    "1slotGetLoginQrCodeStatusSuc(QByteArray)", "1slotGetLoginQrCodeStatusFail(QByteArray)"};
+constexpr ServiceOperation getLoginQrCodeStatus{HttpMethod::Get, ucenterServicePrefix,
+                                                "/login/getMpStatus?business_code=%1",
+                                                "GetLoginQrCodeStatus"};
 constexpr ServiceOperation sendSmsVerifyCode{HttpMethod::Post, ucenterServicePrefix, "verify/sms",
-                                             "1slotSendSmsVerifyCodeSuc(QByteArray)",
-                                             "1slotSendSmsVerifyCodeFail(QByteArray)"};
+                                             "SendSmsVerifyCode"};
 constexpr ServiceOperation smsVerifyCodeLogin{HttpMethod::Post, ucenterServicePrefix, "login/sms",
-                                              "1slotSmsLoginSuc(QByteArray)",
-                                              "1slotSmsLoginFail(QByteArray)"};
-constexpr ServiceOperation refreshAccessToken{
-    HttpMethod::Get, ucenterServicePrefix, "token/refresh?refresh_token=%1",
-    "1slotRefreshTokenSuc(QByteArray)", "1slotRefreshTokenFail(QByteArray)"};
-
-constexpr ServiceEnvelope::Texts getLoginQrCodeTexts{
-    "slotGetLoginQrCodeSuc", "[error]slotGetLoginQrCodeSuc failed:retCode=", ",msg="};
-constexpr ServiceEnvelope::Texts getLoginQrCodeStatusTexts{
-    "slotGetLoginQrCodeStatusSuc", "[error]slotGetLoginQrCodeStatusSuc failed:retCode=", ",msg="};
-constexpr ServiceEnvelope::Texts sendSmsVerifyCodeTexts{
-    "slotSendSmsVerifyCodeSuc", "[error]slotSendSmsVerifyCodeSuc failed:retCode=", ",msg="};
-constexpr ServiceEnvelope::Texts smsLoginTexts{"slotSmsLoginSuc",
-                                               "[error]slotSmsLoginSuc failed:retCode=", ",msg="};
-constexpr ServiceEnvelope::Texts refreshTokenTexts{
-    "slotRefreshTokenSuc", "[error]slotRefreshTokenSuc failed:retCode=", ",msg="};
+                                              "SmsLogin"};
+constexpr ServiceOperation refreshAccessToken{HttpMethod::Get, ucenterServicePrefix,
+                                              "token/refresh?refresh_token=%1", "RefreshToken"};
 
 constexpr int smsSceneSignIn = 1;
 constexpr int scanConfirmed = 1;
@@ -74,7 +59,7 @@ void VoNetworker::GetLoginQrCode() { issue(getLoginQrCode, commonHeaders(), {});
 
 void VoNetworker::slotGetLoginQrCodeSuc(QByteArray jsonStr)
 {
-    const auto reply = ServiceEnvelope::read(jsonStr, getLoginQrCodeTexts);
+    const auto reply = ServiceEnvelope::read(jsonStr, getLoginQrCode);
     if (!reply) {
         Q_EMIT signalGetLoginQrCodeEnd(nullptr);
         return;
@@ -91,14 +76,14 @@ void VoNetworker::slotGetLoginQrCodeSuc(QByteArray jsonStr)
 
 void VoNetworker::slotGetLoginQrCodeFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetLoginQrCodeFail", failInfo);
+    ServiceLog::failure(getLoginQrCode, failInfo);
     Q_EMIT signalGetLoginQrCodeEnd(nullptr);
 }
 
 void VoNetworker::DownloadLoginQrCode(QString qrUrl, QString savePath)
 {
     constexpr const char *tag = "VoNetworker::DownloadLoginQrCode";
-    qDebug() << tag << "qrUrl=" << qrUrl << ",saveDir=" << savePath;
+    ServiceLog::beginDownload(tag, "qrUrl=", qrUrl, ",saveDir=", savePath);
     loginQrCode->qrImagePath = savePath;
     const QPointer<VoNetworker> self(this); // the host may give it back meanwhile
     const FileFetch::Result picture = FileFetch::fetch(qrUrl, tag);
@@ -116,7 +101,7 @@ void VoNetworker::GetLoginQrCodeStatus(QString businessCode)
 
 void VoNetworker::slotGetLoginQrCodeStatusSuc(QByteArray jsonStr)
 {
-    const auto data = ServiceEnvelope::read(jsonStr, getLoginQrCodeStatusTexts);
+    const auto data = ServiceEnvelope::read(jsonStr, getLoginQrCodeStatus);
     if (!data || data->toObject().value(QLatin1String("status")).toInt() != scanConfirmed) {
         Q_EMIT signalGetLoginQrCodeStatusEnd(nullptr);
         return;
@@ -128,7 +113,7 @@ void VoNetworker::slotGetLoginQrCodeStatusSuc(QByteArray jsonStr)
 
 void VoNetworker::slotGetLoginQrCodeStatusFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetLoginQrCodeStatusFail", failInfo);
+    ServiceLog::failure(getLoginQrCodeStatus, failInfo);
     Q_EMIT signalGetLoginQrCodeStatusEnd(nullptr);
 }
 
@@ -142,7 +127,7 @@ void VoNetworker::SendSmsVerifyCode(QString phone)
 
 void VoNetworker::slotSendSmsVerifyCodeSuc(QByteArray jsonStr)
 {
-    if (ServiceEnvelope::read(jsonStr, sendSmsVerifyCodeTexts))
+    if (ServiceEnvelope::read(jsonStr, sendSmsVerifyCode))
         qDebug() << "VoNetworker::slotSendSmsVerifyCodeSuc"
                  << "send suc";
     Q_EMIT signalSendSmsEnd();
@@ -150,7 +135,7 @@ void VoNetworker::slotSendSmsVerifyCodeSuc(QByteArray jsonStr)
 
 void VoNetworker::slotSendSmsVerifyCodeFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotSendSmsVerifyCodeFail", failInfo);
+    ServiceLog::failure(sendSmsVerifyCode, failInfo);
     Q_EMIT signalSendSmsEnd();
 }
 
@@ -164,7 +149,7 @@ void VoNetworker::SmsVerifyCodeLogin(QString phone, QString verifyCode)
 
 void VoNetworker::slotSmsLoginSuc(QByteArray jsonStr)
 {
-    const auto data = ServiceEnvelope::read(jsonStr, smsLoginTexts);
+    const auto data = ServiceEnvelope::read(jsonStr, smsVerifyCodeLogin);
     if (!data) {
         Q_EMIT signalSmsLoginEnd(nullptr);
         return;
@@ -176,7 +161,7 @@ void VoNetworker::slotSmsLoginSuc(QByteArray jsonStr)
 
 void VoNetworker::slotSmsLoginFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotSmsLoginFail", failInfo);
+    ServiceLog::failure(smsVerifyCodeLogin, failInfo);
     Q_EMIT signalSmsLoginEnd(nullptr);
 }
 
@@ -189,7 +174,7 @@ void VoNetworker::slotRefreshTokenSuc(QByteArray jsonStr)
 {
     qint64 newToken = -1;
     QDateTime expireTime;
-    if (const auto reply = ServiceEnvelope::read(jsonStr, refreshTokenTexts)) {
+    if (const auto reply = ServiceEnvelope::read(jsonStr, refreshAccessToken)) {
         const QJsonObject data = reply->toObject();
         newToken = JsonNumber::toInt64(data.value(QLatin1String("token")));
         // A text here, a number in the reply about a code.
@@ -201,7 +186,7 @@ void VoNetworker::slotRefreshTokenSuc(QByteArray jsonStr)
 
 void VoNetworker::slotRefreshTokenFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotRefreshTokenFail", failInfo);
+    ServiceLog::failure(refreshAccessToken, failInfo);
     // The time, where a refusal has none: hosts look at the token.
     Q_EMIT signalRefreshTokenEnd(-1, QDateTime::currentDateTime());
 }

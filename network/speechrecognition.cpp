@@ -4,28 +4,17 @@
 #include "network/taskreply.h"
 #include "network/vonetworker.h"
 
-#include <QDebug>
 #include <QJsonArray>
 #include <QJsonObject>
 
 namespace {
 
 constexpr ServiceOperation shortSTT{HttpMethod::Post, convertServicePrefix, "asr/process",
-                                    "1slotShortSTTSuc(QByteArray)",
-                                    "1slotShortSTTFail(QByteArray)"};
+                                    "ShortSTT", refusalWithComma};
 constexpr ServiceOperation createSTTTask{HttpMethod::Post, convertServicePrefix, "asr/process",
-                                         "1slotCreateSTTTaskSuc(QByteArray)",
-                                         "1slotCreateSTTTaskFail(QByteArray)"};
+                                         "CreateSTTTask", refusalWithComma};
 constexpr ServiceOperation getSTTTaskResult{HttpMethod::Post, convertServicePrefix,
-                                            "asr/getProcessResult", "1slotGetSTTRetSuc(QByteArray)",
-                                            "1slotGetSTTRetFail(QByteArray)"};
-
-constexpr ServiceEnvelope::Texts shortSTTTexts{"slotShortSTTSuc",
-                                               "[error]slotShortSTTSuc failed:", ","};
-constexpr ServiceEnvelope::Texts createSTTTaskTexts{"slotCreateSTTTaskSuc",
-                                                    "[error]slotCreateSTTTaskSuc failed:", ","};
-constexpr ServiceEnvelope::Texts getSTTRetTexts{"slotGetSTTRetSuc",
-                                                "[error]slotGetSTTRetSuc failed:retCode=", ",msg="};
+                                            "asr/getProcessResult", "GetSTTRet"};
 
 const QLatin1String longRecognition("recordingRecognition");
 
@@ -77,7 +66,7 @@ void VoNetworker::ShortSTT(QString fileLink, qint64 token, QString pageFeature)
 
 void VoNetworker::slotShortSTTSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, shortSTTTexts))
+    if (const auto data = ServiceEnvelope::read(jsonStr, shortSTT))
         Q_EMIT signalShortSTT(SHORT_STT_SUCCESS,
                               data->toObject().value(QLatin1String("text")).toString());
     else
@@ -86,7 +75,7 @@ void VoNetworker::slotShortSTTSuc(QByteArray jsonStr)
 
 void VoNetworker::slotShortSTTFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotShortSTTFail", failInfo);
+    ServiceLog::failure(shortSTT, failInfo);
     Q_EMIT signalShortSTT(SHORT_STT_FAILED, QString());
 }
 
@@ -99,7 +88,7 @@ void VoNetworker::CreateSTTTask(QString fileLink, qint64 token, QString pageFeat
 
 void VoNetworker::slotCreateSTTTaskSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, createSTTTaskTexts))
+    if (const auto data = ServiceEnvelope::read(jsonStr, createSTTTask))
         Q_EMIT signalCreateSTTTask(STT_SUCCESS,
                                    data->toObject().value(QLatin1String("task_id")).toString());
     else
@@ -108,41 +97,25 @@ void VoNetworker::slotCreateSTTTaskSuc(QByteArray jsonStr)
 
 void VoNetworker::slotCreateSTTTaskFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotCreateSTTTaskFail", failInfo);
+    ServiceLog::failure(createSTTTask, failInfo);
     Q_EMIT signalCreateSTTTask(STT_FAILED, QString());
 }
 
 void VoNetworker::GetSTTTaskResult(QString taskId, qint64 token)
 {
-    qDebug() << "VoNetworker::GetSTTTaskResult" << taskId;
+    ServiceLog::begin("VoNetworker::GetSTTTaskResult", taskId);
     issue(getSTTTaskResult, authorizedHeaders(token),
           {{QStringLiteral("feature"), longRecognition}, {QStringLiteral("task_id"), taskId}});
 }
 
 void VoNetworker::slotGetSTTRetSuc(QByteArray jsonStr)
 {
-    const auto data = ServiceEnvelope::read(jsonStr, getSTTRetTexts);
-    if (!data) {
-        Q_EMIT signalGetSTTResult(STT_FAILED, QString(), QString(), QString());
-        return;
-    }
-    const TaskReply task(data->toObject());
-    switch (task.state) {
-    case TaskState::Processing:
-        Q_EMIT signalGetSTTResult(STT_PROCESSING, task.taskId, task.requestId, QString());
-        break;
-    case TaskState::Succeeded:
-        Q_EMIT signalGetSTTResult(STT_SUCCESS, task.taskId, task.requestId,
-                                  joinedSentences(data->toObject()));
-        break;
-    case TaskState::Failed:
-        Q_EMIT signalGetSTTResult(STT_FAILED, task.taskId, task.requestId, QString());
-        break;
-    }
+    const TaskReply task(ServiceEnvelope::read(jsonStr, getSTTTaskResult), joinedSentences);
+    Q_EMIT signalGetSTTResult(STT_STATUS(task.state), task.taskId, task.requestId, task.result);
 }
 
 void VoNetworker::slotGetSTTRetFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetSTTRetFail", failInfo);
+    ServiceLog::failure(getSTTTaskResult, failInfo);
     Q_EMIT signalGetSTTResult(STT_FAILED, QString(), QString(), QString());
 }

@@ -5,28 +5,17 @@
 #include "network/taskreply.h"
 #include "network/vonetworker.h"
 
-#include <QDebug>
 #include <QJsonObject>
 
 namespace {
 
-constexpr ServiceOperation tts{HttpMethod::Post, convertServicePrefix, "asr/process",
-                               "1slotTTSSuc(QByteArray)", "1slotTTSFail(QByteArray)"};
+constexpr ServiceOperation tts{HttpMethod::Post, convertServicePrefix, "asr/process", "TTS"};
 constexpr ServiceOperation anonymousTTS{HttpMethod::Post, convertServicePrefix, "asr/freeProcess",
-                                        "1slotTTSSuc(QByteArray)", "1slotTTSFail(QByteArray)"};
+                                        "TTS"};
 constexpr ServiceOperation longTTSTask{HttpMethod::Post, convertServicePrefix, "asr/process",
-                                       "1slotLongTTSTaskSuc(QByteArray)",
-                                       "1slotLongTTSTaskFail(QByteArray)"};
-constexpr ServiceOperation longTTSStatus{
-    HttpMethod::Post, convertServicePrefix, "asr/getProcessResult",
-    "1slotLongTTSTaskStatusSuc(QByteArray)", "1slotLongTTSTaskStatusFail(QByteArray)"};
-
-constexpr ServiceEnvelope::Texts ttsTexts{"slotTTSSuc",
-                                          "[error]slotTTSSuc failed:retCode=", ",msg="};
-constexpr ServiceEnvelope::Texts longTTSTaskTexts{"slotLongTTSTaskSuc",
-                                                  "[error]slotLongTTSTaskSuc failed:", ","};
-constexpr ServiceEnvelope::Texts longTTSTaskStatusTexts{
-    "slotLongTTSTaskStatusSuc", "[error]slotLongTTSTaskStatusSuc failed:retCode=", ",msg="};
+                                       "LongTTSTask", refusalWithComma};
+constexpr ServiceOperation longTTSStatus{HttpMethod::Post, convertServicePrefix,
+                                         "asr/getProcessResult", "LongTTSTaskStatus"};
 
 const QLatin1String longSynthesis("longVoiceSynthesis");
 
@@ -43,6 +32,11 @@ QJsonObject synthesisBody(const QString &feature, const TTSParams &params)
             {QStringLiteral("pageFeature"), params.pageFeature}};
 }
 
+QString audioAddress(const QJsonObject &data)
+{
+    return data.value(QLatin1String("audio_address")).toString();
+}
+
 } // namespace
 
 void VoNetworker::TTS(TTSParams *params, bool anonymous, qint64 token)
@@ -57,7 +51,7 @@ void VoNetworker::TTS(TTSParams *params, bool anonymous, qint64 token)
 
 void VoNetworker::slotTTSSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, ttsTexts))
+    if (const auto data = ServiceEnvelope::read(jsonStr, tts))
         Q_EMIT signalTTSRet(TTS_SUCCESS, data->toObject().value(QLatin1String("audio")).toString());
     else
         Q_EMIT signalTTSRet(TTS_FAILED, QString());
@@ -65,7 +59,7 @@ void VoNetworker::slotTTSSuc(QByteArray jsonStr)
 
 void VoNetworker::slotTTSFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotTTSFail", failInfo);
+    ServiceLog::failure(tts, failInfo);
     Q_EMIT signalTTSRet(TTS_FAILED, QString());
 }
 
@@ -79,7 +73,7 @@ void VoNetworker::LongTTSTask(TTSParams *params, qint64 token)
 
 void VoNetworker::slotLongTTSTaskSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, longTTSTaskTexts))
+    if (const auto data = ServiceEnvelope::read(jsonStr, longTTSTask))
         Q_EMIT signalLongTTSTask(LONG_TTS_SUCCESS,
                                  data->toObject().value(QLatin1String("task_id")).toString());
     else
@@ -88,7 +82,7 @@ void VoNetworker::slotLongTTSTaskSuc(QByteArray jsonStr)
 
 void VoNetworker::slotLongTTSTaskFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotLongTTSTaskFail", failInfo);
+    ServiceLog::failure(longTTSTask, failInfo);
     Q_EMIT signalLongTTSTask(LONG_TTS_FAILED, QString());
 }
 
@@ -102,37 +96,21 @@ void VoNetworker::LongTTSStatus(QString taskId, qint64 token)
 
 void VoNetworker::slotLongTTSTaskStatusSuc(QByteArray jsonStr)
 {
-    const auto data = ServiceEnvelope::read(jsonStr, longTTSTaskStatusTexts);
-    if (!data) {
-        Q_EMIT signalGetLongTTSResult(LONG_TTS_FAILED, QString(), QString(), QString());
-        return;
-    }
-    const TaskReply task(data->toObject());
-    switch (task.state) {
-    case TaskState::Processing:
-        Q_EMIT signalGetLongTTSResult(LONG_TTS_PROCESSING, task.taskId, task.requestId, QString());
-        break;
-    case TaskState::Succeeded:
-        Q_EMIT signalGetLongTTSResult(
-            LONG_TTS_SUCCESS, task.taskId, task.requestId,
-            data->toObject().value(QLatin1String("audio_address")).toString());
-        break;
-    case TaskState::Failed:
-        Q_EMIT signalGetLongTTSResult(LONG_TTS_FAILED, task.taskId, task.requestId, QString());
-        break;
-    }
+    const TaskReply task(ServiceEnvelope::read(jsonStr, longTTSStatus), audioAddress);
+    Q_EMIT signalGetLongTTSResult(LONG_TTS_STATUS(task.state), task.taskId, task.requestId,
+                                  task.result);
 }
 
 void VoNetworker::slotLongTTSTaskStatusFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotLongTTSTaskStatusFail", failInfo);
+    ServiceLog::failure(longTTSStatus, failInfo);
     Q_EMIT signalGetLongTTSResult(LONG_TTS_FAILED, QString(), QString(), QString());
 }
 
 bool VoNetworker::DownloadLongTTSRet(QString fileUrl, QString saveDir)
 {
     constexpr const char *tag = "VoNetworker::DownloadLongTTSRet";
-    qDebug() << tag << "fileUrl=" << fileUrl << ",saveDir=" << saveDir;
+    ServiceLog::beginDownload(tag, "fileUrl=", fileUrl, ",saveDir=", saveDir);
     const FileFetch::Result result = FileFetch::fetch(fileUrl, tag);
     return result.error == QNetworkReply::NoError
            && FileFetch::save(result.body, saveDir, tag, "open file error,");

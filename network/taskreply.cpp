@@ -1,8 +1,17 @@
 #include "network/taskreply.h"
 
+#include "network/vonetworkintf.h"
+
 #include <QJsonObject>
 
 namespace {
+
+static_assert(int(TaskState::Succeeded) == STT_SUCCESS
+              && int(TaskState::Processing) == STT_PROCESSING
+              && int(TaskState::Failed) == STT_FAILED);
+static_assert(int(TaskState::Succeeded) == LONG_TTS_SUCCESS
+              && int(TaskState::Processing) == LONG_TTS_PROCESSING
+              && int(TaskState::Failed) == LONG_TTS_FAILED);
 
 TaskState taskState(const QString &status)
 {
@@ -14,9 +23,14 @@ TaskState taskState(const QString &status)
 
 } // namespace
 
-TaskReply::TaskReply(const QJsonObject &data)
-    : state(taskState(data.value(QLatin1String("status")).toString()))
-    , taskId(data.value(QLatin1String("task_id")).toString())
-    , requestId(data.value(QLatin1String("request_id")).toString())
+TaskReply::TaskReply(const std::optional<QJsonValue> &data, ReadResult readResult)
 {
+    if (!data)
+        return;
+    const QJsonObject object = data->toObject();
+    state = taskState(object.value(QLatin1String("status")).toString());
+    taskId = object.value(QLatin1String("task_id")).toString();
+    requestId = object.value(QLatin1String("request_id")).toString();
+    if (state == TaskState::Succeeded)
+        result = readResult(object);
 }

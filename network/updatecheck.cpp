@@ -4,19 +4,14 @@
 #include "network/serviceoperation.h"
 #include "network/vonetworker.h"
 
-#include <QDebug>
 #include <QJsonArray>
 #include <QJsonObject>
 
 namespace {
 
+// Replies that are no success are logged under the voice list's name: searches of logs rely on it.
 constexpr ServiceOperation getUpdateInfo{HttpMethod::Get, appServicePrefix, "app/upgrade",
-                                         "1slotGetUpdateInfoSuc(QByteArray)",
-                                         "1slotGetUpdateInfoFail(QByteArray)"};
-
-// The lines name the voice list's slot; those who search logs for them know them so.
-constexpr ServiceEnvelope::Texts getUpdateInfoTexts{
-    "slotGetDubListSuc", "[error]slotGetDubListSuc failed:retCode=", ",msg="};
+                                         "GetUpdateInfo", refusalWithNames, "GetDubList"};
 
 QString indentedLines(const QJsonArray &changes)
 {
@@ -43,7 +38,7 @@ UpdateInfo *updateInfoFrom(const QJsonObject &data)
 
 UpdateInfo *VoNetworker::GetUpdateInfo()
 {
-    qDebug() << "VoNetworker::GetUpdateInfo";
+    ServiceLog::begin("VoNetworker::GetUpdateInfo");
     delete updateInfo;
     updateInfo = nullptr;
     issue(getUpdateInfo, commonHeaders(), {});
@@ -52,13 +47,13 @@ UpdateInfo *VoNetworker::GetUpdateInfo()
 
 void VoNetworker::slotGetUpdateInfoSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, getUpdateInfoTexts))
+    if (const auto data = ServiceEnvelope::read(jsonStr, getUpdateInfo))
         updateInfo = updateInfoFrom(data->toObject());
     endWait();
 }
 
 void VoNetworker::slotGetUpdateInfoFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetUpdateInfoFail", failInfo);
+    ServiceLog::failure(getUpdateInfo, failInfo);
     endWait();
 }

@@ -8,12 +8,12 @@
 
 namespace {
 
-constexpr ServiceOperation getOssSign{HttpMethod::Get, convertServicePrefix, "upload/getsignsts",
-                                      "1slotGetOssSignSuc(QByteArray)",
-                                      "1slotGetOssSignFail(QByteArray)"};
-
-constexpr ServiceEnvelope::Texts getOssSignTexts{"slotGetOssSignSuc",
-                                                 "[error]get oss sign failed:", nullptr};
+// A refusal is logged by its message alone.
+constexpr ServiceOperation getOssSign{HttpMethod::Get,
+                                      convertServicePrefix,
+                                      "upload/getsignsts",
+                                      "GetOssSign",
+                                      {"[error]get oss sign failed:", nullptr}};
 
 OSS_SIGN_INFO *signInfoFrom(const QJsonObject &data)
 {
@@ -33,19 +33,19 @@ OSS_SIGN_INFO *signInfoFrom(const QJsonObject &data)
 
 void VoNetworker::GetOssSign()
 {
-    qDebug() << "get oss sign begin";
+    ServiceLog::begin("get oss sign begin");
     // The one request without any header of the library's own.
     issue(getOssSign, {}, {});
 }
 
 void VoNetworker::slotGetOssSignSuc(QByteArray jsonStr)
 {
-    const auto data = ServiceEnvelope::read(jsonStr, getOssSignTexts);
+    const auto data = ServiceEnvelope::read(jsonStr, getOssSign);
     Q_EMIT signalGetOssSign(data ? signInfoFrom(data->toObject()) : nullptr);
 }
 
 void VoNetworker::slotGetOssSignFail(QByteArray failInfo)
 {
-    ServiceLog::failure("VoNetworker::slotGetOssSignFail", failInfo);
+    ServiceLog::failure(getOssSign, failInfo);
     Q_EMIT signalGetOssSign(nullptr);
 }

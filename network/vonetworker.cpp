@@ -35,6 +35,13 @@ void startCommandLine(QProcess *process, const QString &command)
 #endif
 }
 
+// The 1 marks a slot in a string connection.
+QString slotKey(const ServiceOperation &operation, const char *outcome)
+{
+    return QStringLiteral("1slot%1%2(QByteArray)")
+        .arg(QLatin1String(operation.stem), QLatin1String(outcome));
+}
+
 } // namespace
 
 VoNetworker::VoNetworker()
@@ -93,8 +100,8 @@ void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &he
     if (operation.method == HttpMethod::Post)
         request.jsonBody(body);
     const QVariant self = QVariant::fromValue(static_cast<QObject *>(this));
-    request.bind(CallbackKind::Finished, QLatin1String(operation.successSlot), self)
-        .bind(CallbackKind::Error, QLatin1String(operation.failureSlot), self)
+    request.bind(CallbackKind::Finished, slotKey(operation, "Suc"), self)
+        .bind(CallbackKind::Error, slotKey(operation, "Fail"), self)
         .send();
 }
 
