@@ -36,7 +36,7 @@ void ServiceLog::beginDownload(const char *name, const char *from, const QString
 void ServiceLog::failure(const ServiceOperation &operation, const QByteArray &failInfo)
 {
     const QByteArray slot = QByteArray("VoNetworker::slot") + operation.stem + "Fail";
-    qDebug() << "[error]" << slot.constData() << QString::fromLocal8Bit(failInfo);
+    qDebug() << "[error]" << slot.constData() << QString::fromUtf8(failInfo);
 }
 
 void ServiceLog::parseError(const ServiceOperation &operation, const QJsonParseError &error)

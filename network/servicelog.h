@@ -22,7 +22,8 @@ void begin(const char *name, const QString &subject);
 void beginDownload(const char *name, const char *from, const QString &address, const char *to,
                    const QString &path);
 
-/// A request that failed on the network; @p failInfo is in the local 8-bit encoding.
+/// A request that failed on the network. @p failInfo is read as UTF-8: where the local encoding, in
+/// which the toolkit writes it, is another one, letters beyond ASCII are lost.
 void failure(const ServiceOperation &operation, const QByteArray &failInfo);
 
 /// A reply that is not JSON.
