@@ -8,12 +8,13 @@
 #include <QObject>
 #include <QString>
 
-/// Short-lived credentials for uploading a file to the service's object storage.
+/// Short-lived credentials for uploading files to the service's object storage. A text that the
+/// service leaves out is empty. The service alone knows for how long they are valid.
 struct OSS_SIGN_INFO
 {
     QString AccessKeyId;     ///< Identifier of the temporary access key.
     QString AccessKeySecret; ///< Secret of the temporary access key.
-    QString endpoint;        ///< Storage endpoint address.
+    QString endpoint;        ///< Address of the storage.
     QString bucketName;      ///< Name of the storage bucket.
     QString dir;             ///< Key prefix under which uploads are to be placed.
     QString SecurityToken;   ///< Token that goes with the temporary key.
@@ -22,108 +23,109 @@ struct OSS_SIGN_INFO
 
 /// Outcome of a short recognition.
 enum SHORT_STT_STATUS : int {
-    SHORT_STT_SUCCESS = 0,
-    SHORT_STT_FAILED = 1,
+    SHORT_STT_SUCCESS = 0, ///< The text is there; it may be empty.
+    SHORT_STT_FAILED = 1,  ///< The request or the recognition failed.
 };
 
 /// Outcome of a long recognition's steps.
 enum STT_STATUS : int {
-    STT_SUCCESS = 0,    ///< Task created, or finished with its text.
-    STT_PROCESSING = 1, ///< Task queued or running.
-    STT_FAILED = 2,
+    STT_SUCCESS = 0,    ///< The task was created, or has ended with its text.
+    STT_PROCESSING = 1, ///< The task is queued or running.
+    STT_FAILED = 2,     ///< The request or the task failed.
 };
 
 /// Settings of a synthesis. The host owns the record; operations read it before they return. The
-/// values are sent unchanged, their ranges and units are the service's.
+/// values are sent unchanged and checked by the service alone, whose ranges and units they have.
 struct TTSParams
 {
     QString text;           ///< The text to speak.
-    QString format;         ///< Audio format.
-    qint32 sample_rate = 0; ///< Hz.
-    QString voice;          ///< The voice's identifier.
-    qint32 volume = 0;
+    QString format;         ///< Audio format, by the service's name for it.
+    qint32 sample_rate = 0; ///< Samples of a second.
+    QString voice;          ///< The voice's identifier, DubInfo::voiceParam.
+    qint32 volume = 0;      ///< On the service's scale, as the two below.
     qint32 speech_rate = 0;
     qint32 pitch_rate = 0;
-    QString pageFeature; ///< A label of the host's choice.
+    QString pageFeature; ///< A label of the host's choice, which the service gets as it is.
 };
 
 /// Outcome of a short synthesis.
 enum TTS_STATUS : int {
-    TTS_SUCCESS = 0,
-    TTS_FAILED = 1,
+    TTS_SUCCESS = 0, ///< The audio is there.
+    TTS_FAILED = 1,  ///< The request or the synthesis failed.
 };
 
 /// Outcome of a long synthesis' steps.
 enum LONG_TTS_STATUS : int {
-    LONG_TTS_SUCCESS = 0,    ///< Task created, or finished with its audio address.
-    LONG_TTS_PROCESSING = 1, ///< Task queued or running.
-    LONG_TTS_FAILED = 2,
+    LONG_TTS_SUCCESS = 0,    ///< The task was created, or has ended with its audio's address.
+    LONG_TTS_PROCESSING = 1, ///< The task is queued or running.
+    LONG_TTS_FAILED = 2,     ///< The request or the task failed.
 };
 
 /// What kind of voice it is; the service's own word for it is DubInfo::category.
 enum DubType : int {
-    DUB_TYPE_UNSET = 0, ///< A record that was not filled.
-    DUB_TYPE_ULTRA_HD = 1,
-    DUB_TYPE_LITERATURE = 2,
-    DUB_TYPE_GENERAL = 3, ///< Also every kind that is not known.
-    DUB_TYPE_FOREIGN_LANGUAGE = 4,
-    DUB_TYPE_DIALECT = 5,
-    DUB_TYPE_CUSTOMER_SERVICE = 6,
-    DUB_TYPE_LIVE_STREAMING = 7,
-    DUB_TYPE_CHILD = 8,
-    DUB_TYPE_EMOTIONAL = 9,
+    DUB_TYPE_UNSET = 0,            ///< A record that was not filled.
+    DUB_TYPE_ULTRA_HD = 1,         ///< Of especially high quality.
+    DUB_TYPE_LITERATURE = 2,       ///< For reading stories and books.
+    DUB_TYPE_GENERAL = 3,          ///< For any purpose; also every category that is not known.
+    DUB_TYPE_FOREIGN_LANGUAGE = 4, ///< English, American English, or several languages.
+    DUB_TYPE_DIALECT = 5,          ///< Speaks a dialect.
+    DUB_TYPE_CUSTOMER_SERVICE = 6, ///< For answering customers.
+    DUB_TYPE_LIVE_STREAMING = 7,   ///< For live broadcasts.
+    DUB_TYPE_CHILD = 8,            ///< A child's voice.
+    DUB_TYPE_EMOTIONAL = 9,        ///< Knows several emotions.
 };
 
-/// A voice that texts can be spoken with.
+/// A voice that texts can be spoken with. A text that the service leaves out is empty.
 struct DubInfo
 {
-    QString name;
-    QString voiceParam; ///< The voice's identifier, for TTSParams::voice.
-    QString type;
-    DubType dubType = DUB_TYPE_UNSET;
-    QString category;            ///< As the service names it.
-    QString avatar;              ///< Name of a picture file that the host brings along.
-    QString scene;               ///< What the voice is meant for.
-    QString audition_url;        ///< Address of a sample recording.
-    bool supportTTS = false;     ///< Speaks short texts.
-    bool supportLongTTS = false; ///< Speaks long texts.
+    QString name;                     ///< To be shown to the user.
+    QString voiceParam;               ///< The voice's identifier, for TTSParams::voice.
+    QString type;                     ///< The speaker's kind, in the service's words.
+    DubType dubType = DUB_TYPE_UNSET; ///< What the category means.
+    QString category;                 ///< The kind of voice, in the service's words.
+    QString avatar;                   ///< Name of one of six picture files that the host brings.
+    QString scene;                    ///< What the voice is meant for, in the service's words.
+    QString audition_url;             ///< Address of a sample recording.
+    bool supportTTS = false;          ///< Speaks short texts, for TTS().
+    bool supportLongTTS = false;      ///< Speaks long texts, for LongTTSTask().
 };
 
 /// A track of background music.
 struct BgmInfo
 {
-    QString name;
-    QString url; ///< Address of the audio file.
+    QString name; ///< To be shown to the user.
+    QString url;  ///< Address of the audio file.
 };
 
 /// A code that the user scans with a phone to sign in.
 struct LoginQrCode
 {
-    QString qrImagePath;   ///< The picture's file, which the next code overwrites.
-    QDateTime expire_time; ///< Local time.
-    QString business_code; ///< Identifies the attempt to sign in.
+    QString qrImagePath;   ///< Full path of the picture's PNG file, which the next code overwrites.
+    QDateTime expire_time; ///< When the code ends; local time, in whole seconds.
+    QString business_code; ///< Identifies this attempt, for GetLoginQrCodeStatus().
 };
 
-/// A user who has signed in. Numbers that the service leaves out are 0.
+/// A user who has signed in. A number that the service leaves out is 0, a text is empty.
 struct UserInfo
 {
     qint64 user_id = -1;
-    QString nickname;
-    QString header_url; ///< Address of the user's picture.
-    qint64 token = -1;  ///< For the speech operations.
-    qint64 refresh_token = -1;
-    QDateTime token_expire_time;   ///< Local time; invalid when the service's text is no date.
-    QDateTime refresh_expire_time; ///< As above.
+    QString nickname;              ///< To be shown to the user.
+    QString header_url;            ///< Address of the user's picture.
+    qint64 token = -1;             ///< The access token, for the speech operations.
+    qint64 refresh_token = -1;     ///< For RefreshToken().
+    QDateTime token_expire_time;   ///< When the access token ends; the service's text taken for
+                                   ///< local time, invalid when it is no "yyyy-MM-dd hh:mm:ss".
+    QDateTime refresh_expire_time; ///< When the refresh token ends; as above.
 };
 
-/// What the service says of newer versions of the host. The library compares nothing.
+/// What the service says of newer versions of the host. The library compares no versions.
 struct UpdateInfo
 {
-    qint32 upgradeStatus = 0;    ///< The service's and the host's agreement.
-    QString currentVersion;      ///< The library's version.
+    qint32 upgradeStatus = 0;    ///< What to do, by what the service and the host have agreed.
+    QString currentVersion;      ///< This library's version.
     QString version_code;        ///< The version that the service offers.
-    QString external_update_log; ///< One line a change, each indented by two blanks and ended by
-                                 ///< a line feed.
+    QString external_update_log; ///< Its changes: each indented by two blanks and ended by a line
+                                 ///< feed.
     QString url;                 ///< Where that version is to be had.
 };
 
