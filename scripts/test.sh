@@ -5,9 +5,11 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/service-port.sh
 
-# The tests answer at the built-in address themselves, and at the port after it.
+# The tests answer at the built-in address themselves, and at the port after it; in networks of their
+# own, if they may have some.
 need_free_ports() { # BUILD
     local address port
+    ! tests/own-network.sh true 2>/dev/null || return 0
     address=$(base_address "$1")
     for port in "${address##*:}" "$((${address##*:} + 1))"; do
         if is_taken "$port"; then
