@@ -57,14 +57,22 @@ QHttpPart formPart(const QString &disposition)
     return part;
 }
 
+// A line break would end the header, and let the rest of the name make headers and parts.
+QString inDisposition(QString name)
+{
+    return name.replace(QLatin1Char('\r'), QLatin1String("%0D"))
+        .replace(QLatin1Char('\n'), QLatin1String("%0A"));
+}
+
 std::unique_ptr<QHttpMultiPart> fileForm(const QMap<QString, QString> &nameToPath)
 {
     auto form = std::make_unique<QHttpMultiPart>(QHttpMultiPart::FormDataType);
     for (auto it = nameToPath.cbegin(); it != nameToPath.cend(); ++it) {
         auto *file = new QFile(it.value(), form.get());
         file->open(QIODevice::ReadOnly); // Qt notices a file that did not open
-        QHttpPart part = formPart(QStringLiteral(R"(form-data; name="%1";filename="%2")")
-                                      .arg(it.key(), QFileInfo(it.value()).fileName()));
+        QHttpPart part = formPart(
+            QStringLiteral(R"(form-data; name="%1";filename="%2")")
+                .arg(inDisposition(it.key()), inDisposition(QFileInfo(it.value()).fileName())));
         part.setBodyDevice(file);
         form->append(part);
     }
@@ -75,7 +83,8 @@ std::unique_ptr<QHttpMultiPart> textForm(const QVariantMap &nameToValue)
 {
     auto form = std::make_unique<QHttpMultiPart>(QHttpMultiPart::FormDataType);
     for (auto it = nameToValue.cbegin(); it != nameToValue.cend(); ++it) {
-        QHttpPart part = formPart(QStringLiteral(R"(form-data; name="%1")").arg(it.key()));
+        QHttpPart part =
+            formPart(QStringLiteral(R"(form-data; name="%1")").arg(inDisposition(it.key())));
         part.setBody(it.value().toString().toUtf8());
         form->append(part);
     }

@@ -8,10 +8,17 @@
 #include <QJsonObject>
 #include <QUrl>
 
+#include <cstring>
+
 namespace {
 
-// Header names and values end at an embedded NUL.
-QByteArray headerBytes(const QString &text) { return QByteArray(text.toUtf8().constData()); }
+// Header names and values end at a NUL or a line break: what follows would be a header of its own.
+// Never null, since Qt removes a header whose value is.
+QByteArray headerBytes(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    return QByteArray(bytes.constData(), int(std::strcspn(bytes.constData(), "\r\n")));
+}
 
 QByteArray formUrlEncoded(const QVariantMap &nameToValue)
 {

@@ -83,7 +83,8 @@ public:
     HttpRequest &url(const QString &address);
 
     /// Sets one raw header per entry, in key order; a later value replaces an earlier one. Names
-    /// and values are sent in UTF-8 up to their first NUL.
+    /// and values are sent in UTF-8 up to their first NUL, CR or LF; an entry that has no name then
+    /// is left out.
     HttpRequest &headers(const QVariantMap &map);
 
     /// An indented JSON document, with Content-Type "application/json".
@@ -100,10 +101,10 @@ public:
     HttpRequest &formUrlEncodedBody(const QVariantMap &nameToValue);
 
     /// A multi-part form with one file per entry. When one of them cannot be opened, Qt sends the
-    /// whole form empty.
+    /// whole form empty. CR and LF in the names of parts and files become %0D and %0A.
     HttpRequest &fileMapBody(const QMap<QString, QString> &nameToPath);
 
-    /// A multi-part form with one text per entry.
+    /// A multi-part form with one text per entry. CR and LF in the names become %0D and %0A.
     HttpRequest &formDataBody(const QVariantMap &nameToValue);
 
     /// A multi-part object of the caller's, which the reply owns once the request is sent. Its
@@ -124,7 +125,8 @@ public:
     /// How often the request is performed in all.
     HttpRequest &repeat(int count);
 
-    /// Credentials that are given to a server which asks for them.
+    /// Credentials that are given to a server which asks for them. Qt sends a line break in the
+    /// user name as it is where the server asks for a digest; keeping it out is the caller's.
     HttpRequest &authenticator(const QAuthenticator &authenticator);
 
     /// How many times the server is given credentials; negative: no limit.

@@ -328,6 +328,7 @@ private Q_SLOTS:
         row("NUL in a value", {{"a"_s, "one\0two"_s}}, {{"a", "one"}});
         row("NUL in a name", {{"name\0lost"_s, "v"_s}}, {{"name", "v"}});
         row("NUL at the front of a value", {{"a"_s, "\0two"_s}}, {{"a", ""}});
+        row("nothing left of a name", {{"\0x"_s, "1"_s}, {"\rx"_s, "2"_s}, {"\n"_s, "3"_s}}, {});
         row("two names that a NUL makes the same", {{"n\0a"_s, "1"_s}, {"n\0b"_s, "2"_s}},
             {{"n", "2"}});
         row("names that Qt knows",
