@@ -234,15 +234,18 @@ bool HttpResponse::isCutOff() const
     return m_received < announcedLength();
 }
 
-// 0 when there is none.
+// 0 when there is none. A transfer coding overrides the length and brings an end of its own.
 qint64 HttpResponse::announcedLength() const
 {
+    qint64 length = 0;
     const QList<QNetworkReply::RawHeaderPair> headers = m_headers.of(*m_request.fields.reply);
     for (const QNetworkReply::RawHeaderPair &header : headers) {
+        if (header.first.compare("Transfer-Encoding", Qt::CaseInsensitive) == 0)
+            return 0;
         if (header.first.compare("Content-Length", Qt::CaseInsensitive) == 0)
-            return header.second.toLongLong();
+            length = header.second.toLongLong();
     }
-    return 0;
+    return length;
 }
 
 // There is some when the exchange has ended inside a receiver of the first data, before it was

@@ -254,22 +254,33 @@ private Q_SLOTS:
 
     void theLengthThatCountsIsTheLastAnswers_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QByteArray>("length"); // joined with that of the redirect
+        using Headers = QList<QNetworkReply::RawHeaderPair>;
+        QTest::addColumn<Headers>("redirecting");
+        QTest::addColumn<Headers>("joined"); // with those of the redirect
         QTest::addColumn<bool>("complete");
-        QTest::newRow("reached") << "Content-Length"_b
-                                 << "145, 4"_b << true;
-        QTest::newRow("not reached") << "Content-Length"_b
-                                     << "145, 5"_b << false;
-        QTest::newRow("not reached, in lower case") << "content-length"_b
-                                                    << "145, 5"_b << false;
-        QTest::newRow("the redirect's alone") << "Content-Length"_b
-                                              << "145"_b << true;
+        const Headers length{{"Content-Length", "145"}};
+        const Headers chunks{{"Transfer-Encoding", "chunked"}};
+        const Headers both = length + chunks;
+        QTest::newRow("reached") << length << Headers{{"Content-Length", "145, 4"}} << true;
+        QTest::newRow("not reached") << length << Headers{{"Content-Length", "145, 5"}} << false;
+        QTest::newRow("not reached, in lower case")
+            << length << Headers{{"content-length", "145, 5"}} << false;
+        QTest::newRow("the redirect's alone") << length << length << true;
+        QTest::newRow("in chunks, whose end counts")
+            << length << Headers{{"Content-Length", "145, 5"}, {"transfer-encoding", "chunked"}}
+            << true;
+        QTest::newRow("only the redirect in chunks")
+            << chunks << chunks + Headers{{"Content-Length", "5"}} << false;
+        QTest::newRow("both in chunks")
+            << both
+            << Headers{{"Content-Length", "145, 5"}, {"Transfer-Encoding", "chunked, chunked"}}
+            << true;
     }
     void theLengthThatCountsIsTheLastAnswers()
     {
-        QFETCH(QByteArray, name);
-        QFETCH(QByteArray, length);
+        using Headers = QList<QNetworkReply::RawHeaderPair>;
+        QFETCH(Headers, redirecting);
+        QFETCH(Headers, joined);
         QFETCH(bool, complete);
         ControlledClient client;
         CallbackLog log;
@@ -278,8 +289,8 @@ private Q_SLOTS:
         HttpDispatch::dispatch(log.bindFile(request), nullptr);
         ControlledReply *reply = client.replies.first();
         Q_EMIT reply->redirected(QUrl("http://h/"_s));
-        reply->begin(302, {{"Content-Length", "145"}});
-        reply->begin(200, {{name, length}});
+        reply->begin(302, redirecting);
+        reply->begin(200, joined);
         reply->receive("body");
         reply->succeed();
         QCOMPARE(log.lines().value(0), complete ? "file()"_s : "fileError()"_s);

@@ -86,6 +86,9 @@ private Q_SLOTS:
             {"length announced", "Content-Length: 10\r\n\r\n01234", true},
             {"length announced in lower case", "content-length: 10\r\n\r\n01234", true},
             {"up to the connection's end", "\r\n01234", false},
+            {"complete in chunks, whatever length is announced",
+             "Content-Length: 123456\r\nTransfer-Encoding: chunked\r\n\r\n5\r\n01234\r\n0\r\n\r\n",
+             false},
         };
         for (const bool resumed : {false, true}) {
             for (const auto &body : bodies) {
