@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/nginxserver.h"
+#include "tests/support/residentmemory.h"
 #include "tests/support/testfolder.h"
 #include "tests/support/trust.h"
 
@@ -15,18 +16,7 @@
 
 using HttpTesting::waitUntilGone;
 
-namespace {
-
-constexpr qint64 mebibyte = 1024 * 1024;
-
-/// The resident memory of this process, in bytes.
-qint64 residentMemory()
-{
-    const QList<QByteArray> fields = TestFolder::contents("/proc/self/statm"_s).split(' ');
-    return fields.value(1).toLongLong() * 4096;
-}
-
-} // namespace
+static constexpr qint64 mebibyte = 1024 * 1024;
 
 /// However long a download is, it does not pass through memory as a whole. The size of the file is
 /// VONETWORK_TEST_DOWNLOAD_MIB, 256 when that is not set.
