@@ -138,6 +138,18 @@ private Q_SLOTS:
         QCOMPARE(server.requests(), QList<QByteArray>());
     }
 
+    void aCertificateMayBeAcceptedByItsCommonName()
+    {
+        const TrustTestAuthority trust;
+        QCOMPARE(certificateOf(Identity::CommonName).subjectAlternativeNames().size(), 0);
+        ScriptedServer server(Identity::CommonName);
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("there"));
+        HttpClient client;
+        HttpRequest request(HttpMethod::Get, &client);
+        QCOMPARE(outcomeOf(request.url(server.address("/"_s))), "finished with 5 bytes"_s);
+    }
+
     void plainTextWhereTlsIsExpectedIsOneError()
     {
         ScriptedServer server;

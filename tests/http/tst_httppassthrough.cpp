@@ -271,6 +271,71 @@ private Q_SLOTS:
         QCOMPARE(WireRequest(server.requests().last()).line, "GET /new?a=%20 HTTP/1.1"_b);
     }
 
+    void aFollowedRedirectCarriesTheHeadersToTheOtherHost_data()
+    {
+        QTest::addColumn<QNetworkRequest::RedirectPolicy>("policy");
+        QTest::addColumn<QString>("outcome");
+        QTest::addColumn<QByteArrayList>("requests"); // that the other host has got
+        QTest::newRow("no less safe")
+            << QNetworkRequest::NoLessSafeRedirectPolicy << "finished"_s
+            << QByteArrayList{"GET / HTTP/1.1\r\nHost: OTHER\r\nAuthorization: Bearer secret\r\n"
+                              "X-Own: 1\r\nConnection: Keep-Alive\r\n"
+                              "Accept-Encoding: gzip, deflate\r\nUser-Agent: Mozilla/5.0\r\n\r\n"};
+        QTest::newRow("same origin")
+            << QNetworkRequest::SameOriginRedirectPolicy << "error 11"_s << QByteArrayList();
+    }
+    void aFollowedRedirectCarriesTheHeadersToTheOtherHost()
+    {
+        QFETCH(QNetworkRequest::RedirectPolicy, policy);
+        QFETCH(QString, outcome);
+        QFETCH(QByteArrayList, requests);
+        ScriptedServer first;
+        ScriptedServer other;
+        QVERIFY(first.start() && other.start());
+        const QByteArray host = "127.0.0.1:" + QByteArray::number(other.serverPort());
+        first.answer(ScriptedServer::reply("", "302 Found", "Location: http://" + host + "/\r\n"));
+        other.answer(ScriptedServer::reply(""));
+        HttpClient client;
+        client.setRedirectPolicy(policy);
+        QStringList outcomes;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(first.address("/"_s))
+            .headers({{"Authorization"_s, "Bearer secret"_s}, {"X-Own"_s, "1"_s}})
+            .onFinished([&outcomes] { outcomes.append("finished"_s); })
+            .onError([&outcomes](QNetworkReply::NetworkError code) {
+                outcomes.append("error %1"_s.arg(int(code)));
+            });
+        QVERIFY(waitUntilGone(request.send()));
+        QCOMPARE(outcomes, QStringList{outcome});
+        QByteArrayList got;
+        for (const QByteArray &bytes : other.requests())
+            got.append(HttpTesting::withoutLanguage(bytes).replace(host, "OTHER"));
+        QCOMPARE(got, requests);
+    }
+
+    void theOtherHostOfARedirectIsGivenTheCredentialsWhenItAsks()
+    {
+        ScriptedServer first;
+        ScriptedServer other;
+        QVERIFY(first.start() && other.start());
+        first.answer(ScriptedServer::reply(
+            "", "302 Found",
+            "Location: http://127.0.0.1:" + QByteArray::number(other.serverPort()) + "/\r\n"));
+        other.answer(ScriptedServer::reply("", "401 Unauthorized",
+                                           "WWW-Authenticate: Basic realm=\"other\"\r\n"),
+                     ScriptedServer::Then::KeepOpen);
+        other.answer(ScriptedServer::reply(""));
+        HttpClient client;
+        client.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+        QAuthenticator credentials;
+        credentials.setUser("user"_s);
+        credentials.setPassword("pass"_s);
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(first.address("/"_s)).authenticator(credentials);
+        QVERIFY(waitUntilGone(request.send()));
+        QCOMPARE(authorizations(other).last(), "Basic " + QByteArray("user:pass").toBase64());
+    }
+
     void aRedirectThatIsNotFollowedIsASuccess()
     {
         ScriptedServer server;

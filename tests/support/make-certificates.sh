@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes, in the folder given: authority.pem; localhost.pem and localhost.key (for localhost and
 # 127.0.0.1, signed by the authority); elsewhere.pem and elsewhere.key (signed by it for another
-# name); stranger.pem and stranger.key (for localhost, signed by themselves).
+# name); commonname.pem and commonname.key (signed by it for localhost, without alternative names);
+# stranger.pem and stranger.key (for localhost, signed by themselves).
 set -euo pipefail
 folder=$1
 mkdir -p "$folder"
@@ -13,14 +14,15 @@ openssl req -x509 "${new_key[@]}" -keyout authority.key -out authority.new -days
     -subj "/CN=Test authority" -addext "basicConstraints=critical,CA:TRUE" \
     -addext "keyUsage=critical,keyCertSign" 2>/dev/null
 
-sign() { # NAME ALTERNATIVE-NAMES
-    openssl req "${new_key[@]}" -keyout "$1.key" -out "$1.csr" -subj "/CN=$1" 2>/dev/null
+sign() { # NAME COMMON-NAME EXTENSION
+    openssl req "${new_key[@]}" -keyout "$1.key" -out "$1.csr" -subj "/CN=$2" 2>/dev/null
     openssl x509 -req -in "$1.csr" -CA authority.new -CAkey authority.key -CAcreateserial -days 30 \
-        -extfile <(echo "subjectAltName=$2") -out "$1.pem" 2>/dev/null
+        -extfile <(echo "$3") -out "$1.pem" 2>/dev/null
     rm "$1.csr"
 }
-sign localhost "DNS:localhost,IP:127.0.0.1"
-sign elsewhere "DNS:elsewhere.example"
+sign localhost localhost "subjectAltName=DNS:localhost,IP:127.0.0.1"
+sign elsewhere elsewhere "subjectAltName=DNS:elsewhere.example"
+sign commonname localhost "keyUsage=digitalSignature"
 openssl req -x509 "${new_key[@]}" -keyout stranger.key -out stranger.pem -days 30 \
     -subj "/CN=localhost" -addext "subjectAltName=DNS:localhost,IP:127.0.0.1" 2>/dev/null
 

@@ -21,6 +21,8 @@ QString nameOf(Identity identity)
         return QStringLiteral("localhost");
     case Identity::Elsewhere:
         return QStringLiteral("elsewhere");
+    case Identity::CommonName:
+        return QStringLiteral("commonname");
     case Identity::Stranger:
         return QStringLiteral("stranger");
     }

@@ -8,9 +8,10 @@
 
 /// The certificates that the test servers show.
 enum class Identity {
-    Localhost, ///< Right name, signed by the test authority.
-    Elsewhere, ///< Another name, signed by the test authority.
-    Stranger,  ///< Right name, signed by itself.
+    Localhost,  ///< Right name, signed by the test authority.
+    Elsewhere,  ///< Another name, signed by the test authority.
+    CommonName, ///< Right name, but not among the alternative names; signed by the test authority.
+    Stranger,   ///< Right name, signed by itself.
 };
 
 QSslCertificate certificateOf(Identity identity);
