@@ -8,6 +8,7 @@
 #include <QBuffer>
 #include <QHttpMultiPart>
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QTest>
 
 #include <memory>
@@ -148,6 +149,50 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request(HttpMethod::Get, &client);
         QCOMPARE(outcomeOf(request.url(server.address("/"_s))), "finished with 5 bytes"_s);
+    }
+
+    void aConnectionThatBreaksFailsThoseThatWaitForOne()
+    {
+        // Qt makes six connections to a host.
+        ScriptedServer server;
+        QVERIFY(server.start());
+        HttpClient client;
+        QStringList failed;
+        for (int i = 0; i < 8; ++i) {
+            HttpRequest(HttpMethod::Get, &client)
+                .url(server.address("/%1"_s.arg(i)))
+                .onError([&failed, i](QNetworkReply::NetworkError code) {
+                    failed.append("%1: %2"_s.arg(i).arg(int(code)));
+                })
+                .send();
+        }
+        QTRY_COMPARE(server.requests().size(), 6);
+        server.answer("", Then::Close); // to what Qt sends once more
+        server.hangUp();
+        QTRY_COMPARE(failed.size(), 3);
+        QVERIFY2(failed.contains("7: 2"_s), qPrintable(failed.join(QLatin1Char(' '))));
+        for (const QByteArray &request : server.requests())
+            QVERIFY2(!request.startsWith("GET /7"), request.constData());
+    }
+
+    void theConnectionCacheMustNotBeClearedUnderRepliesThatRun()
+    {
+        ScriptedServer server;
+        QVERIFY(server.start());
+        HttpClient client;
+        CallbackLog log;
+        HttpRequest request(HttpMethod::Get, &client);
+        const QPointer<HttpResponse> running =
+            log.bindOutcomes(request.url(server.address("/"_s))).send();
+        QTRY_COMPARE(server.requests().size(), 1);
+        client.clearConnectionCache();
+        server.answer(ScriptedServer::reply("there"));
+        QCOMPARE(outcomeOf(HttpRequest(HttpMethod::Get, &client).url(server.address("/"_s))),
+                 "finished with 5 bytes"_s);
+        // Its connection is gone, and nothing tells it.
+        QTRY_COMPARE(server.findChildren<QTcpSocket *>().size(), 0);
+        QVERIFY(running && running->request().fields.reply->isRunning());
+        QCOMPARE(log.lines(), QStringList());
     }
 
     void plainTextWhereTlsIsExpectedIsOneError()
