@@ -21,5 +21,7 @@ ToolkitPlan ToolkitPlan::draw(std::mt19937 &chance)
         plan.timeoutMs = 1 + below(60);
     if (plan.deed != Deed::DeleteResponse && below(8) == 0)
         plan.retries = 1; // the response of the retry is in nobody's hands
+    plan.block = below(20) == 0;
+    plan.download = plan.path != "/silent" && below(10) == 0; // the probe would wait for long
     return plan;
 }

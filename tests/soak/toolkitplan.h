@@ -42,4 +42,6 @@ struct ToolkitPlan
     Moment moment = Moment::AtOnce;
     int timeoutMs = patienceMs;
     int retries = 0;
+    bool block = false;
+    bool download = false;
 };

@@ -88,8 +88,11 @@ void ToolkitSoak::send(const Shared &exchange)
     request.url(QString::fromLatin1(m_server + exchange->plan.path))
         .timeout(exchange->plan.timeoutMs)
         .retry(exchange->plan.retries)
+        .block(exchange->plan.block)
         .onFinished(receiver, &Receiver::onFinished)
         .onError(receiver, &Receiver::onError);
+    if (exchange->plan.download)
+        request.download(m_folder.filePath(QString::number(m_sent)));
     bindMoments(request, exchange);
     exchange->response = request.send();
     QTimer::singleShot(int(m_chance() % 10), this, [reach] { reach(Moment::Later); });
@@ -129,11 +132,11 @@ void ToolkitSoak::act(Exchange &exchange)
     case Deed::Nothing:
         break;
     case Deed::Abort:
-        if (response)
+        if (response && response->request().fields.reply) // a download has none at first
             response->request().fields.reply->abort();
         break;
     case Deed::DeleteResponse:
-        exchange.dropped = response != nullptr;
+        exchange.dropped = exchange.dropped || response;
         delete response;
         break;
     case Deed::DeleteReceiver:
@@ -200,8 +203,10 @@ void ToolkitSoak::over(const Exchange &exchange)
 void ToolkitSoak::fault(const Exchange &exchange, const char *what)
 {
     ++m_faults;
-    std::printf("%s, deed %d at moment %d: %s\n", exchange.plan.path.constData(),
-                int(exchange.plan.deed), int(exchange.plan.moment), what);
+    std::printf("%s%s%s, deed %d at moment %d: %s; %d finished, %d failed\n",
+                exchange.plan.path.constData(), exchange.plan.block ? ", blocking" : "",
+                exchange.plan.download ? ", download" : "", int(exchange.plan.deed),
+                int(exchange.plan.moment), what, exchange.finished, exchange.failed);
 }
 
 bool ToolkitSoak::report() const

@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <functional>
@@ -81,6 +82,7 @@ private:
 
     const QByteArray m_server;
     const int m_requests;
+    const QTemporaryDir m_folder; ///< For downloads.
     std::mt19937 m_chance;
     QSet<Exchange *> m_running;
     std::unique_ptr<HttpClient> m_client;
