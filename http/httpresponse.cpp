@@ -202,7 +202,10 @@ bool HttpResponse::deliver(Values &&...values)
 
 void HttpResponse::releaseReply()
 {
-    if (m_reply)
+    // Qt says that a reply is finished some time after its error, when this one may be gone.
+    const QPointer<HttpResponse> self(this);
+    onHandleHead();
+    if (self && m_reply)
         m_reply->deleteLater();
 }
 

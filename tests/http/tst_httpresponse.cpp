@@ -7,7 +7,9 @@
 #include "tests/support/scriptedserver.h"
 #include "tests/support/signalrecorder.h"
 
+#include <QCoreApplication>
 #include <QMetaMethod>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextCodec>
@@ -254,6 +256,23 @@ private Q_SLOTS:
                               "error(not there)"_s, "repeated()"_s,
                               "head("_s + HttpTesting::recorded(pairs) + ")"_s,
                               "head(QVariant(QMap<QString,QString>, ))"_s}));
+    }
+
+    void theHeadOfAFailureIsToldThoughTheReplyGoesBeforeItIsFinished()
+    {
+        ControlledClient client;
+        QStringList told;
+        HttpRequest(HttpMethod::Get, &client)
+            .onError([&told](const QByteArray &text) { told.append(QString::fromUtf8(text)); })
+            .onHead([&told](const QMap<QString, QString> &head) { told.append(head.value("A"_s)); })
+            .send();
+        const QPointer<ControlledReply> reply = client.replies.first();
+        reply->setHeader("A", "1");
+        reply->setErrorOnly(QNetworkReply::ContentNotFoundError, "not there"_s);
+        Q_EMIT reply->errorOccurred(QNetworkReply::ContentNotFoundError);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!reply);
+        QCOMPARE(told, (QStringList{"not there"_s, "1"_s}));
     }
 
     void anHttpErrorStatusIsAFailureWithoutABody_data()
