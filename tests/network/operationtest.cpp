@@ -131,19 +131,6 @@ QByteArray rowName(const Operation &operation, const QByteArray &title)
 
 } // namespace
 
-QStringList OperationTest::outcomeOf(const Operation &operation, int count)
-{
-    if (operation.result) {
-        const QString returned = operation.result(service);
-        release();
-        return QStringList{returned} + answers->calls();
-    }
-    operation.call(service);
-    if (!answers->calls().isEmpty())
-        return {"answered before it returned"_s};
-    return outcome(count);
-}
-
 void OperationTest::exchange(const Operation &operation, const QByteArray &reply,
                              const QStringList &log, const QStringList &expected)
 {

@@ -12,10 +12,6 @@ class OperationTest : public ServiceTest
 protected:
     virtual QList<Operation> operations() const = 0;
 
-    /// Calls @p operation, and releases the service object once @p count signals have come or the
-    /// result is there. The result, written, and every signal.
-    QStringList outcomeOf(const Operation &operation, int count = 1);
-
     /// Calls @p operation once with the service answering @p reply, and compares the request on
     /// the wire, every log line (@p log: those after the start) and every signal.
     void exchange(const Operation &operation, const QByteArray &reply, const QStringList &log,

@@ -46,6 +46,19 @@ QStringList ServiceTest::outcome(int count)
     return answers->calls();
 }
 
+QStringList ServiceTest::outcomeOf(const Operation &operation, int count)
+{
+    if (operation.result) {
+        const QString returned = operation.result(service);
+        release();
+        return QStringList{returned} + answers->calls();
+    }
+    operation.call(service);
+    if (!answers->calls().isEmpty())
+        return {"answered before it returned"_s};
+    return outcome(count);
+}
+
 void ServiceTest::release()
 {
     if (!service)

@@ -3,6 +3,7 @@
 #include "network/vonetwork.h"
 #include "network/vonetworkintf.h"
 #include "tests/network/answers.h"
+#include "tests/network/operation.h"
 #include "tests/network/temporaryfolder.h"
 #include "tests/network/text.h"
 #include "tests/support/logcapture.h"
@@ -35,6 +36,10 @@ protected:
     /// The answers once @p count of them have come and the service object is gone with all that it
     /// had going on, so that none can follow.
     QStringList outcome(int count = 1);
+
+    /// Calls @p operation, and releases the service object once @p count signals have come or the
+    /// result is there. The result, written, and every signal.
+    QStringList outcomeOf(const Operation &operation, int count = 1);
 
     /// Releases the service object and waits until it and its requests are gone.
     void release();

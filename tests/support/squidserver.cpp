@@ -7,6 +7,7 @@ namespace {
 // Nothing is kept, and nothing is written outside of the folder.
 const char pattern[] = R"(http_port 127.0.0.1:%1
 visible_hostname localhost
+hosts_file %4
 pid_filename none
 pinger_enable off
 netdb_filename none
@@ -43,11 +44,14 @@ bool SquidServer::start()
                                                | QFileDevice::ReadOther | QFileDevice::ExeOther);
     const QString configuration = m_folder.path(QStringLiteral("squid.conf"));
     const QString users = m_folder.path(QStringLiteral("passwords"));
+    const QString hosts = m_folder.path(QStringLiteral("hosts"));
     const QString log = m_folder.path(QStringLiteral("log"));
     write(users, passwords);
     write(log, QByteArray());
-    write(configuration,
-          QString::fromLatin1(pattern).arg(QString::number(m_port), users, log).toLocal8Bit());
+    write(hosts, "127.0.0.1 localhost elsewhere.example\n");
+    write(
+        configuration,
+        QString::fromLatin1(pattern).arg(QString::number(m_port), users, log, hosts).toLocal8Bit());
     // The name keeps its shared memory apart from that of others.
     return m_process.start({QStringLiteral("-N"), QStringLiteral("-d"), QStringLiteral("1"),
                             QStringLiteral("-n"), QStringLiteral("test%1").arg(m_port),

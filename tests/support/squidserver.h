@@ -6,7 +6,8 @@
 #include <QNetworkProxy>
 
 /// squid in a process of its own: a proxy for HTTP and, by CONNECT, for HTTPS that serves none but
-/// user() with password(), and keeps no copies.
+/// user() with password(), and keeps no copies. To it elsewhere.example is this machine: Qt sends
+/// nothing that is for localhost through an application's proxy.
 class SquidServer
 {
 public:
