@@ -3,6 +3,8 @@
 #include <QRegularExpression>
 #include <QSslSocket>
 
+#include <sys/socket.h>
+
 namespace {
 
 /// The length of the first complete request in @p bytes; -1 while it is not complete.
@@ -45,6 +47,17 @@ QString ScriptedServer::address(const QString &path) const
 
 void ScriptedServer::answer(const QByteArray &bytes, Then then) { m_answers.append({bytes, then}); }
 
+void ScriptedServer::greet(const QByteArray &bytes, Then then) { m_greeting = {bytes, then}; }
+
+void ScriptedServer::speakOldTls()
+{
+    // What OpenSSL itself does not do any more unless it is told to.
+    m_configuration.setProtocol(QSsl::TlsV1_0OrLater);
+    m_configuration.setBackendConfigurationOption("CipherString",
+                                                  QByteArray("DEFAULT@SECLEVEL=0"));
+    m_configuration.setBackendConfigurationOption("MaxProtocol", QByteArray("TLSv1.1"));
+}
+
 void ScriptedServer::push(const QByteArray &bytes)
 {
     if (m_lastAsked)
@@ -77,11 +90,16 @@ void ScriptedServer::incomingConnection(qintptr handle)
     auto *socket = new QSslSocket(this);
     socket->setSocketDescriptor(handle);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    connect(socket, &QIODevice::readyRead, this, [this, socket] { read(socket); });
+    if (!m_greeting)
+        connect(socket, &QIODevice::readyRead, this, [this, socket] { read(socket); });
     connect(socket, &QAbstractSocket::disconnected, this, [this, socket] {
         m_pending.remove(socket);
         socket->deleteLater();
     });
+    if (m_greeting) {
+        give(socket, *m_greeting);
+        return;
+    }
     if (m_tls) {
         socket->setSslConfiguration(m_configuration);
         socket->startServerEncryption();
@@ -120,9 +138,11 @@ void ScriptedServer::end(QTcpSocket *socket, Then then)
     if (then == Then::Close) {
         socket->disconnectFromHost(); // once the bytes are out
     } else if (then == Then::Reset) {
-        // A closed socket that lingers for no time at all sends a reset.
         while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten())
             ;
+        // A socket that lingers for no time at all sends a reset when it is closed.
+        const linger none{1, 0};
+        ::setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
         socket->abort();
     } else {
         socket->flush();

@@ -9,6 +9,8 @@
 #include <QSslConfiguration>
 #include <QTcpServer>
 
+#include <optional>
+
 class QSslSocket;
 class QTcpSocket;
 
@@ -24,7 +26,7 @@ public:
     enum class Then {
         Close,    ///< The connection ends in order.
         KeepOpen, ///< The connection waits for the next request.
-        Reset,    ///< The connection is cut off.
+        Reset,    ///< The connection is cut off, once the bytes are out.
     };
 
     struct Answer
@@ -47,6 +49,13 @@ public:
 
     /// Adds an answer to the script.
     void answer(const QByteArray &bytes, Then then = Then::Close);
+
+    /// Gives every connection these bytes as soon as it is made, in the clear, and reads nothing of
+    /// what it sends.
+    void greet(const QByteArray &bytes, Then then);
+
+    /// Speaks TLS 1.1 and what is older, which clients of today refuse.
+    void speakOldTls();
 
     /// Sends more to whoever asked last; nothing when that connection is gone.
     void push(const QByteArray &bytes);
@@ -79,6 +88,7 @@ private:
 
     bool m_tls = false;
     QSslConfiguration m_configuration;
+    std::optional<Answer> m_greeting;
     QList<Answer> m_answers;
     QList<QByteArray> m_requests;
     QHash<QTcpSocket *, QByteArray> m_pending;

@@ -23,6 +23,10 @@ QString nameOf(Identity identity)
         return QStringLiteral("elsewhere");
     case Identity::CommonName:
         return QStringLiteral("commonname");
+    case Identity::Expired:
+        return QStringLiteral("expired");
+    case Identity::Foreign:
+        return QStringLiteral("foreign");
     case Identity::Stranger:
         return QStringLiteral("stranger");
     }

@@ -11,6 +11,8 @@ enum class Identity {
     Localhost,  ///< Right name, signed by the test authority.
     Elsewhere,  ///< Another name, signed by the test authority.
     CommonName, ///< Right name, but not among the alternative names; signed by the test authority.
+    Expired,    ///< Right name, signed by the test authority, over since yesterday.
+    Foreign,    ///< Right name, signed by an authority that nobody knows.
     Stranger,   ///< Right name, signed by itself.
 };
 
