@@ -38,9 +38,11 @@ QList<CorpusCase> readCorpus(const QByteArray &name)
     for (const QByteArray &line : lines) {
         if (line.isEmpty() || line.startsWith('#'))
             continue;
-        const QList<QByteArray> columns = line.split('\t');
+        QList<QByteArray> columns = line.split('\t');
+        if (columns.size() < 3)
+            columns.prepend({});
         if (columns.size() != 3)
-            qFatal("not three columns: %s", line.constData());
+            qFatal("not as many columns as there should be: %s", line.constData());
         cases.append({columns.at(0), columns.at(1), decoded(columns.at(2))});
     }
     return cases;

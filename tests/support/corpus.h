@@ -6,7 +6,7 @@
 /// One piece of input that is kept in a file, with what is known of it.
 struct CorpusCase
 {
-    QByteArray kind;
+    QByteArray kind; ///< Empty where the file says none.
     QByteArray name;
     QByteArray bytes;
 };

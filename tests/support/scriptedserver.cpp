@@ -1,8 +1,12 @@
 #include "tests/support/scriptedserver.h"
 
+#include <QDir>
 #include <QRegularExpression>
 #include <QSslSocket>
+#include <QTimer>
 
+#include <netinet/in.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 namespace {
@@ -18,6 +22,22 @@ int completeLength(const QByteArray &bytes)
     const auto match = lengthHeader.match(QString::fromLatin1(bytes.left(headEnd)));
     const int length = headEnd + 4 + match.captured(1).toInt();
     return bytes.size() >= length ? length : -1;
+}
+
+/// How many bytes wait for the socket of this process that is at @p port of its own.
+int unreadAt(quint16 port)
+{
+    const QStringList descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList();
+    for (const QString &name : descriptors) {
+        sockaddr_in address{};
+        socklen_t size = sizeof address;
+        int waiting = 0;
+        if (::getsockname(name.toInt(), reinterpret_cast<sockaddr *>(&address), &size) == 0
+            && address.sin_family == AF_INET && ntohs(address.sin_port) == port
+            && ::ioctl(name.toInt(), FIONREAD, &waiting) == 0)
+            return waiting;
+    }
+    return 0;
 }
 
 } // namespace
@@ -53,8 +73,7 @@ void ScriptedServer::speakOldTls()
 {
     // What OpenSSL itself does not do any more unless it is told to.
     m_configuration.setProtocol(QSsl::TlsV1_0OrLater);
-    m_configuration.setBackendConfigurationOption("CipherString",
-                                                  QByteArray("DEFAULT@SECLEVEL=0"));
+    m_configuration.setBackendConfigurationOption("CipherString", QByteArray("DEFAULT@SECLEVEL=0"));
     m_configuration.setBackendConfigurationOption("MaxProtocol", QByteArray("TLSv1.1"));
 }
 
@@ -133,10 +152,20 @@ void ScriptedServer::give(QTcpSocket *socket, const Answer &answer)
     end(socket, answer.then);
 }
 
+void ScriptedServer::closeOnceRead(QTcpSocket *socket)
+{
+    if (socket->bytesToWrite() == 0 && unreadAt(socket->peerPort()) == 0)
+        return socket->disconnectFromHost();
+    QTimer::singleShot(1, socket, [socket] { closeOnceRead(socket); });
+}
+
 void ScriptedServer::end(QTcpSocket *socket, Then then)
 {
     if (then == Then::Close) {
         socket->disconnectFromHost(); // once the bytes are out
+    } else if (then == Then::CloseOnceRead) {
+        socket->flush();
+        closeOnceRead(socket);
     } else if (then == Then::Reset) {
         while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten())
             ;

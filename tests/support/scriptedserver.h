@@ -24,9 +24,10 @@ class ScriptedServer : public QTcpServer
 public:
     /// What follows the bytes of an answer.
     enum class Then {
-        Close,    ///< The connection ends in order.
-        KeepOpen, ///< The connection waits for the next request.
-        Reset,    ///< The connection is cut off, once the bytes are out.
+        Close,         ///< The connection ends in order.
+        CloseOnceRead, ///< The same when the client, of this process, has read all that came.
+        KeepOpen,      ///< The connection waits for the next request.
+        Reset,         ///< The connection is cut off, once the bytes are out.
     };
 
     struct Answer
@@ -85,6 +86,7 @@ private:
     void give(QTcpSocket *socket, const Answer &answer);
     Answer nextAnswer();
     static void end(QTcpSocket *socket, Then then);
+    static void closeOnceRead(QTcpSocket *socket);
 
     bool m_tls = false;
     QSslConfiguration m_configuration;
