@@ -79,8 +79,8 @@ QByteArray manyHeaders()
 // A stream of zlib is what Qt takes for "deflate".
 QByteArray compressedBomb()
 {
-    return ScriptedServer::reply(qCompress(bomb({}), 9).mid(4), "200 OK",
-                                 "Content-Encoding: deflate\r\n");
+    static const QByteArray stream = qCompress(bomb({}), 9).mid(4);
+    return ScriptedServer::reply(stream, "200 OK", "Content-Encoding: deflate\r\n");
 }
 
 QList<Fault> connectionFaults()
