@@ -59,7 +59,10 @@ ToolkitSoak::ToolkitSoak(QByteArray server, int requests, unsigned seed)
     QMetaObject::invokeMethod(this, &ToolkitSoak::fill, Qt::QueuedConnection);
 }
 
-ToolkitSoak::~ToolkitSoak() = default;
+ToolkitSoak::~ToolkitSoak()
+{
+    m_client.reset(); // its requests, if some are left, come to over()
+}
 
 void ToolkitSoak::fill()
 {
@@ -161,6 +164,15 @@ void ToolkitSoak::renewClient()
     m_client->setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
 }
 
+// The client serves nothing more. Several requests find that out.
+void ToolkitSoak::giveUp(int client)
+{
+    if (client != m_clients)
+        return;
+    ++m_deadClients;
+    renewClient();
+}
+
 // It may be the client's end that leads here.
 void ToolkitSoak::over(const Exchange &exchange)
 {
@@ -175,18 +187,10 @@ void ToolkitSoak::over(const Exchange &exchange)
                       : exchange.finished ? "finished"
                                           : "failed";
     ++m_ends[exchange.plan.path][end];
-    if (exchange.timedOut && exchange.plan.timeoutMs == ToolkitPlan::patienceMs
-        && !exchange.dropped) {
-        // The client serves nothing more; it is done with.
-        QMetaObject::invokeMethod(
-            this,
-            [this, dead = m_clients] {
-                if (dead != m_clients)
-                    return;
-                ++m_deadClients;
-                renewClient();
-            },
-            Qt::QueuedConnection);
+    if (exchange.timedOut && !exchange.dropped
+        && exchange.plan.timeoutMs == ToolkitPlan::patienceMs) {
+        const auto give = [this, client = m_clients] { giveUp(client); };
+        QMetaObject::invokeMethod(this, give, Qt::QueuedConnection);
     }
     ++m_over;
     for (const int part : {10, 50, 100}) {
@@ -209,8 +213,10 @@ void ToolkitSoak::fault(const Exchange &exchange, const char *what)
                 int(exchange.plan.moment), what, exchange.finished, exchange.failed);
 }
 
-bool ToolkitSoak::report() const
+bool ToolkitSoak::report()
 {
+    for (const Exchange *exchange : qAsConst(m_running))
+        fault(*exchange, "it is not over");
     std::printf("%-12s", "");
     for (const QByteArray &end : ends())
         std::printf("%10s", end.constData());

@@ -54,7 +54,7 @@ public:
 
     /// Prints the figures. False when a request was lost, reported no outcome, two, or anything
     /// after it was deleted, or when memory grew.
-    bool report() const;
+    bool report();
 
 private:
     /// A request. Its callbacks hold it, so it goes with the last of them.
@@ -77,6 +77,7 @@ private:
     void reached(Moment moment, const Shared &exchange);
     void act(Exchange &exchange);
     void renewClient();
+    void giveUp(int client);
     void over(const Exchange &exchange);
     void fault(const Exchange &exchange, const char *what);
 
@@ -90,7 +91,7 @@ private:
     int m_sent = 0;
     int m_over = 0;
     int m_faults = 0;
-    int m_clients = 0;
+    int m_clients = 0; ///< Their number so far; also that of the one in use.
     int m_deadClients = 0;
     QMap<QByteArray, QMap<QByteArray, int>> m_ends; ///< By path and kind.
     QMap<int, double> m_memory;                     ///< MiB, by the part that is over in per cent.
