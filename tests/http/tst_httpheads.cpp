@@ -5,12 +5,14 @@
 #include "tests/support/scriptedserver.h"
 
 #include <QFile>
+#include <QHttpMultiPart>
 #include <QTemporaryDir>
 #include <QTest>
 
 using Headers = QVariantMap;
 
-/// Texts from elsewhere end up in a request's head and in those of its parts, and never add a line.
+/// Texts from elsewhere that end up in the head of a request or of one of its parts: which of them
+/// can add a line to it.
 class TestHttpHeads : public QObject
 {
     Q_OBJECT
@@ -114,6 +116,38 @@ private Q_SLOTS:
         QCOMPARE(
             request.body,
             form(request, {"name=\"a%0D%0A\";filename=\"%2%0D%0AX-Evil: 1%0D%0A%0D%0A\"\r\n\r\n"}));
+    }
+
+    void headersThatAreSetPastTheBuilderAreSentAsTheyAre()
+    {
+        HttpRequest request(HttpMethod::Get, nullptr);
+        request.fields.networkRequest.setRawHeader("X-Own", "v\r\nX-Evil: 1");
+        QCOMPARE(sent(request),
+                 HttpTesting::wire("GET", "/", m_server.serverPort(), "X-Own: v\r\nX-Evil: 1\r\n"));
+    }
+
+    void theBoundaryOfAMultiPartIsSentAsItIs()
+    {
+        auto *multiPart = new QHttpMultiPart(QHttpMultiPart::FormDataType);
+        multiPart->setBoundary("b\r\nX-Evil: 1");
+        const QByteArray got = sent(HttpRequest(HttpMethod::Get, nullptr).multiPartBody(multiPart));
+        QCOMPARE(WireRequest(got).header("X-Evil"), "1"_b);
+    }
+
+    void theUserNameOfADigestIsSentAsItIs()
+    {
+        m_server.reset();
+        m_server.answer(
+            ScriptedServer::reply("", "401 Unauthorized",
+                                  "WWW-Authenticate: Digest realm=\"r\", nonce=\"n\"\r\n"),
+            ScriptedServer::Then::KeepOpen);
+        m_server.answer(ScriptedServer::reply(""));
+        QAuthenticator credentials;
+        credentials.setUser("u\r\nX-Evil: 1\r\n"_s);
+        credentials.setPassword("p"_s);
+        const QByteArray got =
+            sent(HttpRequest(HttpMethod::Get, nullptr).authenticator(credentials));
+        QCOMPARE(WireRequest(got).header("X-Evil"), "1"_b);
     }
 };
 
