@@ -1,10 +1,11 @@
 #include "outputfile.h"
 
+#include "wholefile.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTemporaryDir>
 
 #include <filesystem>
@@ -58,11 +59,7 @@ QString OutputFile::problem() const
     return {};
 }
 
-bool OutputFile::write(const QByteArray &bytes) const
-{
-    QSaveFile file(m_path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-}
+QString OutputFile::write(const QByteArray &bytes) const { return WholeFile::write(m_path, bytes); }
 
 QString OutputFile::partPath() const { return m_path + QLatin1String(".part"); }
 

@@ -17,8 +17,8 @@ public:
     /// no trace.
     QString problem() const;
 
-    /// Writes @p bytes. False when that failed.
-    bool write(const QByteArray &bytes) const;
+    /// Writes @p bytes. Why that failed; empty: it is done.
+    QString write(const QByteArray &bytes) const;
 
     /// Where an unfinished output can be kept: beside the file, links followed.
     QString partPath() const;

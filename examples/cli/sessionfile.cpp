@@ -2,13 +2,13 @@
 
 #include "privatefiles.h"
 #include "session.h"
+#include "wholefile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace {
@@ -39,17 +39,13 @@ Session SessionFile::load()
     return Session::from(QJsonDocument::fromJson(file.read(longest)).object());
 }
 
-bool SessionFile::save(const Session &session)
+QString SessionFile::save(const Session &session)
 {
-    if (!problem().isEmpty())
-        return false;
+    if (QString problem = SessionFile::problem(); !problem.isEmpty())
+        return problem;
     const PrivateFiles onlyOurs;
-    const QByteArray bytes = QJsonDocument(session.toJson()).toJson();
-    QSaveFile file(path());
-    return file.open(QIODevice::WriteOnly)
-           // An older file's permissions would be taken over.
-           && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
-           && file.write(bytes) == bytes.size() && file.commit();
+    return WholeFile::write(path(), QJsonDocument(session.toJson()).toJson(),
+                            QFile::ReadOwner | QFile::WriteOwner);
 }
 
 bool SessionFile::exists()

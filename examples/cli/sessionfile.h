@@ -13,8 +13,8 @@ QString problem();
 /// The session; not valid when the file holds none.
 Session load();
 
-/// Replaces the file, whole or not at all. False when that failed.
-bool save(const Session &session);
+/// Replaces the file, whole or not at all. Why that failed; empty: it is done.
+QString save(const Session &session);
 
 bool exists();
 

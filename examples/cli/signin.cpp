@@ -42,8 +42,8 @@ void SignIn::finishWith(const UserInfo &user)
     const Session session = Session::from(user);
     if (!session.isValid())
         Q_EMIT failed(QStringLiteral("the service sent no usable session"));
-    else if (!SessionFile::save(session))
-        Q_EMIT failed(QStringLiteral("the session could not be written"));
+    else if (const QString problem = SessionFile::save(session); !problem.isEmpty())
+        Q_EMIT failed(QStringLiteral("the session could not be written: %1").arg(problem));
     else
         finish(text(session), document(user));
 }

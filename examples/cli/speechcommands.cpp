@@ -72,8 +72,8 @@ void ShortSpeech::onAudio(TTS_STATUS status, const QString &audioBase64)
     const QByteArray audio = decoded(audioBase64.toLatin1());
     if (audio.isEmpty())
         Q_EMIT failed(QStringLiteral("the service sent no usable audio"));
-    else if (!output().write(audio))
-        Q_EMIT failed(QStringLiteral("the audio could not be written"));
+    else if (const QString problem = output().write(audio); !problem.isEmpty())
+        Q_EMIT failed(QStringLiteral("the audio could not be written: %1").arg(problem));
     else
         finishWithFile();
 }

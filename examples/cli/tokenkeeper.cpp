@@ -81,6 +81,8 @@ void TokenKeeper::onRenewed(qlonglong token, const QDateTime &expiry)
 // failure: it has what the next run needs to renew the token once more.
 void TokenKeeper::keep() const
 {
-    if (SessionFile::load().refreshToken == m_session.refreshToken && !SessionFile::save(m_session))
-        qWarning("vospeak: the renewed session could not be kept");
+    if (SessionFile::load().refreshToken != m_session.refreshToken)
+        return;
+    if (const QString problem = SessionFile::save(m_session); !problem.isEmpty())
+        qWarning("vospeak: the renewed session could not be kept: %s", qPrintable(problem));
 }

@@ -1,6 +1,7 @@
 #include "tests/support/nginxserver.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
+#include "tests/system/filesizelimit.h"
 #include "tests/system/home.h"
 #include "tests/system/program.h"
 
@@ -64,29 +65,6 @@ QByteArray inChunks(const QByteArray &chunks)
 {
     return withoutLength(chunks, "Transfer-Encoding: chunked\r\n");
 }
-
-/// The largest file that programs may write which are started while such an object lives.
-class FileSizeLimit
-{
-    Q_DISABLE_COPY(FileSizeLimit)
-
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit = {bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        std::signal(SIGXFSZ, SIG_IGN); // writing fails instead
-    }
-    ~FileSizeLimit()
-    {
-        std::signal(SIGXFSZ, SIG_DFL);
-        setrlimit(RLIMIT_FSIZE, &m_before);
-    }
-
-private:
-    rlimit m_before = {};
-};
 
 } // namespace
 
