@@ -3,6 +3,7 @@
 #include "options.h"
 #include "progress.h"
 #include "tokenkeeper.h"
+#include "serveraddress.h"
 #include "wavfile.h"
 
 #include <QByteArray>
@@ -99,6 +100,10 @@ void LongSpeech::start()
 void LongSpeech::fetch(const QString &address)
 {
     progress()->show(QStringLiteral("fetching the audio"));
+    if (!ServerAddress::isUsable(address)) {
+        Q_EMIT failed(QStringLiteral("the service sent no usable address of the audio"));
+        return;
+    }
     if (output().take([this, &address](const QString &path) { return fetchInto(address, path); }))
         finishWithFile();
     else

@@ -5,6 +5,7 @@
 #include "network/vonetworkintf.h"
 #include "progress.h"
 
+#include "serveraddress.h"
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -61,6 +62,10 @@ void Uploader::put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes)
 {
     m_address = newAddress(credentials);
     const HttpResponse *response =
+    if (!ServerAddress::isUsable(m_address)) {
+        Q_EMIT failed(QStringLiteral("the service sent no usable address for the recording"));
+        return;
+    }
         HttpRequest(HttpMethod::Put, &m_client)
             .url(m_address)
             .headers({{QStringLiteral("x-security-token"), credentials.SecurityToken},

@@ -40,11 +40,11 @@ QByteArray Answers::one(const char *name, const char *value)
     return envelope({{QString::fromLatin1(name), QString::fromUtf8(value)}});
 }
 
-QByteArray Answers::credentials()
+QByteArray Answers::credentials(const QString &endpoint)
 {
     return envelope({{QStringLiteral("AccessKeyId"), QStringLiteral("a")},
                      {QStringLiteral("AccessKeySecret"), QStringLiteral("b")},
-                     {QStringLiteral("endpoint"), storage()},
+                     {QStringLiteral("endpoint"), endpoint.isNull() ? storage() : endpoint},
                      {QStringLiteral("bucketName"), QStringLiteral("speech")},
                      {QStringLiteral("dir"), QStringLiteral("uploads/x")},
                      {QStringLiteral("SecurityToken"), QStringLiteral("top secret")},
@@ -55,10 +55,11 @@ QByteArray Answers::task() { return one("task_id", "t"); }
 
 QByteArray Answers::status(const char *status) { return envelope(taskObject(status)); }
 
-QByteArray Answers::finishedSpeech()
+QByteArray Answers::finishedSpeech(const QString &address)
 {
     QJsonObject data = taskObject("SUCCESS");
-    data.insert(QStringLiteral("audio_address"), storage() + QStringLiteral("/a.wav"));
+    data.insert(QStringLiteral("audio_address"),
+                address.isNull() ? storage() + QStringLiteral("/a.wav") : address);
     return envelope(data);
 }
 

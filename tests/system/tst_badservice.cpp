@@ -60,6 +60,123 @@ private Q_SLOTS:
         onlyTheOlderFileIsThere();
     }
 
+    void anAddressOfTheServicesThatIsNotHttpsIsNotUsed_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QList<QByteArray>>("answers");
+        QTest::addColumn<QByteArray>("problem");
+        const QStringList say = arguments("say hello -o speech.wav --token 1 --long");
+        const QStringList recognize = arguments("recognize speech.wav --token 1");
+        const QByteArray noAudio = "the service sent no usable address of the audio";
+        const QByteArray noStorage = "the service sent no usable address for the recording";
+        const QString file = QStringLiteral(TEST_AUTHORITY); // any that is there
+        for (const QString &address :
+             {QLatin1String("file://") + file, QLatin1String("FILE://") + file,
+              QLatin1String("File:") + file, QLatin1String(" file://") + file,
+              QLatin1String("\t\nfile://") + file, QLatin1String("%20file://") + file, file,
+              QLatin1String("//localhost") + file, QStringLiteral("qrc:/a.wav"),
+              QStringLiteral("data:audio/wav,OggS1234"), QStringLiteral("ftp://localhost/a.wav"),
+              QStringLiteral("http://localhost/a.wav"), QStringLiteral("HTTP://localhost/a.wav"),
+              QStringLiteral("https:///a.wav"), QStringLiteral("https:a.wav"),
+              QStringLiteral("http:\\\\localhost\\a.wav"), QStringLiteral("a.wav"),
+              QStringLiteral(" "), QStringLiteral("")}) {
+            QTest::addRow("audio at %s", qPrintable(address))
+                << say << QList<QByteArray>{Answers::task(), Answers::finishedSpeech(address)}
+                << noAudio;
+            QTest::addRow("storage at %s", qPrintable(address))
+                << recognize << QList<QByteArray>{Answers::credentials(address)} << noStorage;
+        }
+    }
+    void anAddressOfTheServicesThatIsNotHttpsIsNotUsed()
+    {
+        QFETCH(const QStringList, command);
+        QFETCH(const QList<QByteArray>, answers);
+        QFETCH(const QByteArray, problem);
+        for (const QByteArray &answer : answers)
+            m_server.answer(answer);
+        const Outcome outcome = run(command);
+        QCOMPARE(outcome.err, "vospeak: " + problem + '\n');
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(m_server.requests().size(), answers.size());
+        onlyTheOlderFileIsThere();
+    }
+
+    void theSchemeOfAnAddressMayBeInCapitals()
+    {
+        const QString address =
+            QStringLiteral("HTTPS") + QStringLiteral(SERVICE_BASE_ADDRESS "/a.wav").mid(5);
+        m_server.answer(Answers::task());
+        m_server.answer(Answers::finishedSpeech(address));
+        m_server.answer(ScriptedServer::reply("OggS1234"));
+        const Outcome outcome = run(arguments("say hello -o speech.wav --token 1 --long"));
+        QCOMPARE(outcome.err, QByteArray());
+        QCOMPARE(TestFolder::contents(QStringLiteral("speech.wav")), QByteArray("OggS1234"));
+    }
+
+    void aShortFileOfAnotherKindIsNotCutShort_data()
+    {
+        QTest::addColumn<QByteArray>("audio");
+        QTest::addColumn<bool>("isCutShort");
+        for (const char *audio : {"x", "OggS", "OggS123", "RIFX", "RIx", "riff"})
+            QTest::newRow(audio) << QByteArray(audio) << false;
+        for (const char *audio : {"", "R", "RIF", "RIFF", "RIFF\1\1\1"})
+            QTest::addRow("\"%s\"", audio) << QByteArray(audio) << true;
+    }
+    void aShortFileOfAnotherKindIsNotCutShort()
+    {
+        QFETCH(const QByteArray, audio);
+        QFETCH(const bool, isCutShort);
+        m_server.answer(Answers::task());
+        m_server.answer(Answers::finishedSpeech());
+        m_server.answer(ScriptedServer::reply(audio));
+        const Outcome outcome = run(arguments("say hello -o speech.wav --token 1 --long"));
+        QCOMPARE(outcome.status, isCutShort ? 1 : 0);
+        QCOMPARE(TestFolder::contents(QStringLiteral("speech.wav")),
+                 isCutShort ? QByteArray("older") : audio);
+    }
+
+    void whyTheServiceCouldNotBeReachedIsTold_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        for (const char *command :
+             {"say hello -o speech.wav --token 1", "say hello -o speech.wav --token 1 --long",
+              "say hello -o speech.wav --anonymous", "recognize speech.wav --token 1",
+              "recognize https://a/b.wav --token 1", "recognize https://a/b.wav --token 1 --long",
+              "voices", "music", "update", "login --qr", "login --sms 1"})
+            QTest::newRow(command) << arguments(command);
+    }
+    void whyTheServiceCouldNotBeReachedIsTold()
+    {
+        QFETCH(const QStringList, command);
+        const QByteArray problem =
+            "vospeak: the service could not be reached: TLS: not trusted, or "
+            "not spoken (--ca adds an authority to trust)\n";
+        const Outcome outcome = vospeak(command);
+        QCOMPARE(outcome.err, problem);
+        QCOMPARE(outcome.out, QByteArray());
+        QCOMPARE(outcome.status, 1);
+        QVERIFY(vospeak(command + arguments("--verbose")).err.endsWith(problem));
+        QCOMPARE(m_server.requests(), QList<QByteArray>());
+    }
+
+    void aServiceThatAnswersIsNotCalledOutOfReach_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::newRow("refusal") << Answers::refusal(5, "Connection refused");
+        QTest::newRow("no JSON") << ScriptedServer::reply("<html>");
+        for (const char *status : {"401 Unauthorized", "404 Not Found", "503 Busy"})
+            QTest::newRow(status) << ScriptedServer::reply("", status);
+    }
+    void aServiceThatAnswersIsNotCalledOutOfReach()
+    {
+        QFETCH(const QByteArray, answer);
+        m_server.answer(answer);
+        const Outcome outcome = run(arguments("say hello -o speech.wav --token 1"));
+        QCOMPARE(outcome.err, QByteArray("vospeak: the service refused or sent no usable answer "
+                                         "(run with --verbose to see why)\n"));
+        QCOMPARE(outcome.status, 1);
+    }
+
     void theStoragesOwnWordsAreShown()
     {
         m_server.answer(Answers::credentials());
