@@ -1,5 +1,6 @@
 #include "qrsignin.h"
 
+#include "codepicture.h"
 #include "console.h"
 #include "network/vonetworkintf.h"
 #include "privatefiles.h"
@@ -78,9 +79,9 @@ void QrSignIn::onCode(LoginQrCode *code)
         giveUp(refusedByService());
         return;
     }
-    const QImage image(code->qrImagePath, "PNG");
+    const QImage image = CodePicture::read(code->qrImagePath);
     if (image.isNull()) {
-        giveUp(QStringLiteral("the service sent no picture of the code"));
+        giveUp(QStringLiteral("no usable picture of the code came or could be written"));
         return;
     }
     if (const auto modules = QrCode::read(image))

@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {

@@ -10,11 +10,14 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QtEndian>
 #include <QtTest>
 
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <limits>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -50,6 +53,46 @@ QByteArray codePicture()
         }
     }
     return png(image);
+}
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr qint64 mostMemory = std::numeric_limits<qint64>::max(); // the sanitiser takes its own
+#else
+constexpr qint64 mostMemory = 150000000; // bytes
+#endif
+
+quint32 checksum(const QByteArray &bytes)
+{
+    quint32 sum = 0xffffffff;
+    for (const char byte : bytes) {
+        sum ^= uchar(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            sum = (sum >> 1) ^ ((sum & 1) != 0 ? 0xedb88320 : 0);
+    }
+    return ~sum;
+}
+
+QByteArray number(quint32 value)
+{
+    QByteArray bytes(4, '\0');
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+// A text of 7 million letters, which take a few thousand bytes of a PNG file.
+QByteArray packedText()
+{
+    const QByteArray body =
+        QByteArray("zTXtkey\0\0", 9) + qCompress(QByteArray(7000000, 'a')).mid(4);
+    return number(quint32(body.size() - 4)) + body + number(checksum(body));
+}
+
+// What the largest program so far that has ended, of those that were started here, had in memory.
+qint64 largestProgram()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return usage.ru_maxrss * 1024;
 }
 
 // As the picture should look on the terminal: 29 by 29 modules, two in a character.
@@ -231,6 +274,35 @@ private Q_SLOTS:
         QFile picture(m_home->picture());
         QVERIFY(picture.open(QIODevice::ReadOnly));
         QCOMPARE(picture.readAll(), codePicture());
+    }
+
+    void aPictureThatUnpacksToFarMoreIsNotUnpacked_data()
+    {
+        QTest::addColumn<QByteArray>("picture");
+        QTest::addColumn<bool>("isShown");
+        const int afterTheHead = 33; // the signature and the first chunk
+        QTest::newRow("texts") << codePicture().insert(afterTheHead, packedText().repeated(16))
+                               << true;
+        QImage large(20000, 20000, QImage::Format_Mono);
+        large.fill(1);
+        QTest::newRow("pixels") << png(large) << false;
+        QTest::newRow("a long file") << codePicture() + QByteArray(2000000, 'x') << false;
+    }
+    void aPictureThatUnpacksToFarMoreIsNotUnpacked()
+    {
+        QFETCH(const QByteArray, picture);
+        QFETCH(const bool, isShown);
+        m_server.answer(code(in(60)));
+        m_server.answer(ScriptedServer::reply(picture));
+        m_server.answer(confirmed(user(in(3600), in(7200))));
+        const Outcome outcome = run(arguments("login --qr"));
+        QCOMPARE(outcome.status, isShown ? 0 : 1);
+        if (!isShown)
+            QCOMPARE(
+                outcome.err,
+                QByteArray("vospeak: no usable picture of the code came or could be written\n"));
+        const qint64 most = largestProgram();
+        QVERIFY2(most < mostMemory, QByteArray::number(most).constData());
     }
 
     void onATerminalTheCodeIsBlackOnWhite()
@@ -630,8 +702,8 @@ private:
     {
         const char *command = "login --qr";
         const char *refused =
-            "the service refused or could not be reached (run with --verbose to see why)";
-        const char *noPicture = "the service sent no picture of the code";
+            "the service refused or sent no usable answer (run with --verbose to see why)";
+        const char *noPicture = "no usable picture of the code came or could be written";
         const char *expired = "the code has expired";
         const QByteArray picture = ScriptedServer::reply(codePicture());
         row("no scannable code", command, {Answers::refusal(5, "no")}, refused);

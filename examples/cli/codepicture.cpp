@@ -1,0 +1,53 @@
+#include "codepicture.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QFile>
+#include <QImage>
+#include <QImageReader>
+#include <QSize>
+#include <QString>
+#include <QtEndian>
+
+namespace {
+
+constexpr qint64 longestFile = 1048576; // bytes; a code has a few thousand
+constexpr int largestSide = 2048;       // pixels; a code has 185 modules at most, margin included
+
+constexpr int signatureSize = 8;
+constexpr int frameSize = 12; // of a chunk: its length, its type and a sum
+constexpr int typeSize = 4;
+
+// Those in capitals, and the transparency. The others are small when packed and may unpack to a
+// thousand times that, which the decoder does as soon as it is asked for the size.
+bool makesPixels(const QByteArray &type) { return type == type.toUpper() || type == "tRNS"; }
+
+QByteArray pixelsOnly(const QByteArray &png)
+{
+    QByteArray kept = png.left(signatureSize);
+    int place = signatureSize;
+    while (png.size() - place >= frameSize) {
+        const auto length = qFromBigEndian<quint32>(png.constData() + place);
+        if (length > quint32(png.size() - place - frameSize))
+            break;
+        const int size = int(length) + frameSize;
+        if (makesPixels(png.mid(place + typeSize, typeSize)))
+            kept += png.mid(place, size);
+        place += size;
+    }
+    return kept;
+}
+
+} // namespace
+
+QImage CodePicture::read(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > longestFile)
+        return {};
+    QByteArray bytes = pixelsOnly(file.readAll());
+    QBuffer buffer(&bytes);
+    QImageReader reader(&buffer, "PNG");
+    const QSize size = reader.size();
+    return size.width() > largestSide || size.height() > largestSide ? QImage() : reader.read();
+}
