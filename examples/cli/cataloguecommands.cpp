@@ -1,6 +1,7 @@
 #include "cataloguecommands.h"
 
 #include "console.h"
+#include "failurereason.h"
 #include "network/vonetworkintf.h"
 #include "table.h"
 
@@ -92,7 +93,8 @@ QJsonObject updateDocument(const UpdateInfo &info)
 // The service object does not say which.
 QString refusedOrNone()
 {
-    return QStringLiteral("the service refused or has none (run with --verbose to see why)");
+    return FailureReason::orElse(
+        QStringLiteral("the service refused or has none (run with --verbose to see why)"));
 }
 
 } // namespace

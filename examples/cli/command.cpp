@@ -2,6 +2,7 @@
 
 #include "cataloguecommands.h"
 #include "console.h"
+#include "failurereason.h"
 #include "fetch.h"
 #include "options.h"
 #include "progress.h"
@@ -21,10 +22,10 @@ QString lineOf(const QJsonObject &document)
     QString line;
     const QString json = QString::fromUtf8(QJsonDocument(document).toJson(QJsonDocument::Compact));
     for (const QChar character : json) {
-        if (character >= QChar(0x7f) && character <= QChar(0x9f))
-            line += QStringLiteral("\\u00%1").arg(character.unicode(), 0, 16);
-        else
+        if (Console::isPlain(character))
             line += character;
+        else
+            line += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
     }
     return line + QLatin1Char('\n');
 }
@@ -62,8 +63,8 @@ std::unique_ptr<Command> Command::make(const Options &options, const Tools &tool
 
 QString Command::refusedByService()
 {
-    return QStringLiteral(
-        "the service refused or could not be reached (run with --verbose to see why)");
+    return FailureReason::orElse(QStringLiteral(
+        "the service refused or sent no usable answer (run with --verbose to see why)"));
 }
 
 Command::Command(const Options &options, const Tools &tools)
@@ -86,5 +87,5 @@ void Command::finish(const QString &text, const QJsonObject &document)
     if (Console::print(m_json ? lineOf(document) : text))
         Q_EMIT succeeded();
     else
-        Q_EMIT failed(QStringLiteral("the result could not be written to standard output"));
+        Q_EMIT failed(Console::printingFailed());
 }

@@ -21,7 +21,7 @@ public:
     /// The command that @p options ask for.
     static std::unique_ptr<Command> make(const Options &options, const Tools &tools);
 
-    /// What can be said when the service object reports a failure: it gives no reason.
+    /// What can be said when the service object reports a failure.
     static QString refusedByService();
 
     Command(const Options &options, const Tools &tools);

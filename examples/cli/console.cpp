@@ -1,8 +1,10 @@
 #include "console.h"
 
+#include "failurereason.h"
 #include "terminal.h"
 
 #include <QByteArray>
+#include <QLoggingCategory>
 #include <QString>
 #include <QtGlobal>
 
@@ -12,17 +14,26 @@
 #include <fcntl.h>
 #include <io.h>
 #include <qt_windows.h>
+#else
+#include <cerrno>
+#include <poll.h>
+#include <unistd.h>
 #endif
 
 namespace {
 
 QtMessageHandler defaultHandler = nullptr;
+bool showsAll = false;
 
-void passOnWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
+void onMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (type != QtDebugMsg && type != QtInfoMsg)
+    if (type == QtDebugMsg)
+        FailureReason::readLog(message);
+    if (showsAll || (type != QtDebugMsg && type != QtInfoMsg))
         defaultHandler(type, context, message);
 }
+
+#ifdef Q_OS_WIN
 
 bool write(const QString &text, std::FILE *stream)
 {
@@ -31,19 +42,29 @@ bool write(const QString &text, std::FILE *stream)
     return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
 }
 
-bool isPlain(QChar character)
+#else
+
+// A pipe that is full takes no more at once when another program that has it made it non-blocking;
+// stdio would drop the rest.
+bool write(const QString &text, std::FILE *stream)
 {
-    switch (character.category()) {
-    case QChar::Other_Control:
-    case QChar::Separator_Line:
-    case QChar::Separator_Paragraph:
-        return false;
-    case QChar::Other_Format: // two of them shape words
-        return character == QChar(0x200c) || character == QChar(0x200d);
-    default:
-        return true;
+    const int descriptor = fileno(stream);
+    QByteArray bytes = text.toUtf8();
+    while (!bytes.isEmpty()) {
+        const ssize_t written = ::write(descriptor, bytes.constData(), size_t(bytes.size()));
+        if (written >= 0) {
+            bytes.remove(0, int(written));
+        } else if (errno == EAGAIN) {
+            pollfd room = {descriptor, POLLOUT, 0};
+            poll(&room, 1, -1);
+        } else if (errno != EINTR) {
+            return false;
+        }
     }
+    return true;
 }
+
+#endif
 
 } // namespace
 
@@ -64,6 +85,11 @@ void Console::setUpStreams() {}
 
 bool Console::print(const QString &text) { return write(text, stdout); }
 
+QString Console::printingFailed()
+{
+    return QStringLiteral("the result could not be written to standard output");
+}
+
 void Console::show(const QString &text) { write(text, stderr); }
 
 // The line break that a user types ends the line; elsewhere nobody types.
@@ -77,6 +103,20 @@ void Console::complain(const QString &problem)
     show(QStringLiteral("vospeak: %1\n").arg(onOneLine(problem)));
 }
 
+bool Console::isPlain(QChar character)
+{
+    switch (character.category()) {
+    case QChar::Other_Control:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    case QChar::Other_Format: // two of them shape words
+        return character == QChar(0x200c) || character == QChar(0x200d);
+    default:
+        return true;
+    }
+}
+
 QString Console::onOneLine(QString text)
 {
     for (QChar &character : text) {
@@ -88,8 +128,10 @@ QString Console::onOneLine(QString text)
 
 void Console::setUpLog(bool verbose)
 {
-    if (!verbose)
-        defaultHandler = qInstallMessageHandler(passOnWarnings);
+    showsAll = verbose;
+    // Whatever QT_LOGGING_RULES says: the reasons are in there.
+    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
+    defaultHandler = qInstallMessageHandler(onMessage);
 }
 
 void Console::endLog()

@@ -1,5 +1,6 @@
 #pragma once
 
+class QChar;
 class QString;
 
 /// The streams between the program and its user.
@@ -13,6 +14,9 @@ void setUpStreams();
 /// file. False when it did not get there.
 bool print(const QString &text);
 
+/// The line for the user after that.
+QString printingFailed();
+
 /// Writes @p text to standard error, in UTF-8 as well.
 void show(const QString &text);
 
@@ -22,12 +26,14 @@ void ask(const QString &question);
 /// Writes one line to standard error, in UTF-8 as well.
 void complain(const QString &problem);
 
-/// @p text without anything that moves the cursor or turns the direction of writing, whatever it
-/// consists of.
+/// Whether @p character neither moves the cursor nor turns the direction of writing.
+bool isPlain(QChar character);
+
+/// @p text with blanks in place of what is not plain.
 QString onOneLine(QString text);
 
 /// Keeps the log away from standard error except for warnings and worse; with @p verbose all of it
-/// goes there.
+/// goes there. Either way the reasons of failures are read in it.
 void setUpLog(bool verbose);
 
 /// Nothing is logged from here on. When the application goes, threads of Qt's may still be at work

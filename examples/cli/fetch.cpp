@@ -1,5 +1,6 @@
 #include "fetch.h"
 
+#include "failurereason.h"
 #include "options.h"
 #include "progress.h"
 
@@ -183,7 +184,7 @@ void Fetch::onError(const QByteArray &text)
     else if (reply->error() == QNetworkReply::NoError)
         tell(QStringLiteral("the connection ended too early")); // seen by the library only
     else
-        tell(QString::fromLocal8Bit(text));
+        tell(FailureReason::inWords(QString::fromLocal8Bit(text)));
 }
 
 void Fetch::complete()

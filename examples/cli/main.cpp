@@ -81,8 +81,8 @@ int main(int argc, char *argv[])
     const CommandLine commandLine(QCoreApplication::arguments());
     if (!commandLine.problem().isEmpty())
         return refuse(commandLine.problem(), WrongUse);
-    if (!commandLine.information().isEmpty())
-        return Console::print(commandLine.information()) ? Success : Failure;
+    if (const QString information = commandLine.information(); !information.isEmpty())
+        return Console::print(information) ? Success : refuse(Console::printingFailed(), Failure);
 
     const Options &options = commandLine.options();
     Console::setUpLog(options.verbose);

@@ -1,6 +1,7 @@
 #include "smssignin.h"
 
 #include "console.h"
+#include "failurereason.h"
 #include "network/vonetworkintf.h"
 #include "options.h"
 
@@ -18,6 +19,10 @@ void SmsSignIn::signIn() { service()->SendSmsVerifyCode(m_phone); }
 // The service object does not say whether a code was sent.
 void SmsSignIn::askForCode()
 {
+    if (const QString problem = FailureReason::orElse({}); !problem.isEmpty()) {
+        Q_EMIT failed(problem);
+        return;
+    }
     Console::ask(QStringLiteral("If the service sent a code to %1, enter it:").arg(m_phone));
     m_reader.start();
 }

@@ -1,9 +1,10 @@
 #include "speechcommands.h"
 
+#include "failurereason.h"
 #include "options.h"
 #include "progress.h"
-#include "tokenkeeper.h"
 #include "serveraddress.h"
+#include "tokenkeeper.h"
 #include "wavfile.h"
 
 #include <QByteArray>
@@ -99,16 +100,16 @@ void LongSpeech::start()
 
 void LongSpeech::fetch(const QString &address)
 {
-    progress()->show(QStringLiteral("fetching the audio"));
     if (!ServerAddress::isUsable(address)) {
         Q_EMIT failed(QStringLiteral("the service sent no usable address of the audio"));
         return;
     }
+    progress()->show(QStringLiteral("fetching the audio"));
     if (output().take([this, &address](const QString &path) { return fetchInto(address, path); }))
         finishWithFile();
     else
-        Q_EMIT failed(QStringLiteral("the audio could not be fetched or written "
-                                     "(run with --verbose to see why)"));
+        Q_EMIT failed(FailureReason::orElse(QStringLiteral(
+            "the audio could not be fetched or written (run with --verbose to see why)")));
 }
 
 // The service object does not notice when a disk fills up while it writes.

@@ -1,5 +1,6 @@
 #include "tokenkeeper.h"
 
+#include "failurereason.h"
 #include "network/vonetworkintf.h"
 #include "options.h"
 #include "sessionfile.h"
@@ -68,7 +69,8 @@ void TokenKeeper::give(const Use &use)
 void TokenKeeper::onRenewed(qlonglong token, const QDateTime &expiry)
 {
     if (token <= 0 || !expiry.isValid()) {
-        Q_EMIT refused(QStringLiteral("the session could not be renewed; %1").arg(signInAgain()));
+        Q_EMIT refused(FailureReason::orElse(
+            QStringLiteral("the session could not be renewed; %1").arg(signInAgain())));
         return;
     }
     m_session.token = token;

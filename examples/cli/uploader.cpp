@@ -1,11 +1,12 @@
 #include "uploader.h"
 
 #include "command.h"
+#include "failurereason.h"
 #include "http/httprequest.h"
 #include "network/vonetworkintf.h"
 #include "progress.h"
-
 #include "serveraddress.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -61,11 +62,11 @@ void Uploader::onCredentials(OSS_SIGN_INFO *credentials)
 void Uploader::put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes)
 {
     m_address = newAddress(credentials);
-    const HttpResponse *response =
     if (!ServerAddress::isUsable(m_address)) {
         Q_EMIT failed(QStringLiteral("the service sent no usable address for the recording"));
         return;
     }
+    const HttpResponse *response =
         HttpRequest(HttpMethod::Put, &m_client)
             .url(m_address)
             .headers({{QStringLiteral("x-security-token"), credentials.SecurityToken},
@@ -93,7 +94,7 @@ void Uploader::onReply(const QByteArray &reply)
 void Uploader::onError(const QByteArray &text)
 {
     Q_EMIT failed(QStringLiteral("the recording could not be uploaded: %1")
-                      .arg(QString::fromLocal8Bit(text)));
+                      .arg(FailureReason::inWords(QString::fromLocal8Bit(text))));
 }
 
 void Uploader::showSent(qint64 sent, qint64 total)

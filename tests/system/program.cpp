@@ -5,10 +5,11 @@
 
 #include <csignal>
 
-Program::Program(const QStringList &arguments, const QString &errFile)
+Program::Program(const QStringList &arguments, const QString &errFile, const QString &outFile)
 {
     m_process.setStandardErrorFile(errFile);
-    m_process.start(QStringLiteral(VOSPEAK), arguments);
+    m_process.setStandardOutputFile(outFile);
+    m_process.start(path(), arguments);
     m_process.waitForStarted();
 }
 
@@ -30,6 +31,8 @@ Outcome Program::outcome(int timeoutMs)
         m_process.state() == QProcess::NotRunning && m_process.exitStatus() == QProcess::NormalExit;
     return {ended ? m_process.exitCode() : -1, m_process.readAllStandardOutput(), err()};
 }
+
+QString Program::path() { return QStringLiteral(VOSPEAK); }
 
 void Program::signal(int number) const
 {

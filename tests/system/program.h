@@ -19,14 +19,19 @@ class Program
     Q_DISABLE_COPY(Program)
 
 public:
-    /// Starts vospeak. Its standard error goes to the file @p errFile if one is given.
-    explicit Program(const QStringList &arguments, const QString &errFile = QString());
+    /// Starts vospeak. Its standard error goes to the file @p errFile if one is given, its standard
+    /// output to @p outFile.
+    explicit Program(const QStringList &arguments, const QString &errFile = QString(),
+                     const QString &outFile = QString());
     ~Program();
 
     /// Waits in an event loop for the end.
     Outcome outcome(int timeoutMs = 120000);
 
     void signal(int number) const;
+
+    /// The file that is run.
+    static QString path();
 
     /// Writes @p text to its standard input.
     void type(const QByteArray &text);

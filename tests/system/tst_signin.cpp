@@ -687,7 +687,7 @@ private:
     {
         const char *command = "login --sms 1";
         const char *refused =
-            "the service refused or could not be reached (run with --verbose to see why)";
+            "the service refused or sent no usable answer (run with --verbose to see why)";
         const char *unusable = "the service sent no usable session";
         row("message and code refused", command,
             {Answers::refusal(429, "no"), Answers::refusal(401, "no")}, refused);

@@ -1,0 +1,83 @@
+#include "failurereason.h"
+
+#include <QRegularExpression>
+#include <QString>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+constexpr char unknownToProxy[] =
+    "the proxy wants a user and a password that it knows (see --proxy)";
+
+// Qt's texts are in English: no translation is loaded. It has one for every kind of TLS failure.
+constexpr struct
+{
+    const char *text; // of an error; null: the name alone
+    const char *name; // of the same error, as the log of a fetched file has it
+    const char *words;
+} reasons[] = {
+    {"SSL handshake failed", "SslHandshakeFailedError",
+     "TLS: not trusted, or not spoken (--ca adds an authority to trust)"},
+    {"Proxy requires authentication", "ProxyAuthenticationRequiredError", unknownToProxy},
+    {nullptr, "ConnectionRefusedError", "Connection refused"},
+    {nullptr, "HostNotFoundError", "the host was not found"},
+    {nullptr, "RemoteHostClosedError", "Connection closed"},
+    {nullptr, "TimeoutError", "it took too long"},
+};
+
+// Part of a text when the server did answer.
+constexpr const char *answers[] = {"server replied:", "Host requires authentication"};
+
+QString &last()
+{
+    static QString reason;
+    return reason;
+}
+
+QString textIn(const QString &text)
+{
+    const auto *answer =
+        std::find_if(std::begin(answers), std::end(answers),
+                     [&text](const char *part) { return text.contains(QLatin1String(part)); });
+    return answer == std::end(answers) ? FailureReason::inWords(text) : QString();
+}
+
+QString named(const QString &name)
+{
+    for (const auto &reason : reasons) {
+        if (name == QLatin1String(reason.name))
+            return QLatin1String(reason.words);
+    }
+    return {};
+}
+
+} // namespace
+
+// Operations log the text in quotation marks, files that are fetched the error's name.
+void FailureReason::readLog(const QString &message)
+{
+    static const QRegularExpression failure(
+        QStringLiteral(R"x(^\[error\] VoNetworker::\w+ (?:"(.+)"|(\w+))\s*$)x"));
+    const QRegularExpressionMatch match = failure.match(message);
+    if (match.hasMatch())
+        last() = match.capturedLength(1) > 0 ? textIn(match.captured(1)) : named(match.captured(2));
+}
+
+QString FailureReason::orElse(const QString &otherwise)
+{
+    return last().isEmpty() ? otherwise
+                            : QStringLiteral("the service could not be reached: %1").arg(last());
+}
+
+QString FailureReason::inWords(const QString &errorText)
+{
+    for (const auto &reason : reasons) {
+        if (reason.text && errorText == QLatin1String(reason.text))
+            return QLatin1String(reason.words);
+    }
+    return errorText;
+}
+
+QString FailureReason::proxyWantsUser() { return QLatin1String(unknownToProxy); }
