@@ -1,5 +1,7 @@
 #include "commandline.h"
 
+#include "console.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QUrl>
@@ -120,15 +122,13 @@ QCommandLineOption parserOption(const OptionWord &word)
     return {names, meaning, QLatin1String(word.value), standard};
 }
 
-bool isControl(QChar character) { return character.category() == QChar::Other_Control; }
-
 // Only a plain name: what an address says does not choose the folder.
 QString nameIn(const QUrl &address)
 {
     const QString name = address.fileName(QUrl::FullyDecoded);
     const bool isPlain = QFileInfo(name).fileName() == name && name != QLatin1String(".")
                          && name != QLatin1String("..")
-                         && std::none_of(name.begin(), name.end(), isControl);
+                         && std::all_of(name.begin(), name.end(), Console::isPlain);
     return isPlain ? name : QString();
 }
 

@@ -19,10 +19,10 @@
 
 namespace {
 
-QString downloadProblem(const OutputFile &file)
+QString downloadProblem(const OutputFile &file, bool resume)
 {
     const QString problem = file.problem();
-    return problem.isEmpty() ? OutputFile(file.partPath()).problem() : problem;
+    return problem.isEmpty() ? file.partProblem(resume) : problem;
 }
 
 // Found out before the service is asked for anything.
@@ -31,7 +31,7 @@ QString fileProblem(const Options &options)
     if (options.action == Options::Action::Say)
         return OutputFile(options.output).problem();
     if (options.action == Options::Action::Fetch)
-        return downloadProblem(OutputFile(options.output));
+        return downloadProblem(OutputFile(options.output), options.resume);
     if (options.action == Options::Action::Recognize && !InputFile::isAddress(options.recording))
         return InputFile::problem(options.recording);
     return {};

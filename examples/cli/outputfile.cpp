@@ -37,6 +37,14 @@ QString resolved(const QString &path)
     return target.isEmpty() ? path : target;
 }
 
+// What is written into a file with two names changes both.
+bool leadsElsewhere(const QString &path)
+{
+    std::error_code error;
+    const auto names = std::filesystem::hard_link_count(nativePath(path), error);
+    return QFileInfo(path).isSymLink() || (!error && names > 1);
+}
+
 } // namespace
 
 OutputFile::OutputFile(const QString &path)
@@ -62,6 +70,13 @@ QString OutputFile::problem() const
 QString OutputFile::write(const QByteArray &bytes) const { return WholeFile::write(m_path, bytes); }
 
 QString OutputFile::partPath() const { return m_path + QLatin1String(".part"); }
+
+QString OutputFile::partProblem(bool resume) const
+{
+    if (resume && leadsElsewhere(partPath()))
+        return QStringLiteral("\"%1\" is a link and cannot be gone on with").arg(partPath());
+    return OutputFile(partPath()).problem();
+}
 
 bool OutputFile::replaceBy(const QString &path) const { return renameOver(path, m_path); }
 

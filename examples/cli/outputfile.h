@@ -23,6 +23,10 @@ public:
     /// Where an unfinished output can be kept: beside the file, links followed.
     QString partPath() const;
 
+    /// Why no output can be kept there or, with @p resume, what is there cannot be gone on with, as
+    /// far as can be told beforehand; empty: it can.
+    QString partProblem(bool resume) const;
+
     /// Takes the file @p path, in the same folder, for the output. False when that failed.
     bool replaceBy(const QString &path) const;
 

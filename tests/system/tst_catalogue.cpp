@@ -157,12 +157,15 @@ private Q_SLOTS:
 
     void jsonEscapesWhatATerminalObeys()
     {
-        m_server.answer(update(1, QStringLiteral("~\x7f\u0080\u009b31m\u009f\u00a0\x1b")));
+        m_server.answer(update(
+            1, QStringLiteral("~\x7f\u0080\u009b31m\u009f\u00a0\u202e\u2066\u2028\u200d\x1b")));
         const Outcome outcome = run(arguments("update --json"));
         QCOMPARE(outcome.out,
                  json("{'changes':['More voices','Faster'],'currentVersion':'" + thisVersion()
                       + "','status':1,'url':'https://a.example/9.1',"
-                        "'version':'~\\u007f\\u0080\\u009b31m\\u009f\xc2\xa0\\u001b'}\n"));
+                        "'version':'~"
+                        "\\u007f\\u0080\\u009b31m\\u009f\xc2\xa0\\u202e\\u2066\\u2028\xe2\x80\x8d\\"
+                        "u001b'}\n"));
     }
 
     void jsonIsOneDocumentOnOneLine_data()

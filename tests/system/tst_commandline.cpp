@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 /// What is decided before the service is asked. None is running here.
@@ -24,6 +25,10 @@ private Q_SLOTS:
         write("nonsense.pem", "-----BEGIN CERTIFICATE-----\nnonsense\n");
         QVERIFY(QDir().mkdir(QStringLiteral("folder")));
         QVERIFY(QDir().mkdir(QStringLiteral("blocked.part")));
+        QVERIFY(QFile::link(QStringLiteral("some.wav"), QStringLiteral("linked.part")));
+        QVERIFY(QFile::link(QStringLiteral("nowhere"), QStringLiteral("dangling.part")));
+        QCOMPARE(::link("some.wav", "shared.part"), 0);
+        QCOMPARE(mkfifo("piped.part", 0600), 0);
     }
 
     void wrongUseIsToldInOneLine_data()
@@ -125,11 +130,6 @@ private Q_SLOTS:
     }
 
     void verboseShowsWhyAnOperationFailed()
-    {
-        const Outcome outcome = vospeak(arguments("say hello -o a.wav --token 1 --verbose"));
-        QCOMPARE(outcome.status, 1);
-        QVERIFY2(outcome.err.contains("refused"), outcome.err.constData());
-        QVERIFY2(outcome.err.count('\n') > 1, outcome.err.constData());
     void theReasonIsKnownWhateverTheEnvironmentSaysAboutLogs()
     {
         qputenv("QT_LOGGING_RULES", "*.debug=false");
@@ -139,6 +139,11 @@ private Q_SLOTS:
                  QByteArray("vospeak: the service could not be reached: Connection refused\n"));
     }
 
+    {
+        const Outcome outcome = vospeak(arguments("say hello -o a.wav --token 1 --verbose"));
+        QCOMPARE(outcome.status, 1);
+        QVERIFY2(outcome.err.contains("refused"), outcome.err.constData());
+        QVERIFY2(outcome.err.count('\n') > 1, outcome.err.constData());
     }
 
     void helpAndVersionGoToStandardOutput_data()
@@ -311,7 +316,14 @@ private:
         QTest::newRow("part is a folder") << arguments("fetch http://a/b -o blocked");
     }
 
+        QTest::newRow("direction override in the name") << arguments("fetch http://a/f%E2%80%AEv");
+        QTest::newRow("isolate in the name") << arguments("fetch http://a/f%E2%81%A6v");
+        QTest::newRow("line separator in the name") << arguments("fetch http://a/f%E2%80%A8v");
     // Options that belong to other commands.
+        for (const char *part : {"linked", "dangling", "shared", "piped", "blocked"})
+            QTest::addRow("part to go on with is %s", part)
+                << arguments("fetch http://a/b --resume -o") + arguments(part);
+        QTest::newRow("part is a pipe") << arguments("fetch http://a/b -o piped");
     static void strayRows()
     {
         const struct

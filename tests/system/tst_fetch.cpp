@@ -421,6 +421,38 @@ private Q_SLOTS:
                  QStringList{QStringLiteral("target")});
     }
 
+    void aPartThatIsALinkIsReplaced_data()
+    {
+        QTest::addColumn<bool>("isSymbolic");
+        QTest::newRow("symbolic") << true;
+        QTest::newRow("hard") << false;
+    }
+    void aPartThatIsALinkIsReplaced()
+    {
+        QFETCH(const bool, isSymbolic);
+        TestFolder::write(QStringLiteral("other"), "OTHER");
+        QCOMPARE(isSymbolic ? ::symlink("other", "file.part") : ::link("other", "file.part"), 0);
+        play({{letters()}});
+        verifyQuietSuccess(fetch(m_server.address(QStringLiteral("/f"))));
+        QCOMPARE(TestFolder::contents(file), QByteArray("abcdefghij"));
+        QCOMPARE(TestFolder::contents(QStringLiteral("other")), QByteArray("OTHER"));
+        QVERIFY(!QFileInfo(file).isSymLink());
+    }
+
+    void aPartThatIsALinkIsNotGoneOnWith()
+    {
+        TestFolder::write(QStringLiteral("other"), "OTHER");
+        QVERIFY(QFile::link(QStringLiteral("other"), part));
+        play({{letters()}, {letters()}, {restOf("fghij", "bytes 5-9/10")}});
+        const Outcome outcome =
+            fetch(m_server.address(QStringLiteral("/f")), QStringLiteral("--resume"));
+        QCOMPARE(outcome.err,
+                 QByteArray("vospeak: \"file.part\" is a link and cannot be gone on with\n"));
+        QCOMPARE(outcome.status, 2);
+        QCOMPARE(TestFolder::contents(QStringLiteral("other")), QByteArray("OTHER"));
+        QCOMPARE(m_server.requests(), QList<QByteArray>());
+    }
+
     void aServerIsTrustedOnlyWithItsAuthority()
     {
         const QString address = m_nginx.tlsAddress(QStringLiteral("/f"));
