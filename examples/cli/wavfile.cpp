@@ -18,10 +18,10 @@ bool WavFile::isCutShort(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return true;
     const QByteArray head = file.read(headSize);
+    if (!QByteArray("RIFF").startsWith(head.left(4)))
+        return false;
     if (head.size() < headSize)
         return true;
-    if (!head.startsWith("RIFF"))
-        return false;
     const auto announced = qFromLittleEndian<quint32>(head.constData() + 4);
     return announced != openLength && file.size() < headSize + qint64(announced);
 }
