@@ -23,6 +23,7 @@ const QLatin1String qrName("qr");
 const QLatin1String smsName("sms");
 const QLatin1String jsonName("json");
 const QLatin1String authorityName("ca");
+const QLatin1String proxyName("proxy");
 const QLatin1String tokenName("token");
 const QLatin1String verboseName("verbose");
 const QLatin1String helpName("help");
@@ -74,6 +75,9 @@ const struct OptionWord
     {smsName, nullptr, "number", Action::Login, "login: sends a code to this phone."},
     {jsonName, nullptr, nullptr, withResult, "Prints the result as one JSON document."},
     {authorityName, nullptr, "file", every, "Trusts the certificates in this PEM file as well."},
+    {proxyName, nullptr, "url", every,
+     "Asks through this proxy (http, socks5 or socks5h), whatever the environment says; \"\": "
+     "through none. A password in it can be read like --token."},
     {verboseName, nullptr, nullptr, every,
      "Shows what the library logs, texts, phone numbers and tokens included."},
 };
@@ -98,6 +102,9 @@ const QLatin1String description(
     "not. Without -o the file has the last name in the ADDRESS, which begins with https:// or\n"
     "http://. --resume goes on with FILE.part and takes it that the server still has the same\n"
     "file; where the server cannot go on, it begins anew.\n\n"
+    "A proxy is written http://[USER:PASSWORD@]HOST:PORT. Without --proxy the environment's\n"
+    "https_proxy, http_proxy, all_proxy and no_proxy choose one, as they do elsewhere. Addresses\n"
+    "of this machine are always asked directly.\n\n"
     "With --json standard output gets one object, in UTF-8 and ended by a line feed:\n"
     "  say        file, bytes\n"
     "  fetch      file, bytes\n"
@@ -182,6 +189,8 @@ void CommandLine::read(const QStringList &arguments)
         m_options.json = m_parser.isSet(jsonName);
         m_options.verbose = m_parser.isSet(verboseName);
         m_options.authority = m_parser.value(authorityName);
+        if (m_parser.isSet(proxyName))
+            m_options.proxy = m_parser.value(proxyName);
         refuseStrayOptions();
         readToken();
         if (m_options.action == Action::Say)

@@ -13,6 +13,7 @@ constexpr qint64 smallBuffer = 4096; // bytes; nobody reads what the first quest
 constexpr qint64 noBound = 0;
 constexpr qint64 usualBound = -1;
 constexpr int partOfIt = 206;
+constexpr int proxyWantsUser = 407;
 
 const QNetworkReply *replyTo(const HttpResponse *response)
 {
@@ -50,6 +51,8 @@ bool isRestFrom(qint64 first, qint64 length, const QNetworkReply *reply)
 
 QString refusalIn(const QNetworkReply *reply)
 {
+    if (statusOf(reply) == proxyWantsUser)
+        return FailureReason::proxyWantsUser();
     const QString reason = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
     return QStringLiteral("the server answered %1 %2").arg(statusOf(reply)).arg(reason).trimmed();
 }

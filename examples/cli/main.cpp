@@ -9,6 +9,7 @@
 #include "network/vonetworkintf.h"
 #include "outputfile.h"
 #include "progress.h"
+#include "proxies.h"
 #include "tokenkeeper.h"
 #include "trust.h"
 
@@ -92,7 +93,8 @@ int main(int argc, char *argv[])
         if (const QString problem = Trust::add(options.authority); !problem.isEmpty())
             return refuse(problem, WrongUse);
     }
-
+    if (const QString problem = Proxies::use(options.proxy); !problem.isEmpty())
+        return refuse(problem, WrongUse);
     if (const QString problem = TokenKeeper::problem(options); !problem.isEmpty())
         return refuse(problem, Failure);
 

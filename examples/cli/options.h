@@ -26,8 +26,9 @@ struct Options
     QString address;   ///< To be downloaded.
     QString output;    ///< The file that gets the audio, or what was downloaded.
     QString voice;
-    QString phone;     ///< Gets the sign-in code; empty: sign in by scanning a code.
-    QString authority; ///< Certificate file; empty: the system's authorities only.
+    QString phone;                ///< Gets the sign-in code; empty: sign in by scanning a code.
+    QString authority;            ///< Certificate file; empty: the system's authorities only.
+    std::optional<QString> proxy; ///< Empty: none is used; none: as the environment says.
     qint32 sampleRate = 0;
     std::optional<qint64> token; ///< None: the session's.
     bool longForm = false;       ///< As a task that is asked after, not in one reply.

@@ -42,6 +42,7 @@ private Q_SLOTS:
         downloadRows();
         strayRows();
         authorityRows();
+        proxyRows();
     }
     void wrongUseIsToldInOneLine()
     {
@@ -129,7 +130,6 @@ private Q_SLOTS:
         QCOMPARE(entries(), before);
     }
 
-    void verboseShowsWhyAnOperationFailed()
     void theReasonIsKnownWhateverTheEnvironmentSaysAboutLogs()
     {
         qputenv("QT_LOGGING_RULES", "*.debug=false");
@@ -139,6 +139,7 @@ private Q_SLOTS:
                  QByteArray("vospeak: the service could not be reached: Connection refused\n"));
     }
 
+    void verboseShowsWhyAnOperationFailed()
     {
         const Outcome outcome = vospeak(arguments("say hello -o a.wav --token 1 --verbose"));
         QCOMPARE(outcome.status, 1);
@@ -167,6 +168,8 @@ private Q_SLOTS:
               "userId, nickname, pictureUrl, tokenExpires, sessionExpires Exit",
               "0 done, 1 refused or failed, 2 wrong use, 130 or 143 interrupted.",
               "its tokens stay valid at the service until they run out.",
+              "A proxy is written http://[USER:PASSWORD@]HOST:PORT.",
+              "Addresses of this machine are always asked directly.",
               "Every user of this machine can read it in the list of processes."})
             QTest::newRow(promise) << arguments("--help") << QString::fromLatin1(promise);
         QTest::newRow("--version") << arguments("--version") << QStringLiteral("vospeak 1.");
@@ -313,17 +316,17 @@ private:
         QTest::newRow("empty name") << arguments("fetch http://a/b -o ");
         QTest::newRow("download into no folder") << arguments("fetch http://a/b -o nowhere/f");
         QTest::newRow("download into a folder") << arguments("fetch http://a/b -o folder");
-        QTest::newRow("part is a folder") << arguments("fetch http://a/b -o blocked");
-    }
-
         QTest::newRow("direction override in the name") << arguments("fetch http://a/f%E2%80%AEv");
         QTest::newRow("isolate in the name") << arguments("fetch http://a/f%E2%81%A6v");
         QTest::newRow("line separator in the name") << arguments("fetch http://a/f%E2%80%A8v");
-    // Options that belong to other commands.
+        QTest::newRow("part is a folder") << arguments("fetch http://a/b -o blocked");
         for (const char *part : {"linked", "dangling", "shared", "piped", "blocked"})
             QTest::addRow("part to go on with is %s", part)
                 << arguments("fetch http://a/b --resume -o") + arguments(part);
         QTest::newRow("part is a pipe") << arguments("fetch http://a/b -o piped");
+    }
+
+    // Options that belong to other commands.
     static void strayRows()
     {
         const struct
@@ -363,6 +366,13 @@ private:
             << arguments("recognize some.wav --token 1 --ca nonsense.pem");
         QTest::newRow("authority is a folder")
             << arguments("recognize some.wav --token 1 --ca folder");
+    }
+
+    static void proxyRows()
+    {
+        for (const char *proxy : {"h", "http://h", "http://h:0", "http://h:65536", "http://:1",
+                                  "http://", "ftp://h:1", "https://h:1", "socks4://h:1", "h:x"})
+            QTest::addRow("proxy %s", proxy) << arguments("voices --proxy") + arguments(proxy);
     }
 
     static void write(const char *name, const QByteArray &bytes)

@@ -1,0 +1,135 @@
+#include "proxies.h"
+
+#include <QHostAddress>
+#include <QList>
+#include <QNetworkProxy>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <algorithm>
+#include <initializer_list>
+#include <memory>
+
+namespace {
+
+// The first that is there and not empty counts. HTTP_PROXY is none: a web server that starts
+// programs sets it to what a client of its sent.
+using Names = std::initializer_list<const char *>;
+constexpr Names httpsNames = {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
+constexpr Names httpNames = {"http_proxy", "all_proxy", "ALL_PROXY"};
+constexpr Names exceptionNames = {"no_proxy", "NO_PROXY"};
+
+struct Variable
+{
+    QLatin1String name;
+    QString value;
+};
+
+Variable firstOf(Names names)
+{
+    for (const char *name : names) {
+        const QString value = qEnvironmentVariable(name);
+        if (!value.isEmpty())
+            return {QLatin1String(name), value};
+    }
+    return {};
+}
+
+// None when @p address is not one of a proxy.
+std::optional<QNetworkProxy> proxyAt(const QString &address)
+{
+    if (address.isEmpty())
+        return QNetworkProxy(QNetworkProxy::NoProxy);
+    const bool hasScheme = address.contains(QLatin1String("://"));
+    const QUrl url(hasScheme ? address : QLatin1String("http://") + address);
+    const QString scheme = url.scheme();
+    const bool isHttp = scheme == QLatin1String("http");
+    const bool resolvesHere = scheme == QLatin1String("socks5");
+    if ((!isHttp && !resolvesHere && scheme != QLatin1String("socks5h")) || url.host().isEmpty()
+        || url.port() <= 0)
+        return {};
+    QNetworkProxy proxy(isHttp ? QNetworkProxy::HttpProxy : QNetworkProxy::Socks5Proxy, url.host(),
+                        quint16(url.port()), url.userName(QUrl::FullyDecoded),
+                        url.password(QUrl::FullyDecoded));
+    if (resolvesHere)
+        proxy.setCapabilities(proxy.capabilities() & ~QNetworkProxy::HostNameLookupCapability);
+    return proxy;
+}
+
+QString refused(const QString &source)
+{
+    return QStringLiteral("%1 is no proxy: there are http://HOST:PORT, socks5://HOST:PORT and "
+                          "socks5h://HOST:PORT, with USER:PASSWORD@ before the host if need be")
+        .arg(source);
+}
+
+// A name stands for itself and all below it, with or without a dot before it; an asterisk for all;
+// a number, which may have a mask, for addresses that are written as numbers.
+bool isException(const QString &entry, const QString &host)
+{
+    if (entry == QLatin1String("*"))
+        return true;
+    const QHostAddress number(host);
+    if (!number.isNull())
+        return number.isInSubnet(QHostAddress::parseSubnet(entry));
+    const QString suffix = entry.startsWith(QLatin1Char('.')) ? entry : QLatin1Char('.') + entry;
+    return (QLatin1Char('.') + host).endsWith(suffix, Qt::CaseInsensitive);
+}
+
+/// Chooses as the variables say.
+class VariableProxies : public QNetworkProxyFactory
+{
+public:
+    VariableProxies(const QNetworkProxy &https, const QNetworkProxy &http)
+        : m_https(https)
+        , m_http(http)
+        , m_exceptions(firstOf(exceptionNames)
+                           .value.replace(QLatin1Char(','), QLatin1Char(' '))
+                           .split(QLatin1Char(' '), Qt::SkipEmptyParts))
+    {
+    }
+
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
+    {
+        const QString host = query.peerHostName();
+        if (std::any_of(m_exceptions.cbegin(), m_exceptions.cend(),
+                        [&host](const QString &entry) { return isException(entry, host); }))
+            return {QNetworkProxy(QNetworkProxy::NoProxy)};
+        return {query.protocolTag() == QLatin1String("http") ? m_http : m_https};
+    }
+
+private:
+    QNetworkProxy m_https;
+    QNetworkProxy m_http;
+    QStringList m_exceptions;
+};
+
+QString useVariables()
+{
+    const Variable https = firstOf(httpsNames);
+    const Variable http = firstOf(httpNames);
+    if (https.name.isEmpty() && http.name.isEmpty())
+        return {}; // the system's settings are Qt's own default
+    const auto httpsProxy = proxyAt(https.value);
+    const auto httpProxy = proxyAt(http.value);
+    if (!httpsProxy || !httpProxy)
+        return refused(QStringLiteral("the value of %1").arg(httpsProxy ? http.name : https.name));
+    // Qt takes it.
+    QNetworkProxyFactory::setApplicationProxyFactory(
+        std::make_unique<VariableProxies>(*httpsProxy, *httpProxy).release());
+    return {};
+}
+
+} // namespace
+
+QString Proxies::use(const std::optional<QString> &address)
+{
+    if (!address)
+        return useVariables();
+    const auto proxy = proxyAt(*address);
+    if (!proxy)
+        return refused(QStringLiteral("the value of --proxy"));
+    QNetworkProxy::setApplicationProxy(*proxy);
+    return {};
+}
