@@ -10,17 +10,15 @@ namespace localservice {
 
 namespace {
 
-constexpr int patience = 50; // ms, for whoever reads
-
-// What nobody reads is dropped after a while: a full pipe must not hold up the requests that write
-// to it. A pipe that is ready takes PIPE_BUF bytes at once and as a whole.
+// What does not fit into a full pipe is dropped at once: nobody is to wait for a reader that does
+// not read. A pipe that is ready takes PIPE_BUF bytes at once and as a whole.
 void write(int file, const std::string &line)
 {
     static std::mutex mutex;
     const std::lock_guard<std::mutex> lock(mutex);
     const std::string bytes = line + '\n';
     pollfd target{file, POLLOUT, 0};
-    if (::poll(&target, 1, patience) == 1 && (target.revents & POLLOUT) != 0)
+    if (::poll(&target, 1, 0) == 1 && (target.revents & POLLOUT) != 0)
         (void)!::write(file, bytes.data(), std::min<std::size_t>(bytes.size(), PIPE_BUF));
 }
 

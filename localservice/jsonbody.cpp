@@ -2,13 +2,14 @@
 
 #include "refusal.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace localservice {
 
 namespace {
 
-constexpr int deepestNesting = 64;
+constexpr int deepestNesting = 64; // within the object that the body is
 
 [[noreturn]] void refuseMalformed(const std::string &message)
 {
@@ -17,21 +18,36 @@ constexpr int deepestNesting = 64;
 
 std::string quoted(const char *key) { return std::string(1, '"') + key + '"'; }
 
-// Values are built from the inside out, so a limit on the way in is one on memory and on the
-// stack as well.
-bool limitNesting(int depth, nlohmann::json::parse_event_t, nlohmann::json &)
+// How deep the arrays and objects of a JSON text are nested. What follows its first error may be
+// counted wrongly: the parser gets no further than there.
+int nestingOf(const std::string &json)
 {
-    if (depth > deepestNesting)
-        refuseMalformed("the body is nested too deeply");
-    return true;
+    int depth = 0;
+    int deepest = 0;
+    bool isInString = false;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const char c = json[i];
+        if (c == '"')
+            isInString = !isInString;
+        else if (isInString)
+            i += c == '\\' ? 1 : 0;
+        else if (c == '[' || c == '{')
+            deepest = std::max(deepest, ++depth);
+        else if (c == ']' || c == '}')
+            --depth;
+    }
+    return deepest;
 }
 
 } // namespace
 
 JsonBody::JsonBody(const std::string &bytes)
 {
+    // Counted before anything is built, since the parser has no limit of its own.
+    if (nestingOf(bytes) > 1 + deepestNesting)
+        refuseMalformed("the body is nested too deeply");
     try {
-        m_object = nlohmann::json::parse(bytes, limitNesting);
+        m_object = nlohmann::json::parse(bytes);
     } catch (const nlohmann::json::exception &) {
         refuseMalformed("the body is not JSON in UTF-8");
     }

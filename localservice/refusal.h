@@ -15,6 +15,7 @@ enum class Code {
     TooLarge = 413,
     AddressTooLong = 414,
     UnusableAudio = 415,
+    OutOfRange = 416,
     UnusableValue = 422,
     Busy = 429,
     Failed = 500,

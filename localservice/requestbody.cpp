@@ -2,13 +2,11 @@
 
 #include "refusal.h"
 #include "requestlog.h"
-#include "storage.h"
 
 namespace localservice {
 
 namespace {
 
-constexpr std::size_t largestBody = Storage::largestObject;
 constexpr std::size_t mostDiscarded = 1024UL * 1024 * 1024;
 
 [[noreturn]] void refuseUnread(const std::string &message)
@@ -25,7 +23,8 @@ bool isNumber(const std::string &text)
 
 } // namespace
 
-std::string readBody(const httplib::Request &request, const httplib::ContentReader &reader)
+std::string readBody(const httplib::Request &request, const httplib::ContentReader &reader,
+                     std::size_t largest)
 {
     if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
         return {};
@@ -39,7 +38,7 @@ std::string readBody(const httplib::Request &request, const httplib::ContentRead
     std::size_t size = 0;
     const bool complete = reader([&](const char *data, std::size_t length) {
         size += length;
-        if (size <= largestBody)
+        if (size <= largest)
             body.append(data, length);
         else
             body = std::string(); // of no use any more
@@ -47,8 +46,9 @@ std::string readBody(const httplib::Request &request, const httplib::ContentRead
     });
     if (!complete)
         requestNotes().endsConnection = true;
-    if (size > largestBody)
-        throw Refusal(Code::TooLarge, "the body is larger than 64 MiB");
+    if (size > largest)
+        throw Refusal(Code::TooLarge,
+                      "the body is larger than " + std::to_string(largest / 1024) + " KiB");
     if (!complete)
         throw Refusal(Code::Malformed, "the body cannot be read");
     return body;

@@ -1,5 +1,6 @@
 #include "server.h"
 
+#include "byterange.h"
 #include "envelope.h"
 #include "refusal.h"
 #include "requestbody.h"
@@ -9,7 +10,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <istream>
 #include <map>
+#include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <sys/socket.h>
 
@@ -23,6 +27,8 @@ constexpr int keepAliveSeconds = 60;         // longer than clients wait between
 constexpr std::size_t keepAliveCount = 1000; // requests
 constexpr int transferSeconds = 30;          // without a byte
 constexpr std::size_t longestTarget = 2048;
+constexpr std::size_t largestOperation = 512UL * 1024; // bytes of its body
+constexpr std::size_t pieceSize = 64UL * 1024;         // of an object on its way to a client
 
 // With a parameter the type is not one that the server compresses: clients see how much there is
 // to come.
@@ -51,6 +57,14 @@ std::string normalPath(const std::string &target)
         std::unique(path.begin(), path.end(), [](char a, char b) { return a == '/' && b == '/'; }),
         path.end());
     return path;
+}
+
+// What an upload may have, only an upload may have.
+std::size_t largestBody(const httplib::Request &request)
+{
+    const bool isUpload =
+        request.method == "PUT" && StorageApi::isResponsible(normalPath(request.target));
+    return isUpload ? Storage::largestObject : largestOperation;
 }
 
 bool mayHaveBody(const std::string &method)
@@ -90,6 +104,14 @@ bool isFromAPage(const httplib::Request &request)
     return request.has_header("Origin") || isFromElsewhere(request);
 }
 
+// A page's own form names no origin, "null", when the page keeps its address to itself.
+bool hasOtherOrigin(const httplib::Request &request)
+{
+    const std::string origin = request.get_header_value("Origin");
+    return request.has_header("Origin") && origin != "null"
+           && origin != "https://" + request.get_header_value("Host");
+}
+
 bool isReading(const httplib::Request &request)
 {
     return request.method == "GET" || request.method == "HEAD";
@@ -122,14 +144,56 @@ public:
     }
 };
 
-// What the library refused itself, having understood too little of the request to route it.
-void refuseUnrouted(const httplib::Request &, httplib::Response &response)
+OpenObject inMemory(const std::string &bytes)
 {
-    if (!response.body.empty())
+    return {std::make_shared<std::istringstream>(bytes), bytes.size()};
+}
+
+// The library would answer any number of ranges of whatever it is given, out of memory. It keeps
+// them in the request, which is its own and not constant.
+void forgetRanges(const httplib::Request &request)
+{
+    const_cast<httplib::Request &>(request).ranges.clear();
+}
+
+// The part of a file that is asked for. Only a GET can ask for one, and nothing tells a client what
+// to make that depend on.
+ByteRange partOf(const OpenObject &file, const httplib::Request &request,
+                 httplib::Response &response)
+{
+    std::optional<ByteRange> range;
+    if (request.method == "GET" && !request.has_header("If-Range"))
+        range = requestedRange(request.get_header_value("Range"), file.size);
+    if (!range)
+        return {0, file.size};
+    const std::string size = std::to_string(file.size);
+    if (range->length == 0) {
+        response.set_header("Content-Range", "bytes */" + size);
+        throw Refusal(Code::OutOfRange, "the file has no such part");
+    }
+    const std::size_t last = range->begin + range->length - 1;
+    response.status = 206;
+    response.set_header("Content-Range", "bytes " + std::to_string(range->begin) + '-'
+                                             + std::to_string(last) + '/' + size);
+    return *range;
+}
+
+// Sent in pieces: a file may be large, and there may be many clients.
+void setFile(const OpenObject &file, const std::string &type, const httplib::Request &request,
+             httplib::Response &response)
+{
+    const ByteRange part = partOf(file, request, response);
+    if (part.length == 0) {
+        response.set_content(std::string(), type);
         return;
-    requestNotes().endsConnection = true;
-    setRefusal(response, response.status, static_cast<Code>(response.status),
-               "the request is not understood");
+    }
+    response.set_content_provider(
+        part.length, type, [=](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
+            std::string piece(std::min(length, pieceSize), '\0');
+            file.stream->seekg(static_cast<std::streamoff>(part.begin + offset));
+            return file.stream->read(piece.data(), static_cast<std::streamsize>(piece.size()))
+                   && sink.write(piece.data(), piece.size());
+        });
 }
 
 void refuseException(const httplib::Request &, httplib::Response &response,
@@ -147,6 +211,7 @@ struct Server::Answer
     std::string type = envelopeType;
     int status = 200;
     std::map<std::string, std::string> headers{};
+    std::optional<OpenObject> file{}; // in place of the body: clients can ask for a part of it
 };
 
 Server::Server(const TlsFiles &files)
@@ -166,7 +231,8 @@ Server::Server(const TlsFiles &files)
     m_http.set_default_headers({{"Cache-Control", "no-store"}});
     m_http.set_logger(finish);
     m_http.set_exception_handler(refuseException);
-    m_http.set_error_handler(httplib::Server::Handler(refuseUnrouted));
+    m_http.set_error_handler(httplib::Server::Handler(
+        [this](const auto &request, auto &response) { respondUnrouted(request, response); }));
     setHandlers();
 }
 
@@ -207,6 +273,7 @@ void Server::setHandlers()
 {
     m_http.set_pre_routing_handler([this](const auto &request, auto &response) {
         requestNotes() = RequestNotes();
+        forgetRanges(request);
         if (request.target.size() > longestTarget) {
             requestNotes().endsConnection = true;
             setRefusal(response, static_cast<int>(Code::AddressTooLong), Code::AddressTooLong,
@@ -222,7 +289,7 @@ void Server::setHandlers()
                                                                       auto &response,
                                                                       const auto &reader) {
         try {
-            respond(request, response, readBody(request, reader));
+            respond(request, response, readBody(request, reader, largestBody(request)));
         } catch (const Refusal &refusal) {
             setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
         }
@@ -232,6 +299,23 @@ void Server::setHandlers()
     m_http.Put(anyPath, withBody);
     m_http.Patch(anyPath, withBody);
     m_http.Delete(anyPath, withBody);
+}
+
+// What the library refused itself. It does that to a Range it does not understand, which is to be
+// ignored; otherwise it has understood too little of the request to route it.
+void Server::respondUnrouted(const httplib::Request &request, httplib::Response &response)
+{
+    if (!response.body.empty())
+        return;
+    requestNotes() = RequestNotes();
+    forgetRanges(request);
+    if (response.status == 416 && !mayHaveBody(request.method)) {
+        respond(request, response, {});
+        return;
+    }
+    requestNotes().endsConnection = true;
+    setRefusal(response, response.status, static_cast<Code>(response.status),
+               "the request is not understood");
 }
 
 void Server::respond(const httplib::Request &request, httplib::Response &response,
@@ -245,7 +329,10 @@ void Server::respond(const httplib::Request &request, httplib::Response &respons
         response.status = served.status;
         for (const auto &[name, value] : served.headers)
             response.set_header(name, value);
-        response.set_content(served.body, served.type);
+        if (served.file)
+            setFile(*served.file, served.type, request, response);
+        else
+            response.set_content(served.body, served.type);
     } catch (const UnknownOperation &refusal) {
         setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
     } catch (const Refusal &refusal) {
@@ -257,6 +344,14 @@ void Server::respond(const httplib::Request &request, httplib::Response &respons
     }
 }
 
+Server::Answer Server::fileAnswer(const std::string &path, OpenObject file)
+{
+    Answer answer;
+    answer.type = fileType(path);
+    answer.file = std::move(file);
+    return answer;
+}
+
 Server::Answer Server::answer(const httplib::Request &request, const std::string &path,
                               const std::string &body)
 {
@@ -265,9 +360,9 @@ Server::Answer Server::answer(const httplib::Request &request, const std::string
     if (SignInPage::isPage(path))
         return answerPage(request, path);
     if (SignInPage::isPicture(path) && isReading(request))
-        return {m_parts->signInPage.picture(path), fileType(path)};
+        return fileAnswer(path, inMemory(m_parts->signInPage.picture(path)));
     if (Catalogue::isResponsible(path) && isReading(request))
-        return {m_parts->catalogue.file(path), fileType(path)};
+        return fileAnswer(path, inMemory(m_parts->catalogue.file(path)));
     if (Operations::isResponsible(path) && isFromAPage(request))
         throw Refusal(Code::Forbidden, "the operations are not for pages");
     if (const auto data = m_parts->operations.call(path, request, body))
@@ -282,7 +377,7 @@ Server::Answer Server::answerStorage(const httplib::Request &request, const std:
     if (request.method == "PUT")
         return {successEnvelope(m_parts->storage.put(path, token, body))};
     if (isReading(request))
-        return {m_parts->storage.get(path, token), fileType(path)};
+        return fileAnswer(path, m_parts->storage.get(path, token));
     throw UnknownOperation();
 }
 
@@ -290,8 +385,7 @@ Server::Answer Server::answerPage(const httplib::Request &request, const std::st
 {
     if (!isReading(request) && request.method != "POST")
         throw UnknownOperation();
-    // The Origin tells nothing here: the page's own form sends "null", as it keeps its address.
-    if (!isReading(request) && isFromElsewhere(request))
+    if (!isReading(request) && (isFromElsewhere(request) || hasOtherOrigin(request)))
         throw Refusal(Code::Forbidden, "only the page itself can confirm");
     SignInPage &page = m_parts->signInPage;
     const SignInPage::Reply reply = isReading(request) ? page.show(path) : page.confirm(path);

@@ -53,8 +53,10 @@ private:
     struct Answer;
 
     void setHandlers();
+    void respondUnrouted(const httplib::Request &request, httplib::Response &response);
     void respond(const httplib::Request &request, httplib::Response &response,
                  const std::string &body);
+    static Answer fileAnswer(const std::string &path, OpenObject file);
     Answer answer(const httplib::Request &request, const std::string &path,
                   const std::string &body);
     Answer answerStorage(const httplib::Request &request, const std::string &path,

@@ -87,14 +87,13 @@ void Storage::write(const ObjectName &object, const std::string &bytes)
     throw std::runtime_error("an object cannot be stored");
 }
 
-std::optional<std::string> Storage::read(const ObjectName &object) const
+std::optional<OpenObject> Storage::open(const ObjectName &object) const
 {
-    std::ifstream stream(m_objects / object.directory / object.name, std::ios::binary);
-    if (!stream)
+    const auto stream = std::make_shared<std::ifstream>(m_objects / object.directory / object.name,
+                                                        std::ios::binary | std::ios::ate);
+    if (!*stream)
         return std::nullopt;
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    return bytes.str();
+    return OpenObject{stream, static_cast<std::size_t>(stream->tellg())};
 }
 
 std::optional<std::filesystem::path> Storage::file(const ObjectName &object) const

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
+#include <istream>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -12,6 +15,13 @@ struct ObjectName
 {
     std::string directory; ///< "uploads/<id>" or "results/<id>".
     std::string name;
+};
+
+/// An object that can be read whatever becomes of its file.
+struct OpenObject
+{
+    std::shared_ptr<std::istream> stream;
+    std::size_t size = 0; ///< Bytes.
 };
 
 /// Objects in files. May be used by several threads.
@@ -37,7 +47,7 @@ public:
     void write(const ObjectName &object, const std::string &bytes);
 
     /// Nothing if there is no such object.
-    std::optional<std::string> read(const ObjectName &object) const;
+    std::optional<OpenObject> open(const ObjectName &object) const;
 
     /// The file of an object; nothing if there is no such object. It stays until it is swept.
     std::optional<std::filesystem::path> file(const ObjectName &object) const;

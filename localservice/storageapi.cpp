@@ -22,12 +22,12 @@ nlohmann::json StorageApi::put(const std::string &path, const std::string &token
     return {{"address", m_origin + Storage::pathOf(object)}};
 }
 
-std::string StorageApi::get(const std::string &path, const std::string &token) const
+OpenObject StorageApi::get(const std::string &path, const std::string &token) const
 {
-    auto bytes = m_storage.read(permitted(path, token, Access::Read));
-    if (!bytes)
+    auto object = m_storage.open(permitted(path, token, Access::Read));
+    if (!object)
         throw Refusal(Code::NotFound, "there is no such object, or no longer");
-    return std::move(*bytes);
+    return std::move(*object);
 }
 
 // A path that cannot be an object's is refused like one without the right token: who has none

@@ -23,8 +23,8 @@ public:
     /// Stores @p bytes; returns the "data" of the reply.
     nlohmann::json put(const std::string &path, const std::string &token, const std::string &bytes);
 
-    /// The bytes of an object.
-    std::string get(const std::string &path, const std::string &token) const;
+    /// An object, to be read.
+    OpenObject get(const std::string &path, const std::string &token) const;
 
 private:
     ObjectName permitted(const std::string &path, const std::string &token, Access access) const;

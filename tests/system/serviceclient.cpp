@@ -131,7 +131,13 @@ ServiceClient::Reply ServiceClient::verbatim(const QByteArray &requestLine,
     while (socket.state() == QAbstractSocket::ConnectedState && socket.waitForReadyRead(patience))
         reply += socket.readAll();
     reply += socket.readAll();
-    return {reply.split(' ').value(1).toInt(), reply.mid(reply.indexOf("\r\n\r\n") + 4)};
+    const int end = reply.indexOf("\r\n\r\n");
+    Reply result{reply.split(' ').value(1).toInt(), reply.mid(end + 4)};
+    const auto lines = reply.left(end).split('\n').mid(1);
+    for (const QByteArray &line : lines)
+        result.headers.append(
+            {line.left(line.indexOf(':')), line.mid(line.indexOf(':') + 1).trimmed()});
+    return result;
 }
 
 QByteArray ServiceClient::authorization()

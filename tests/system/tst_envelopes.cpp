@@ -2,6 +2,7 @@
 #include "tests/system/serviceaddress.h"
 #include "tests/system/serviceclient.h"
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QtTest>
 
@@ -99,18 +100,26 @@ private Q_SLOTS:
 
     void aBodyMayBeNestedToALimit_data()
     {
+        QTest::addColumn<QByteArray>("before");
         QTest::addColumn<int>("arrays");
         QTest::addColumn<QByteArray>("message");
-        QTest::newRow("at the limit") << 64 << QByteArray("\"feature\" has to be a string");
-        QTest::newRow("deeper") << 65 << QByteArray("the body is nested too deeply");
-        QTest::newRow("very deep") << 200000 << QByteArray("the body is nested too deeply");
+        const QByteArray notText = "\"feature\" has to be a string";
+        const QByteArray tooDeep = "the body is nested too deeply";
+        QTest::newRow("at the limit") << QByteArray() << 64 << notText;
+        QTest::newRow("deeper") << QByteArray() << 65 << tooDeep;
+        QTest::newRow("very deep") << QByteArray() << 200000 << tooDeep;
+        const QByteArray opened = "\"a[{\\\"[{\\\\\":[\"[[{{\\\\\\\"[[\\\\\"],";
+        QTest::newRow("a string with brackets, at the limit") << opened << 64 << notText;
+        const QByteArray closed = "\"a]}\\\"]}\\\\\":[\"]]}}\\\\\\\"]]\\\\\"],";
+        QTest::newRow("a string with brackets, deeper") << closed << 65 << tooDeep;
     }
     void aBodyMayBeNestedToALimit()
     {
+        QFETCH(const QByteArray, before);
         QFETCH(const int, arrays);
         QFETCH(const QByteArray, message);
         const QByteArray body =
-            "{\"feature\":" + QByteArray(arrays, '[') + QByteArray(arrays, ']') + '}';
+            '{' + before + "\"feature\":" + QByteArray(arrays, '[') + QByteArray(arrays, ']') + '}';
         const auto reply =
             m_client->post(QStringLiteral("asr/process"), body, ServiceClient::authorization());
         QCOMPARE(reply.body, bytesOfRefusal(400, message));
@@ -134,14 +143,38 @@ private Q_SLOTS:
         QCOMPARE(reply.body, bytesOfRefusal(status, message));
     }
 
-    void aBodyThatIsTooLargeIsRefusedInAnEnvelope()
+    void aBodyMayBeLargeToALimit_data()
     {
-        const QByteArray body =
-            bytes(speech("voiceSynthesis", QString(65 * 1024 * 1024, QLatin1Char('a'))));
+        QTest::addColumn<int>("size");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("refusal");
+        const int kib = 1024;
+        QTest::newRow("at the limit")
+            << 512 * kib << 200 << bytesOfRefusal(400, "\"feature\" is missing");
+        const QByteArray tooLarge = bytesOfRefusal(413, "the body is larger than 512 KiB");
+        QTest::newRow("larger") << 512 * kib + 1 << 413 << tooLarge;
+        QTest::newRow("much larger") << 65 * kib * kib << 413 << tooLarge;
+    }
+    void aBodyMayBeLargeToALimit()
+    {
+        QFETCH(const int, size);
+        const QByteArray body = "{\"a\":\"" + QByteArray(size - 8, 'a') + "\"}";
         const auto reply =
             m_client->post(QStringLiteral("asr/process"), body, ServiceClient::authorization());
-        QVERIFY2(reply.isRefusal(), QByteArray::number(reply.status) + ' ' + reply.body.left(200));
+        QTEST(reply.status, "status");
+        QTEST(reply.body, "refusal");
         aGoodRequestIsServed();
+    }
+
+    void manyObjectsAreReadAtOnce()
+    {
+        const QByteArray body = "{\"a\":[{}" + QByteArray(",{}").repeated(170000) + "]}";
+        QElapsedTimer elapsed;
+        elapsed.start();
+        const auto reply =
+            m_client->post(QStringLiteral("asr/freeProcess"), body, ServiceClient::authorization());
+        QCOMPARE(reply.body, bytesOfRefusal(400, "\"feature\" is missing"));
+        QVERIFY2(elapsed.elapsed() < 2000, QByteArray::number(elapsed.elapsed()));
     }
 
 private:
