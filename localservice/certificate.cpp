@@ -164,8 +164,16 @@ Key readKey(const std::filesystem::path &path)
 bool isValidTomorrow(const X509 *certificate)
 {
     std::time_t tomorrow = std::time(nullptr) + secondsPerDay;
-    return X509_cmp_time(X509_get0_notAfter(certificate), &tomorrow) > 0
-           && X509_cmp_current_time(X509_get0_notBefore(certificate)) < 0;
+    return X509_cmp_time(X509_get0_notAfter(certificate), &tomorrow) > 0;
+}
+
+// A clock that is wrong now would cost the clients an authority that they trust.
+void requireThatItHasBegun(const X509 *certificate, const std::filesystem::path &path)
+{
+    if (X509_cmp_current_time(X509_get0_notBefore(certificate)) > 0)
+        throw std::runtime_error("\"" + path.string()
+                                 + "\" is not valid yet: set the clock right, or remove the file "
+                                   "and trust the new authority");
 }
 
 bool areUsable(const TlsFiles &files)
@@ -173,8 +181,12 @@ bool areUsable(const TlsFiles &files)
     const Certificate authority = readCertificate(files.authority);
     const Certificate server = readCertificate(files.certificate);
     const Key key = readKey(files.key);
-    return authority && server && key && isValidTomorrow(authority.get())
-           && isValidTomorrow(server.get()) && X509_check_private_key(server.get(), key.get()) == 1
+    if (!authority || !server || !key)
+        return false;
+    requireThatItHasBegun(authority.get(), files.authority);
+    requireThatItHasBegun(server.get(), files.certificate);
+    return isValidTomorrow(authority.get()) && isValidTomorrow(server.get())
+           && X509_check_private_key(server.get(), key.get()) == 1
            && X509_verify(server.get(), X509_get0_pubkey(authority.get())) == 1;
 }
 

@@ -13,7 +13,8 @@ struct TlsFiles
 };
 
 /// Makes sure that @p folder holds a usable set of files: those of an earlier start if they are
-/// valid for another day, new ones otherwise. std::runtime_error if that fails.
+/// valid for another day, new ones otherwise. std::runtime_error if that fails or if they are not
+/// valid yet, which a wrong clock makes them.
 TlsFiles prepareTlsFiles(const std::filesystem::path &folder);
 
 } // namespace localservice

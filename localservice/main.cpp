@@ -4,6 +4,7 @@
 #include "certificate.h"
 #include "console.h"
 #include "credentials.h"
+#include "folderlock.h"
 #include "operations.h"
 #include "options.h"
 #include "qrsignins.h"
@@ -24,9 +25,12 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
+#include <semaphore.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace localservice;
 
@@ -35,29 +39,65 @@ namespace {
 constexpr int failure = 1;
 constexpr int wrongUse = 2;
 
-// Blocked in every thread: the main thread takes them when it is ready to.
-sigset_t blockTermination()
+constexpr unsigned patience = 4; // seconds
+
+sem_t termination;
+
+// An orderly end waits for whatever is being worked on, which may be a call of an engine that takes
+// minutes. After some seconds it is cut short; SQLite undoes what was half written at the next
+// start.
+void onTermination(int)
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    sem_post(&termination);
+    if (const unsigned left = alarm(patience))
+        alarm(left); // not the first signal
+}
+
+void onPatienceOver(int) { _exit(0); }
+
+// SIGINT and SIGTERM are told to the main thread when it waits for them, which may be later.
+void prepareTermination()
+{
+    sem_init(&termination, 0, 0);
+    std::signal(SIGALRM, onPatienceOver);
+    std::signal(SIGINT, onTermination);
+    std::signal(SIGTERM, onTermination);
     std::signal(SIGPIPE, SIG_IGN); // clients that are gone are noticed when writing fails
-    return signals;
+}
+
+void awaitTermination()
+{
+    while (sem_wait(&termination) != 0) { // a signal of another kind
+    }
+}
+
+// What is written to a standard file that was closed would go to whatever is opened next.
+void openStandardFiles()
+{
+    int file = 0;
+    while (file >= 0 && file <= STDERR_FILENO)
+        file = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    ::close(file);
 }
 
 /// What is in the data folder.
 struct Data
 {
     explicit Data(const std::filesystem::path &folder)
-        : tls(prepareTlsFiles(folder / "tls"))
+        : lock(folder)
+        , tls(prepareTlsFiles(folder / "tls"))
         , storage(folder / "storage")
         , database(folder / "accounts.sqlite")
         , upgrade(folder / "upgrade.json")
     {
+        // They may have been copied here, or made by hand, with other rights.
+        using std::filesystem::perms;
+        std::filesystem::permissions(folder / "tls", perms::owner_all);
+        std::filesystem::permissions(folder / "storage", perms::owner_all);
+        std::filesystem::permissions(tls.key, perms::owner_read | perms::owner_write);
     }
 
+    FolderLock lock;
     TlsFiles tls;
     Storage storage;
     AccountDatabase database;
@@ -94,7 +134,7 @@ struct SignIn
 
 void serve(const Options &options)
 {
-    const sigset_t termination = blockTermination();
+    prepareTermination();
     umask(S_IRWXG | S_IRWXO); // recordings are nobody else's business
     std::atomic<bool> stopping(false);
     const std::chrono::seconds resultLifetime(options.resultLifetime);
@@ -129,8 +169,7 @@ void serve(const Options &options)
     if (options.developmentToken)
         warn("sign-in is bypassed for whoever has the development token");
     say("listening on " + origin + ", authority " + data.tls.authority.string());
-    int signal = 0;
-    sigwait(&termination, &signal);
+    awaitTermination();
     stopping = true;
     server.stop();
 }
@@ -139,6 +178,7 @@ void serve(const Options &options)
 
 int main(int argc, char *argv[])
 {
+    openStandardFiles();
     try {
         const Options options = parseOptions({argv + 1, argv + argc});
         if (options.help)
