@@ -1,8 +1,27 @@
 #include "connections.h"
 
+#include <algorithm>
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace localservice {
+
+namespace {
+
+constexpr std::chrono::seconds patience(1);
+
+thread_local int socketOfThisThread = -1;
+
+} // namespace
+
+Connections::Work::Work(Connections &connections)
+    : m_connections(connections)
+    , m_socket(ofThisThread())
+{
+    m_connections.setRestsSince(m_socket, Clock::time_point::max());
+}
+
+Connections::Work::~Work() { m_connections.setRestsSince(m_socket, Clock::now()); }
 
 bool Connections::watch(SSL_CTX *context)
 {
@@ -13,12 +32,38 @@ bool Connections::watch(SSL_CTX *context)
     return true;
 }
 
+int Connections::ofThisThread() { return socketOfThisThread; }
+
+bool Connections::clientHasGone()
+{
+    pollfd connection{socketOfThisThread, POLLRDHUP, 0};
+    return ::poll(&connection, 1, 0) == 1;
+}
+
 void Connections::end()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_ended = true;
-    for (const int socket : m_sockets)
-        ::shutdown(socket, SHUT_RDWR);
+    for (auto &[socket, state] : m_states)
+        end(socket, state);
+}
+
+void Connections::makeRoom(std::size_t count)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto ending = static_cast<std::size_t>(
+        std::count_if(m_states.begin(), m_states.end(),
+                      [](const auto &connection) { return connection.second.isEnding; }));
+    const auto latest = Clock::now() - patience;
+    for (std::size_t i = ending; i < count; ++i) {
+        const auto longest = std::min_element(
+            m_states.begin(), m_states.end(), [](const auto &one, const auto &other) {
+                return one.second.restsSince < other.second.restsSince;
+            });
+        if (longest == m_states.end() || longest->second.restsSince > latest)
+            return;
+        end(longest->first, longest->second);
+    }
 }
 
 void Connections::onHandshake(const SSL *ssl, int where, int)
@@ -56,16 +101,33 @@ void Connections::add(SSL *ssl)
     const int socket = SSL_get_fd(ssl);
     if (socket < 0 || SSL_set_ex_data(ssl, connectionIndex(), this) != 1)
         return;
+    socketOfThisThread = socket;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_sockets.insert(socket);
+    State &state = m_states[socket];
+    state = {Clock::now()};
     if (m_ended)
-        ::shutdown(socket, SHUT_RDWR);
+        end(socket, state);
 }
 
 void Connections::remove(int socket)
 {
+    socketOfThisThread = -1;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_sockets.erase(socket);
+    m_states.erase(socket);
+}
+
+void Connections::setRestsSince(int socket, Clock::time_point time)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_states.find(socket);
+    if (found != m_states.end() && !found->second.isEnding)
+        found->second.restsSince = time;
+}
+
+void Connections::end(int socket, State &state)
+{
+    ::shutdown(socket, SHUT_RDWR);
+    state = {Clock::time_point::max(), true};
 }
 
 } // namespace localservice

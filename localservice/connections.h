@@ -2,8 +2,10 @@
 
 #include <openssl/ssl.h>
 
+#include <chrono>
+#include <cstddef>
+#include <map>
 #include <mutex>
-#include <set>
 
 namespace localservice {
 
@@ -12,6 +14,21 @@ namespace localservice {
 class Connections
 {
 public:
+    /// This thread works on the answer to a request of its connection, for as long as this lives.
+    class Work
+    {
+    public:
+        explicit Work(Connections &connections);
+        ~Work();
+
+        Work(const Work &) = delete;
+        Work &operator=(const Work &) = delete;
+
+    private:
+        Connections &m_connections;
+        const int m_socket;
+    };
+
     Connections() = default;
     Connections(const Connections &) = delete;
     Connections &operator=(const Connections &) = delete;
@@ -20,11 +37,29 @@ public:
     /// them. False if that fails.
     bool watch(SSL_CTX *context);
 
+    /// The socket of the connection that this thread serves: a thread serves one at a time. -1: it
+    /// serves none.
+    static int ofThisThread();
+
+    /// Whether the client of that connection has ended it; false if there is none.
+    static bool clientHasGone();
+
     /// Ends every connection, those to come included. Whoever reads from one of them sees its
     /// end.
     void end();
 
+    /// Ends connections until @p count are ending: first those that have gone longest without an
+    /// answer, none that has begun or was answered within the last second, none that is worked for.
+    void makeRoom(std::size_t count);
+
 private:
+    using Clock = std::chrono::steady_clock;
+    struct State
+    {
+        Clock::time_point restsSince; ///< The end of time when it does not rest.
+        bool isEnding = false;
+    };
+
     static void onHandshake(const SSL *ssl, int where, int result);
     static void onFreed(void *parent, void *value, CRYPTO_EX_DATA *data, int index, long argument,
                         void *pointer);
@@ -33,10 +68,12 @@ private:
 
     void add(SSL *ssl);
     void remove(int socket);
+    void setRestsSince(int socket, Clock::time_point time);
+    static void end(int socket, State &state);
 
     std::mutex m_mutex;
-    std::set<int> m_sockets; // guarded by m_mutex
-    bool m_ended = false;    // likewise
+    std::map<int, State> m_states; // by socket; guarded by m_mutex
+    bool m_ended = false;          // likewise
 };
 
 } // namespace localservice

@@ -1,11 +1,13 @@
 #include "recognizer.h"
 
+#include "connections.h"
 #include "refusal.h"
 #include "segmentation.h"
 
 #include <pocketsphinx.h>
 #include <sphinxbase/err.h>
 
+#include <chrono>
 #include <sstream>
 #include <stdexcept>
 
@@ -14,6 +16,7 @@ namespace localservice {
 namespace {
 
 constexpr int modelRate = 16000; // Hz
+constexpr std::chrono::milliseconds patience(200);
 
 // Fillers such as <sil>, [NOISE] and ++BREATH++ are no words, and which of its pronunciations a
 // word had, as in "a(2)", is of no interest.
@@ -119,8 +122,7 @@ std::vector<Sentence> Recognizer::recognize(Audio recording)
     const Lease decoder(this);
     std::vector<Sentence> sentences;
     for (const Segment &segment : segmentsOfSpeech(samples, modelRate)) {
-        if (m_stopping)
-            throw Refusal(Code::Failed, "the service is stopping");
+        checkWanted();
         const std::string words =
             decoder->words(samples.data() + segment.begin, segment.end - segment.begin);
         if (!words.empty())
@@ -129,11 +131,18 @@ std::vector<Sentence> Recognizer::recognize(Audio recording)
     return sentences;
 }
 
+void Recognizer::checkWanted() const
+{
+    if (m_stopping || Connections::clientHasGone())
+        throw Refusal(Code::Failed, "nobody waits for it any more");
+}
+
 // Loading takes a while, so further decoders are made only when there is use for them.
 std::unique_ptr<Recognizer::Decoder> Recognizer::takeDecoder()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_returned.wait(lock, [this] { return !m_idle.empty() || m_unmade > 0; });
+    while (!m_returned.wait_for(lock, patience, [this] { return !m_idle.empty() || m_unmade > 0; }))
+        checkWanted();
     if (m_idle.empty()) {
         auto made = std::make_unique<Decoder>(m_modelDir);
         --m_unmade;

@@ -24,8 +24,8 @@ class Recognizer
 {
 public:
     /// Loads the model under @p modelDir; std::runtime_error if that fails. Up to @p decoders
-    /// recordings are worked on at the same time; others wait. Once @p stopping is set, work ends
-    /// with a Refusal at the next sentence.
+    /// recordings are worked on at the same time; others wait. Once @p stopping is set, or the
+    /// client has gone, work ends with a Refusal at the next sentence.
     Recognizer(const std::string &modelDir, std::size_t decoders,
                const std::atomic<bool> &stopping);
     ~Recognizer();
@@ -40,6 +40,7 @@ private:
     class Decoder;
     class Lease;
 
+    void checkWanted() const;
     std::unique_ptr<Decoder> takeDecoder();
     void giveBack(std::unique_ptr<Decoder> decoder);
 

@@ -22,7 +22,7 @@ namespace localservice {
 namespace {
 
 constexpr const char *loopback = "127.0.0.1";
-constexpr std::size_t threads = 64;          // every kept connection has one
+constexpr std::size_t threads = 256;         // every kept connection has one
 constexpr int keepAliveSeconds = 60;         // longer than clients wait between two questions
 constexpr std::size_t keepAliveCount = 1000; // requests
 constexpr int transferSeconds = 30;          // without a byte
@@ -121,8 +121,8 @@ bool isReading(const httplib::Request &request)
 void finish(const httplib::Request &request, const httplib::Response &response)
 {
     logRequest(request, response);
-    if (requestNotes().endsConnection && request.ssl)
-        ::shutdown(SSL_get_fd(request.ssl), SHUT_RDWR);
+    if (requestNotes().endsConnection)
+        ::shutdown(Connections::ofThisThread(), SHUT_RDWR);
     requestNotes() = RequestNotes();
 }
 
@@ -154,6 +154,13 @@ OpenObject inMemory(const std::string &bytes)
 void forgetRanges(const httplib::Request &request)
 {
     const_cast<httplib::Request &>(request).ranges.clear();
+}
+
+// The first thing that is done about a request.
+void begin(const httplib::Request &request)
+{
+    requestNotes() = RequestNotes();
+    forgetRanges(request);
 }
 
 // The part of a file that is asked for. Only a GET can ask for one, and nothing tells a client what
@@ -226,6 +233,7 @@ Server::Server(const TlsFiles &files)
     m_http.set_keep_alive_max_count(keepAliveCount);
     m_http.set_read_timeout(transferSeconds);
     m_http.set_write_timeout(transferSeconds);
+    m_http.set_idle_interval(1); // to look for connections that wait
     m_http.new_task_queue = [this] { return m_pool.release(); };
     // There are tokens in replies, and files are made anew with the service.
     m_http.set_default_headers({{"Cache-Control", "no-store"}});
@@ -251,7 +259,7 @@ int Server::bind(int port)
 void Server::start(const ServedParts &parts)
 {
     m_parts.emplace(parts);
-    m_pool = std::make_unique<ThreadPool>(threads); // here, where it may fail
+    m_pool = std::make_unique<ConnectionPool>(threads, m_connections); // here, where it may fail
     m_thread = std::thread([this] { m_http.listen_after_bind(); });
     // Before it runs it cannot be stopped.
     while (!m_http.is_running())
@@ -272,8 +280,7 @@ void Server::stop()
 void Server::setHandlers()
 {
     m_http.set_pre_routing_handler([this](const auto &request, auto &response) {
-        requestNotes() = RequestNotes();
-        forgetRanges(request);
+        begin(request);
         if (request.target.size() > longestTarget) {
             requestNotes().endsConnection = true;
             setRefusal(response, static_cast<int>(Code::AddressTooLong), Code::AddressTooLong,
@@ -307,8 +314,7 @@ void Server::respondUnrouted(const httplib::Request &request, httplib::Response 
 {
     if (!response.body.empty())
         return;
-    requestNotes() = RequestNotes();
-    forgetRanges(request);
+    begin(request);
     if (response.status == 416 && !mayHaveBody(request.method)) {
         respond(request, response, {});
         return;
@@ -355,6 +361,7 @@ Server::Answer Server::fileAnswer(const std::string &path, OpenObject file)
 Server::Answer Server::answer(const httplib::Request &request, const std::string &path,
                               const std::string &body)
 {
+    const Connections::Work work(m_connections);
     if (StorageApi::isResponsible(path))
         return answerStorage(request, path, body);
     if (SignInPage::isPage(path))

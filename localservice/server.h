@@ -2,11 +2,11 @@
 
 #include "catalogue.h"
 #include "certificate.h"
+#include "connectionpool.h"
 #include "connections.h"
 #include "operations.h"
 #include "signinpage.h"
 #include "storageapi.h"
-#include "threadpool.h"
 
 #include <httplib.h>
 
@@ -66,7 +66,7 @@ private:
     Connections m_connections;
     httplib::SSLServer m_http;
     std::optional<ServedParts> m_parts;
-    std::unique_ptr<ThreadPool> m_pool; // until the library takes it
+    std::unique_ptr<ConnectionPool> m_pool; // until the library takes it
     std::thread m_thread;
 };
 

@@ -5,6 +5,7 @@
 #include "randomid.h"
 #include "refusal.h"
 #include "requestlog.h"
+#include "seat.h"
 #include "secrets.h"
 #include "speechtext.h"
 #include "utctime.h"
@@ -28,6 +29,10 @@ constexpr std::size_t longestText = 20000;
 
 constexpr std::array<int, 8> sampleRates{8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000};
 constexpr int furthestRate = 500;
+// At once, those that wait for the engine included; more would keep others from being served.
+constexpr int mostRecognitions = 8;
+constexpr int mostSyntheses = 16;
+
 constexpr int waveHead = 44; // bytes
 
 // Clients put nothing between the sentences, so each but the first begins with a blank.
@@ -217,6 +222,7 @@ std::string SpeechApi::synthesize(const Request &request)
 nlohmann::json SpeechApi::recognizeNow(const JsonBody &body)
 {
     const std::filesystem::path file = recordingOf(body);
+    const Seat seat(m_recognitions, mostRecognitions);
     std::string text;
     for (const Sentence &sentence :
          m_services.recognizer.recognize(readWave(file, Channels::MixDown, longestShortRecording)))
@@ -239,7 +245,9 @@ nlohmann::json SpeechApi::recognizeLater(const JsonBody &body)
 
 nlohmann::json SpeechApi::speakNow(const JsonBody &body, std::size_t longest)
 {
-    return {{"audio", base64(synthesize(synthesisOf(body, longest)))}};
+    const Request request = synthesisOf(body, longest);
+    const Seat seat(m_syntheses, mostSyntheses);
+    return {{"audio", base64(synthesize(request))}};
 }
 
 nlohmann::json SpeechApi::speakLater(const JsonBody &body)

@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -72,6 +73,9 @@ private:
 
     SpeechServices m_services;
     Settings m_settings;
+    // Those who wait for an answer.
+    std::atomic<int> m_recognitions{0};
+    std::atomic<int> m_syntheses{0};
 };
 
 } // namespace localservice

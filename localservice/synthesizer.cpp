@@ -1,5 +1,6 @@
 #include "synthesizer.h"
 
+#include "connections.h"
 #include "refusal.h"
 #include "speechtext.h"
 
@@ -109,8 +110,8 @@ Audio Synthesizer::speak(const std::string &text, const Speaking &speaking, int 
 {
     Audio audio;
     for (const std::string &piece : speakablePieces(text)) {
-        if (m_stopping)
-            throw Refusal(Code::Failed, "the service is stopping");
+        if (m_stopping || Connections::clientHasGone())
+            throw Refusal(Code::Failed, "nobody waits for it any more");
         const Audio next = speakPiece(piece, speaking);
         audio.sampleRate = next.sampleRate;
         if (!audio.samples.empty())

@@ -25,7 +25,8 @@ struct Speaking
 class Synthesizer
 {
 public:
-    /// Once @p stopping is set, work ends with a Refusal within a sentence or two.
+    /// Once @p stopping is set, or the client has gone, work ends with a Refusal within a sentence
+    /// or two.
     explicit Synthesizer(const std::atomic<bool> &stopping);
     ~Synthesizer();
 

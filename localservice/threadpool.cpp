@@ -1,5 +1,7 @@
 #include "threadpool.h"
 
+#include <algorithm>
+
 namespace localservice {
 
 ThreadPool::ThreadPool(std::size_t count)
@@ -34,11 +36,19 @@ void ThreadPool::shutdown()
     m_threads.clear();
 }
 
+std::size_t ThreadPool::waiting()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_queue.size() - std::min(m_queue.size(), m_idle);
+}
+
 void ThreadPool::work()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     for (;;) {
+        ++m_idle;
         m_changed.wait(lock, [this] { return m_ending || !m_queue.empty(); });
+        --m_idle;
         if (m_queue.empty())
             return;
         const std::function<void()> job = std::move(m_queue.front());

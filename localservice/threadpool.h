@@ -1,7 +1,5 @@
 #pragma once
 
-#include <httplib.h>
-
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -12,23 +10,25 @@
 
 namespace localservice {
 
-/// A few threads that work on a queue. Unlike the library's own, it can fail to be made, and it may
-/// be destroyed without having been shut down.
-class ThreadPool final : public httplib::TaskQueue
+/// A few threads that work on a queue.
+class ThreadPool
 {
 public:
     /// std::system_error if there cannot be @p count threads; there is none then.
     explicit ThreadPool(std::size_t count);
-    ~ThreadPool() override;
+    ~ThreadPool();
 
     ThreadPool(const ThreadPool &) = delete;
     ThreadPool &operator=(const ThreadPool &) = delete;
 
     /// @p job must not throw.
-    void enqueue(std::function<void()> job) override;
+    void enqueue(std::function<void()> job);
 
     /// Waits until the whole queue has been worked on.
-    void shutdown() override;
+    void shutdown();
+
+    /// The jobs that no thread is free for.
+    std::size_t waiting();
 
 private:
     void work();
@@ -36,6 +36,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::function<void()>> m_queue; // guarded by m_mutex
+    std::size_t m_idle = 0;                    // threads; likewise
     bool m_ending = false;                     // likewise
     std::vector<std::thread> m_threads;
 };

@@ -222,7 +222,7 @@ private Q_SLOTS:
         QTest::newRow("no sweeper") << 2;
         QTest::newRow("nobody to serve") << 3;
         QTest::newRow("few to serve") << 10;
-        QTest::newRow("nobody to listen") << 67;
+        QTest::newRow("nobody to listen") << 259;
     }
     void aThreadThatCannotBeMadeIsToldInOneLine()
     {
