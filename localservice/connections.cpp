@@ -10,7 +10,10 @@ namespace {
 
 constexpr std::chrono::seconds patience(1);
 
+constexpr std::size_t mostUnused = 256UL * 1024;
+
 thread_local int socketOfThisThread = -1;
+thread_local std::size_t unused = 0; // bytes received on that socket
 
 } // namespace
 
@@ -29,10 +32,13 @@ bool Connections::watch(SSL_CTX *context)
         || SSL_CTX_set_ex_data(context, ownerIndex(), this) != 1)
         return false;
     SSL_CTX_set_info_callback(context, onHandshake);
+    SSL_CTX_set_msg_callback(context, onRecord);
     return true;
 }
 
 int Connections::ofThisThread() { return socketOfThisThread; }
+
+void Connections::madeUse() { unused = 0; }
 
 bool Connections::clientHasGone()
 {
@@ -76,6 +82,18 @@ void Connections::onHandshake(const SSL *ssl, int where, int)
     owner->add(const_cast<SSL *>(ssl));
 }
 
+// Called with the five bytes before each record; the last two are the length of what follows.
+void Connections::onRecord(int isWritten, int, int type, const void *bytes, std::size_t length,
+                           SSL *, void *)
+{
+    if (isWritten != 0 || type != SSL3_RT_HEADER || length != SSL3_RT_HEADER_LENGTH)
+        return;
+    const auto *const head = static_cast<const unsigned char *>(bytes);
+    unused += head[3] * 256U + head[4];
+    if (unused > mostUnused)
+        ::shutdown(socketOfThisThread, SHUT_RDWR);
+}
+
 // The server closes a socket only after it has freed the connection on it, so a number in the set
 // always means that connection.
 void Connections::onFreed(void *parent, void *value, CRYPTO_EX_DATA *, int, long, void *)
@@ -102,6 +120,7 @@ void Connections::add(SSL *ssl)
     if (socket < 0 || SSL_set_ex_data(ssl, connectionIndex(), this) != 1)
         return;
     socketOfThisThread = socket;
+    madeUse();
     const std::lock_guard<std::mutex> lock(m_mutex);
     State &state = m_states[socket];
     state = {Clock::now()};

@@ -44,6 +44,10 @@ public:
     /// Whether the client of that connection has ended it; false if there is none.
     static bool clientHasGone();
 
+    /// To be called when use was made of what this thread's connection has received. More than a
+    /// quarter of a MiB of which none was made, such as a header without an end, ends it.
+    static void madeUse();
+
     /// Ends every connection, those to come included. Whoever reads from one of them sees its
     /// end.
     void end();
@@ -61,6 +65,8 @@ private:
     };
 
     static void onHandshake(const SSL *ssl, int where, int result);
+    static void onRecord(int isWritten, int version, int type, const void *bytes,
+                         std::size_t length, SSL *ssl, void *argument);
     static void onFreed(void *parent, void *value, CRYPTO_EX_DATA *data, int index, long argument,
                         void *pointer);
     static int connectionIndex();

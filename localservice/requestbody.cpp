@@ -1,5 +1,6 @@
 #include "requestbody.h"
 
+#include "connections.h"
 #include "refusal.h"
 #include "requestlog.h"
 
@@ -37,6 +38,7 @@ std::string readBody(const httplib::Request &request, const httplib::ContentRead
     std::string body;
     std::size_t size = 0;
     const bool complete = reader([&](const char *data, std::size_t length) {
+        Connections::madeUse();
         size += length;
         if (size <= largest)
             body.append(data, length);

@@ -160,6 +160,7 @@ void forgetRanges(const httplib::Request &request)
 void begin(const httplib::Request &request)
 {
     requestNotes() = RequestNotes();
+    Connections::madeUse();
     forgetRanges(request);
 }
 

@@ -139,6 +139,38 @@ private Q_SLOTS:
         QVERIFY2(elapsed.elapsed() < 10000, QByteArray::number(elapsed.elapsed()));
     }
 
+    void aRequestThatHasNoEndEndsItsConnection_data()
+    {
+        QTest::addColumn<QByteArray>("beginning");
+        QTest::addColumn<QByteArray>("part");
+        const QByteArray a(10000, 'a');
+        const QByteArray post = "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
+        QTest::newRow("address") << QByteArray("GET /") << a;
+        QTest::newRow("header") << QByteArray("GET / HTTP/1.1\r\nName: ") << a;
+        QTest::newRow("headers") << QByteArray("GET / HTTP/1.1\r\n") << QByteArray("Name: a\r\n");
+        QTest::newRow("chunk extension") << post + "1;" << a;
+        QTest::newRow("trailers") << post + "0\r\n" << QByteArray("Name: a\r\n");
+    }
+    void aRequestThatHasNoEndEndsItsConnection()
+    {
+        QFETCH(const QByteArray, beginning);
+        QFETCH(const QByteArray, part);
+        const QUrl service(serviceAddress());
+        QSslSocket socket;
+        socket.setPeerVerifyMode(QSslSocket::VerifyNone);
+        socket.connectToHostEncrypted(service.host(), static_cast<quint16>(service.port()));
+        QVERIFY(socket.waitForEncrypted());
+        socket.write(beginning);
+        qint64 sent = 0;
+        const QByteArray parts = part.repeated(100000 / part.size());
+        while (socket.state() == QAbstractSocket::ConnectedState && sent < 100 * 1000 * 1000) {
+            sent += socket.write(parts);
+            socket.waitForBytesWritten();
+        }
+        QCOMPARE(socket.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(m_steps->beginQr().isSuccess());
+    }
+
     void aConnectionThatIsWorkedForIsKeptInACrowd()
     {
         ask(synthesis());
