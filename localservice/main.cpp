@@ -28,6 +28,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <iostream>
+#include <malloc.h>
 #include <semaphore.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,7 +40,8 @@ namespace {
 constexpr int failure = 1;
 constexpr int wrongUse = 2;
 
-constexpr unsigned patience = 4; // seconds
+constexpr unsigned patience = 4;       // seconds
+constexpr int largeBlock = 128 * 1024; // bytes
 
 sem_t termination;
 
@@ -135,6 +137,9 @@ struct SignIn
 void serve(const Options &options)
 {
     prepareTermination();
+    // The memory of a large body goes back to the system with it. By itself the allocator would
+    // keep blocks of ever larger sizes, in each of its arenas.
+    mallopt(M_MMAP_THRESHOLD, largeBlock);
     umask(S_IRWXG | S_IRWXO); // recordings are nobody else's business
     std::atomic<bool> stopping(false);
     const std::chrono::seconds resultLifetime(options.resultLifetime);
