@@ -1,6 +1,7 @@
 #include "operations.h"
 
 #include "beginswith.h"
+#include "headervalue.h"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +19,7 @@ std::string at(const char *prefix, const char *name) { return std::string(prefix
 
 std::string authorizationOf(const httplib::Request &request)
 {
-    return request.get_header_value("Authorization");
+    return headerValue(request, "Authorization");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "byterange.h"
 #include "envelope.h"
+#include "headervalue.h"
 #include "refusal.h"
 #include "requestbody.h"
 #include "requestlog.h"
@@ -75,7 +76,7 @@ bool mayHaveBody(const std::string &method)
 std::string storageToken(const httplib::Request &request)
 {
     if (request.method == "PUT" || request.has_header("x-security-token"))
-        return request.get_header_value("x-security-token");
+        return headerValue(request, "x-security-token");
     return request.get_param_value("security-token");
 }
 

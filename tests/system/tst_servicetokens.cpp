@@ -70,8 +70,9 @@ private Q_SLOTS:
     {
         QVERIFY(begin());
         const QByteArray token = SignInSteps::token(m_steps->signIn(phone())).toUtf8();
-        for (const QByteArray &form : {token, "Bearer 0" + token, "Bearer +" + token,
-                                       "Bearer " + token + "0", "Basic " + token})
+        for (const QByteArray &form :
+             {token, "Bearer 0" + token, "Bearer +" + token, "Bearer " + token + "0",
+              "Basic " + token, "Bearer " + token + '\0'})
             QCOMPARE(speechCodes(form), QVector<int>(2, 401));
         // The task is not known; the token is.
         QCOMPARE(speechCodes("Bearer " + token), QVector<int>({422, 404}));
