@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds with warnings as errors and runs every test.
-# Usage: scripts/test.sh [PRESET ...]   gcc (the default), clang or asan
+# Usage: scripts/test.sh [PRESET ...]   gcc (the default), clang or asan; tsan: ThreadSanitizer, only
+#                                       the tests that have threads of their own in them
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/service-port.sh
