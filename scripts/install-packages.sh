@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs, on Debian 12, what is missing of the packages that are named. As root or with sudo.
-# Usage: scripts/install-packages.sh [build | test | check | PACKAGE ...]
+# Usage: scripts/install-packages.sh [build | test | check | fuzz | PACKAGE ...]
 #   build (the default)  what building and running everything needs
 #   test                 the same, the programs that the tests start, and what saves building twice
 #   check                what building needs and the tools that check the sources
+#   fuzz                 what building needs and clang with its run-time libraries
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
@@ -11,6 +12,7 @@ build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev libpng-dev openssl ca-certificates)
 test=(ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
 check=(git clang clang-format clang-tidy clazy valgrind)
+fuzz=(clang libclang-rt-dev)
 
 wanted=()
 for name in "${@:-build}"; do
@@ -18,8 +20,9 @@ for name in "${@:-build}"; do
     build) wanted+=("${build[@]}") ;;
     test) wanted+=("${build[@]}" "${test[@]}") ;;
     check) wanted+=("${build[@]}" "${check[@]}") ;;
+    fuzz) wanted+=("${build[@]}" "${fuzz[@]}") ;;
     -*)
-        echo "usage: scripts/install-packages.sh [build | test | check | PACKAGE ...]" >&2
+        echo "usage: scripts/install-packages.sh [build | test | check | fuzz | PACKAGE ...]" >&2
         exit 2
         ;;
     *) wanted+=("$name") ;;

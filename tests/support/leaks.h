@@ -2,7 +2,15 @@
 
 #include <QtGlobal>
 
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) // gcc
+#define VONETWORK_HAS_LEAK_CHECK
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) // clang
+#define VONETWORK_HAS_LEAK_CHECK
+#endif
+#endif
+
+#ifdef VONETWORK_HAS_LEAK_CHECK
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -13,7 +21,7 @@ class LeaksAllowed
     Q_DISABLE_COPY(LeaksAllowed)
 
 public:
-#ifdef __SANITIZE_ADDRESS__
+#ifdef VONETWORK_HAS_LEAK_CHECK
     LeaksAllowed() { __lsan_disable(); }
     ~LeaksAllowed() { __lsan_enable(); }
 #else

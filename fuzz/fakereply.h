@@ -1,0 +1,40 @@
+#pragma once
+
+#include "input.h"
+
+#include <QNetworkReply>
+
+/// A reply that was never on a network.
+class FakeReply : public QNetworkReply
+{
+public:
+    using QNetworkReply::setRawHeader;
+
+    void setStatus(int status) { setAttribute(QNetworkRequest::HttpStatusCodeAttribute, status); }
+
+    /// Each line up to an empty one, "name: value", joined with what is there as Qt does it.
+    void readHeaders(Input *input)
+    {
+        while (!input->isAtEnd()) {
+            const QByteArray line = QByteArray::fromStdString(input->line());
+            if (line.isEmpty())
+                return;
+            const int colon = qMax(0, line.indexOf(':'));
+            joinHeader(line.left(colon).trimmed(), line.mid(colon + 1).trimmed());
+        }
+    }
+
+    void joinHeader(const QByteArray &name, const QByteArray &value)
+    {
+        QByteArray joined =
+            name.compare("location", Qt::CaseInsensitive) == 0 ? QByteArray() : rawHeader(name);
+        if (!joined.isEmpty())
+            joined += name.compare("set-cookie", Qt::CaseInsensitive) == 0 ? "\n" : ", ";
+        setRawHeader(name, joined + value);
+    }
+
+    void abort() override {}
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+};

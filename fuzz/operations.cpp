@@ -1,0 +1,149 @@
+// Requests for operations of the local service, and who may make them. The first line is the
+// method, the path without its prefix and the value of the query; the second the Authorization
+// header, in which # stands for a valid access token; the rest is the body. Everything is there
+// but for the engines, which are stopping.
+
+#include "localservice/operations.h"
+#include "input.h"
+#include "localservice/accountdatabase.h"
+#include "localservice/accounts.h"
+#include "localservice/catalogue.h"
+#include "localservice/console.h"
+#include "localservice/credentials.h"
+#include "localservice/envelope.h"
+#include "localservice/qrsignins.h"
+#include "localservice/recognizer.h"
+#include "localservice/refusal.h"
+#include "localservice/signinapi.h"
+#include "localservice/smscodes.h"
+#include "localservice/speechapi.h"
+#include "localservice/storage.h"
+#include "localservice/synthesizer.h"
+#include "localservice/tasks.h"
+#include "localservice/upgradefile.h"
+#include "temporaryfolder.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <sstream>
+
+using namespace localservice;
+using nlohmann::json;
+
+namespace {
+
+constexpr std::chrono::hours hour(1);
+const std::string origin = "https://localhost:8443";
+
+/// The service without its server.
+class Service
+{
+public:
+    Service()
+    {
+        (void)!std::freopen("/dev/null", "w", stdout); // codes go there
+    }
+
+    /// The token that stands for #, and that is accepted.
+    std::string token() const { return m_token; }
+
+    Operations operations{m_speech, m_signIn, m_catalogue, m_upgrade};
+
+    /// Forgets what limits how often something may be asked.
+    void forget()
+    {
+        m_database.transaction(
+            [](SQLite::Database &database) { return database.exec("DELETE FROM sms_code"); });
+    }
+
+private:
+    TemporaryFolder m_folder;
+    std::atomic<bool> m_stopping{true};
+    Storage m_storage{m_folder.path() / "storage"};
+    AccountDatabase m_database{m_folder.path() / "accounts.sqlite"};
+    UpgradeFile m_upgrade{m_folder.path() / "upgrade.json"};
+    Recognizer m_recognizer{LOCALSERVICE_MODEL_DIR, 1, m_stopping};
+    Synthesizer m_synthesizer{m_stopping};
+    Catalogue m_catalogue{m_synthesizer, origin};
+    Accounts m_accounts{m_database, {hour, hour}};
+    SmsCodes m_smsCodes{m_database, hour};
+    QrSignIns m_qrSignIns{hour};
+    Credentials m_credentials;
+    Tasks m_tasks{1, hour, m_stopping};
+    SpeechApi m_speech{{m_recognizer, m_synthesizer, m_storage, m_credentials, m_tasks, m_accounts},
+                       {origin, 8443, std::nullopt, hour, hour}};
+    SignInApi m_signIn{{m_accounts, m_smsCodes, m_qrSignIns, m_catalogue}, origin};
+    const std::string m_token =
+        std::to_string(m_accounts.issueAccessToken(m_accounts.local().id).number);
+};
+
+struct Outcome
+{
+    Code code = Code::Ok;
+    json data;
+};
+
+Outcome outcomeOf(const Service &service, const std::string &path, const httplib::Request &request,
+                  const std::string &body)
+{
+    try {
+        const auto data = service.operations.call(path, request, body);
+        return data ? Outcome{Code::Ok, *data} : Outcome{Code::NotFound, {}};
+    } catch (const Refusal &refusal) {
+        return {refusal.code(), {}};
+    }
+}
+
+std::string withToken(std::string text, const std::string &token)
+{
+    const std::size_t at = text.find('#');
+    return at == std::string::npos ? text : text.replace(at, 1, token);
+}
+
+bool needsToken(const std::string &method, const std::string &path)
+{
+    return method == "POST" && (path == "asr/process" || path == "asr/getProcessResult");
+}
+
+// What nobody can do who knows no secret of the service.
+void checkSecrets(const std::string &path, const Outcome &outcome)
+{
+    if (outcome.code != Code::Ok)
+        return;
+    if (path == "login/getMpStatus")
+        require(outcome.data.at("status") == 2, "an unknown code to scan is over");
+    require(path != "token/refresh", "an unknown token is not renewed");
+    require(path != "login/sms", "a code that was not sent signs nobody in");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static Service service;
+    service.forget();
+    Input input(data, size);
+    httplib::Request request;
+    std::istringstream words(input.line());
+    std::string path;
+    std::string query;
+    words >> request.method >> path >> query;
+    for (const char *name : {"business_code", "refresh_token"})
+        request.params.emplace(name, withToken(query, service.token()));
+    const std::string authorization = withToken(input.line(), service.token());
+    request.headers.emplace("Authorization", authorization);
+    const std::string body = input.rest();
+
+    for (const char *prefix : {"/convert", "/ucenter", "/app"}) {
+        const Outcome outcome =
+            outcomeOf(service, prefix + ("/public/index.php/v1/" + path), request, body);
+        const bool isTokenRight = authorization == "Bearer " + service.token();
+        if (prefix == std::string("/convert") && needsToken(request.method, path))
+            require((outcome.code == Code::Unauthorized) != isTokenRight,
+                    "just the right token is accepted");
+        checkSecrets(path, outcome);
+        (void)successEnvelope(outcome.data);
+    }
+    return 0;
+}

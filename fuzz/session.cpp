@@ -1,0 +1,49 @@
+// The file in which vospeak keeps its session.
+
+#include "examples/cli/session.h"
+#include "examples/cli/sessionfile.h"
+#include "input.h"
+#include "qthost.h"
+
+#include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
+
+namespace {
+
+bool isSame(const Session &one, const Session &other)
+{
+    return one.userId == other.userId && one.nickname == other.nickname && one.token == other.token
+           && one.refreshToken == other.refreshToken && one.tokenExpiry == other.tokenExpiry
+           && one.refreshExpiry == other.refreshExpiry;
+}
+
+std::string prepareFolder(const QtHost &host)
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
+    require(folder.startsWith(QString::fromStdString(host.folder().path().string())),
+            "the folder is the fuzzer's own");
+    QDir().mkpath(folder);
+    return QDir(QString::fromStdString(host.folder().path().string()))
+        .relativeFilePath(folder + QStringLiteral("/session.json"))
+        .toStdString();
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static const QtHost host;
+    static const std::string file = prepareFolder(host);
+    host.folder().write(file, Input(data, size).rest());
+    const Session session = SessionFile::load();
+    if (!session.isValid())
+        return 0;
+    const Session kept = Session::from(session.toJson()); // without what is less than a second
+    require(kept.isValid() && isSame(Session::from(kept.toJson()), kept),
+            "a session is read as it was written");
+    require(SessionFile::save(session) && isSame(SessionFile::load(), kept),
+            "a session that is kept is there again");
+    return 0;
+}
