@@ -25,6 +25,5 @@ public Q_SLOTS:
     void onAny(qint64, qint64 = 0) { ++calls; }
 
 Q_SIGNALS:
-    void passedOn();
     void passedOn(QByteArray);
 };

@@ -45,7 +45,8 @@ HttpRequestFields announced(const QUrl &address, FakeReply *reply)
     require(
         QMetaObject::invokeMethod(downloader, "onHead",
                                   QArgument<QMap<QString, QString>>("QMap<QString,QString>", map))
-            && QMetaObject::invokeMethod(downloader, "onReadyRead", Q_ARG(QNetworkReply *, reply)),
+            && QMetaObject::invokeMethod(downloader, "onReadyRead",
+                                         QArgument<QNetworkReply *>("QNetworkReply*", reply)),
         "the slots are there");
     return response->request().fields;
 }
