@@ -26,13 +26,15 @@ private:
     void suffer(const Fault &fault, const QByteArray &body);
     void endTheSilence();
 
-    QStringList m_early;      // what was answered in the silence
-    bool m_elsewhere = false; // others were served in the silence
+    QStringList m_early;         // what was answered in the silence
+    bool m_othersServed = false; // others were served in the silence
 };
 
 namespace {
 
 using Error = QNetworkReply;
+
+bool isSilence(const Fault &fault) { return qstrcmp(fault.name, "silence") == 0; }
 
 void addFaultRows()
 {
@@ -56,13 +58,13 @@ QString promised(const Operation &operation, const Fault &fault, const QByteArra
 void TestFaults::suffer(const Fault &fault, const QByteArray &body)
 {
     m_early.clear();
-    m_elsewhere = false;
+    m_othersServed = false;
     server.reset();
     server = fault.server(body);
     if (!server)
         return;
     QVERIFY(server->start(SERVICE_PORT));
-    if (qstrcmp(fault.name, "silence") == 0)
+    if (isSilence(fault))
         connect(server.get(), &ScriptedServer::requestReceived, this, &TestFaults::endTheSilence);
 }
 
@@ -77,7 +79,7 @@ void TestFaults::endTheSilence()
     other->answer(ScriptedServer::reply("served"));
     QNetworkReply *reply = manager->get(QNetworkRequest(QUrl(other->address("/"_s))));
     connect(reply, &QNetworkReply::finished, this, [=] {
-        m_elsewhere = reply->readAll() == "served";
+        m_othersServed = reply->readAll() == "served";
         m_early = answers->calls();
         server->answer({});
         server->hangUp();
@@ -142,6 +144,7 @@ void TestFaults::endsEveryOperationAsPromised()
     const QByteArray body = Operations::envelope(operation.data);
     suffer(it, body);
     QCOMPARE(outcomeOf(operation), QStringList{promised(operation, it, body)});
+    QCOMPARE(m_othersServed, isSilence(it));
     QCOMPARE(m_early, QStringList());
     if (!server)
         return;
@@ -165,6 +168,7 @@ void TestFaults::endsADownloadAsPromised()
     release();
     QCOMPARE(done, it.error == Error::NoError);
     QVERIFY(TestFolder::contents(path) == (done ? it.received(body) : QByteArray("<unreadable>")));
+    QCOMPARE(m_othersServed, isSilence(it));
     QCOMPARE(answers->calls(), QStringList());
 }
 
