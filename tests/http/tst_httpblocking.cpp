@@ -7,7 +7,6 @@
 
 #include <QElapsedTimer>
 #include <QSemaphore>
-#include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
@@ -330,9 +329,8 @@ private Q_SLOTS:
                 request = blocking(&client, address); // and no download
             }
         }));
-        QSignalSpy over(thread.get(), &QThread::finished);
         thread->start();
-        const bool ended = over.wait(60000);
+        const bool ended = QTest::qWaitFor([&] { return thread->isFinished(); }, 60000);
         thread->wait();
         QVERIFY(ended);
         QCOMPARE(log.outcomes(), 2);
@@ -399,10 +397,9 @@ private Q_SLOTS:
             log.bindOutcomes(request).send();
             log.add("returned"_s);
         }));
-        QSignalSpy over(thread.get(), &QThread::finished);
         thread->start();
         thread->quit();
-        const bool ended = over.wait(60000);
+        const bool ended = QTest::qWaitFor([&] { return thread->isFinished(); }, 60000);
         thread->wait();
         QVERIFY(ended);
         QCOMPARE(log.outcomes(), 1);
@@ -438,10 +435,9 @@ private Q_SLOTS:
             HttpRequest request = blocking(owner.get(), address);
             log.add(log.bindOutcomes(request).send() ? "a response"_s : "none"_s);
         }));
-        QSignalSpy over(thread.get(), &QThread::finished);
         thread->start();
         thread->quit();
-        const bool ended = over.wait(60000);
+        const bool ended = QTest::qWaitFor([&] { return thread->isFinished(); }, 60000);
         thread->wait();
         QVERIFY(ended);
         QCOMPARE(log.lines(), QStringList{"none"_s});
