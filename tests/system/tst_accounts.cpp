@@ -159,12 +159,14 @@ private Q_SLOTS:
     }
 
     // The lifetime of a token is less than what vospeak wants to be left of it.
-    void aTokenThatExpiresIsRenewedAndKept()
+    void aTokenThatExpiresSoonIsRenewedAndKept()
     {
-        QVERIFY(m_service->start({QStringLiteral("--token-lifetime"), QStringLiteral("1")}));
+        QVERIFY(m_service->start({QStringLiteral("--token-lifetime"), QStringLiteral("30")}));
         QCOMPARE(signInBySms().status, 0);
         const QJsonObject before = m_home->session();
-        QTRY_VERIFY_WITH_TIMEOUT(hasPassed(before, "tokenExpires"), 20000);
+        const QDateTime later =
+            QDateTime::currentDateTime().addSecs(2); // times are in whole seconds
+        QTRY_VERIFY(QDateTime::currentDateTime() >= later);
         QCOMPARE(run(say()).status, 0);
         const QJsonObject after = m_home->session();
         QVERIFY(after.value(QLatin1String("token")) != before.value(QLatin1String("token")));
