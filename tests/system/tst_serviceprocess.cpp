@@ -160,6 +160,31 @@ private Q_SLOTS:
         close(unread);
     }
 
+    // A terminal is ready for one more byte long after a line does not fit.
+    void itServesOnWhenATerminalIsNotRead()
+    {
+        const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+        const QTemporaryDir folder;
+        QProcess service;
+        service.setStandardErrorFile(QFile::decodeName(ptsname(terminal)));
+        service.start(LocalService::program(),
+                      {QStringLiteral("--port"), QString::number(servicePort()),
+                       QStringLiteral("--data"), folder.filePath(QStringLiteral("data"))});
+        QTRY_VERIFY_WITH_TIMEOUT(service.bytesAvailable() > 0, 60000);
+        ServiceClient client(folder.filePath(QStringLiteral("data/tls/authority.pem")));
+        for (int i = 0; i < 600; ++i)
+            QVERIFY(client
+                        .get(QStringLiteral(SERVICE_BASE_ADDRESS
+                                            "/convert/public/index.php/v1/upload/getsignsts"))
+                        .isSuccess());
+        service.terminate();
+        QVERIFY(service.waitForFinished(30000));
+        QCOMPARE(service.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.exitCode(), 0);
+        close(terminal);
+    }
+
     void itDoesWithoutStandardFiles()
     {
         const QTemporaryDir folder;
