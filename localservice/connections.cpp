@@ -40,6 +40,12 @@ int Connections::ofThisThread() { return socketOfThisThread; }
 
 void Connections::madeUse() { unused = 0; }
 
+bool Connections::isOver()
+{
+    pollfd connection{socketOfThisThread, 0, 0};
+    return ::poll(&connection, 1, 0) == 1 && (connection.revents & POLLHUP) != 0;
+}
+
 bool Connections::clientHasGone()
 {
     pollfd connection{socketOfThisThread, POLLRDHUP, 0};

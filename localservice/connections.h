@@ -44,6 +44,10 @@ public:
     /// Whether the client of that connection has ended it; false if there is none.
     static bool clientHasGone();
 
+    /// Whether that connection has ended in both directions: what it has brought before cannot be
+    /// answered any more.
+    static bool isOver();
+
     /// To be called when use was made of what this thread's connection has received. More than a
     /// quarter of a MiB of which none was made, such as a header without an end, ends it.
     static void madeUse();

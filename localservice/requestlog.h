@@ -18,6 +18,8 @@ struct RequestNotes
     /// Whether the connection has to end after the reply: what follows on it cannot be told from
     /// a body that has not been read.
     bool endsConnection = false;
+    /// Whether the connection had ended before, and this is what the library had buffered of it.
+    bool isLeftOver = false;
 };
 
 /// The notes on the request that this thread is working on: a thread serves one at a time.

@@ -121,7 +121,8 @@ bool isReading(const httplib::Request &request)
 // The last thing that is done about a request; its reply has been sent.
 void finish(const httplib::Request &request, const httplib::Response &response)
 {
-    logRequest(request, response);
+    if (!requestNotes().isLeftOver)
+        logRequest(request, response);
     if (requestNotes().endsConnection)
         ::shutdown(Connections::ofThisThread(), SHUT_RDWR);
     requestNotes() = RequestNotes();
@@ -283,6 +284,9 @@ void Server::setHandlers()
 {
     m_http.set_pre_routing_handler([this](const auto &request, auto &response) {
         begin(request);
+        requestNotes().isLeftOver = Connections::isOver();
+        if (requestNotes().isLeftOver)
+            return httplib::Server::HandlerResponse::Handled;
         if (request.target.size() > longestTarget) {
             requestNotes().endsConnection = true;
             setRefusal(response, static_cast<int>(Code::AddressTooLong), Code::AddressTooLong,
@@ -291,6 +295,10 @@ void Server::setHandlers()
         }
         if (mayHaveBody(request.method))
             return httplib::Server::HandlerResponse::Unhandled;
+        // A body that nobody reads would be taken for the next request.
+        requestNotes().endsConnection = request.has_header("Transfer-Encoding")
+                                        || (request.has_header("Content-Length")
+                                            && request.get_header_value("Content-Length") != "0");
         respond(request, response, {});
         return httplib::Server::HandlerResponse::Handled;
     });
