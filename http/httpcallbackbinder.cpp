@@ -1,6 +1,6 @@
 #include "http/httpcallbackbinder.h"
 
-#include "http/httpcallbacktypes.h"
+#include "http/httpcallbackfamilies.h"
 #include "http/httprequest.h"
 #include "http/httpresponse.h"
 
@@ -8,12 +8,9 @@
 #include <QHash>
 #include <QMetaMethod>
 
-#include <array>
 #include <vector>
 
 namespace {
-
-constexpr int kindCount = 21;
 
 /// A signal of HttpResponse that callbacks can be attached to.
 struct TargetSignal
@@ -26,82 +23,45 @@ struct TargetSignal
 
 using Family = std::vector<TargetSignal>;
 
-template <typename... Arguments>
-struct With
+template <auto Signal, typename Function>
+bool connectFunction(HttpResponse *response, const QVariant &target)
 {
-    using Function = std::function<void(Arguments...)>;
+    const auto function = target.value<Function>();
+    return function && QObject::connect(response, Signal, response, function, Qt::DirectConnection);
+}
 
-    template <void (HttpResponse::*Signal)(Arguments...)>
-    static bool connectFunction(HttpResponse *response, const QVariant &target)
-    {
-        const auto function = target.value<Function>();
-        return function
-               && QObject::connect(response, Signal, response, function, Qt::DirectConnection);
-    }
-
-    template <void (HttpResponse::*Signal)(Arguments...)>
-    static TargetSignal of()
-    {
-        const QMetaMethod method = QMetaMethod::fromSignal(Signal);
-        // The meta-object compiler spells qint64 as qlonglong; receivers spell it as they wrote it.
-        QByteArray signature = '2' + method.methodSignature();
-        signature.replace("qlonglong", "qint64");
-        return {method.methodIndex(), signature,
-                QString::fromLatin1(QMetaType::typeName(qMetaTypeId<Function>())),
-                &connectFunction<Signal>};
-    }
-};
-
-std::array<Family, kindCount> makeFamilies()
+template <CallbackKind Kind, typename Signature>
+TargetSignal targetSignal()
 {
-    using R = HttpResponse;
-    std::array<Family, kindCount> all;
-    const auto family = [&all](CallbackKind kind) -> Family & { return all.at(std::size_t(kind)); };
+    using Function = std::function<Signature>;
+    constexpr auto signal = HttpCallbackFamily<Kind>::template signal<HttpResponse, Signature>;
+    const QMetaMethod method = QMetaMethod::fromSignal(signal);
+    // The meta-object compiler spells qint64 as qlonglong; receivers spell it as they wrote it.
+    QByteArray signature = '2' + method.methodSignature();
+    signature.replace("qlonglong", "qint64");
+    return {method.methodIndex(), signature,
+            QString::fromLatin1(QMetaType::typeName(qMetaTypeId<Function>())),
+            &connectFunction<signal, Function>};
+}
 
-    family(CallbackKind::Finished) = {
-        With<>::of<&R::finished>(), With<QByteArray>::of<&R::finished>(),
-        With<QVariantMap>::of<&R::finished>(), With<QNetworkReply *>::of<&R::finished>(),
-        With<QString>::of<&R::finished>()};
-    family(CallbackKind::Error) = {With<>::of<&R::error>(), With<QByteArray>::of<&R::error>(),
-                                   With<QNetworkReply *>::of<&R::error>(),
-                                   With<QNetworkReply::NetworkError>::of<&R::error>()};
-    family(CallbackKind::DownloadProgress) = {With<qint64, qint64>::of<&R::downloadProgress>()};
-    family(CallbackKind::UploadProgress) = {With<qint64, qint64>::of<&R::uploadProgress>()};
-    family(CallbackKind::Timeout) = {With<QNetworkReply *>::of<&R::timeout>(),
-                                     With<>::of<&R::timeout>()};
-    family(CallbackKind::ReadyRead) = {With<QNetworkReply *>::of<&R::readyRead>()};
-    family(CallbackKind::DownloadFileFinished) = {With<>::of<&R::downloadFileFinished>(),
-                                                  With<QString>::of<&R::downloadFileFinished>()};
-    family(CallbackKind::DownloadFileError) = {With<>::of<&R::downloadFileError>(),
-                                               With<QString>::of<&R::downloadFileError>()};
-    family(CallbackKind::Encrypted) = {With<>::of<&R::encrypted>()};
-    family(CallbackKind::MetaDataChanged) = {With<>::of<&R::metaDataChanged>()};
-    family(CallbackKind::PreSharedKeyAuthenticationRequired) = {
-        With<QSslPreSharedKeyAuthenticator *>::of<&R::preSharedKeyAuthenticationRequired>()};
-    family(CallbackKind::RedirectAllowed) = {With<>::of<&R::redirectAllowed>()};
-    family(CallbackKind::Redirected) = {With<QUrl>::of<&R::redirected>()};
-    family(CallbackKind::SslErrors) = {With<QList<QSslError>>::of<&R::sslErrors>()};
-    family(CallbackKind::Retried) = {With<>::of<&R::retried>()};
-    family(CallbackKind::Repeated) = {With<>::of<&R::repeated>()};
-    family(CallbackKind::AuthenticationRequired) = {
-        With<QAuthenticator *>::of<&R::authenticationRequired>()};
-    family(CallbackKind::AuthenticationRequireFailed) = {
-        With<>::of<&R::authenticationRequireFailed>(),
-        With<QNetworkReply *>::of<&R::authenticationRequireFailed>()};
-    family(CallbackKind::Head) = {With<QList<QNetworkReply::RawHeaderPair>>::of<&R::head>(),
-                                  With<QMap<QString, QString>>::of<&R::head>()};
-    family(CallbackKind::DownloadFileProgress) = {
-        With<qint64, qint64>::of<&R::downloadFileProgress>()};
-    family(CallbackKind::DownloadFileNameChanged) = {
-        With<QString>::of<&R::downloadFileNameChanged>()};
-    return all;
+template <CallbackKind Kind, typename... Signatures>
+const Family &familyOf(HttpCallbackFormList<Signatures...>)
+{
+    static const Family family{targetSignal<Kind, Signatures>()...};
+    return family;
 }
 
 /// Null for a kind that does not exist.
 const Family *familyOf(int kind)
 {
-    static const std::array<Family, kindCount> families = makeFamilies();
-    return kind >= 0 && kind < kindCount ? &families[std::size_t(kind)] : nullptr;
+    switch (CallbackKind(kind)) {
+#define VOHTTP_FAMILY_CASE(KIND, ...)                                                              \
+    case CallbackKind::KIND:                                                                       \
+        return &familyOf<CallbackKind::KIND>(HttpCallbackFamily<CallbackKind::KIND>::Forms());
+        VOHTTP_CALLBACK_FAMILIES(VOHTTP_FAMILY_CASE)
+#undef VOHTTP_FAMILY_CASE
+    }
+    return nullptr;
 }
 
 /// The code that begins a string-connection member: method, slot and signal are 0, 1 and 2.

@@ -1,9 +1,11 @@
 #include "http/httpcallbacktypes.h"
 
+#include "http/httpcallbackfamilies.h"
+
 namespace {
 
 template <typename... Signatures>
-void registerFunctions()
+void registerFunctions(HttpCallbackFormList<Signatures...>)
 {
     (qMetaTypeId<std::function<Signatures>>(), ...);
 }
@@ -19,11 +21,10 @@ bool registerAll()
     qRegisterMetaType<QList<QSslError>>("QList<QSslError>");
     qRegisterMetaType<QList<QNetworkReply::RawHeaderPair>>("QList<QNetworkReply::RawHeaderPair>");
     qRegisterMetaType<QMap<QString, QString>>("QMap<QString,QString>");
-    registerFunctions<void(), void(QByteArray), void(QString), void(QVariantMap),
-                      void(QNetworkReply *), void(qint64, qint64),
-                      void(QNetworkReply::NetworkError), void(QSslPreSharedKeyAuthenticator *),
-                      void(QUrl), void(QList<QSslError>), void(QAuthenticator *),
-                      void(QList<QNetworkReply::RawHeaderPair>), void(QMap<QString, QString>)>();
+#define VOHTTP_REGISTER_FAMILY(KIND, ...)                                                          \
+    registerFunctions(HttpCallbackFamily<CallbackKind::KIND>::Forms());
+    VOHTTP_CALLBACK_FAMILIES(VOHTTP_REGISTER_FAMILY)
+#undef VOHTTP_REGISTER_FAMILY
     return true;
 }
 

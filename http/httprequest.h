@@ -162,10 +162,6 @@ public:
     template <typename... Target>
     HttpRequest &onFinished(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Finished, Target...>::value,
-                      "onFinished takes a callable or a receiver's member with the parameters "
-                      "(), (QByteArray), (QVariantMap), (QNetworkReply *) or (QString), or a "
-                      "receiver with a slot text");
         return bindTarget<CallbackKind::Finished>(std::forward<Target>(target)...);
     }
 
@@ -175,10 +171,6 @@ public:
     template <typename... Target>
     HttpRequest &onError(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Error, Target...>::value,
-                      "onError takes a callable or a receiver's member with the parameters "
-                      "(), (QByteArray), (QNetworkReply *) or (QNetworkReply::NetworkError), or a "
-                      "receiver with a slot text");
         return bindTarget<CallbackKind::Error>(std::forward<Target>(target)...);
     }
 
@@ -187,10 +179,6 @@ public:
     template <typename... Target>
     HttpRequest &onDownloadProgress(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::DownloadProgress, Target...>::value,
-            "onDownloadProgress takes a callable or a receiver's member with the parameters "
-            "(qint64, qint64), or a receiver with a slot text");
         return bindTarget<CallbackKind::DownloadProgress>(std::forward<Target>(target)...);
     }
 
@@ -198,10 +186,6 @@ public:
     template <typename... Target>
     HttpRequest &onUploadProgress(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::UploadProgress, Target...>::value,
-            "onUploadProgress takes a callable or a receiver's member with the parameters "
-            "(qint64, qint64), or a receiver with a slot text");
         return bindTarget<CallbackKind::UploadProgress>(std::forward<Target>(target)...);
     }
 
@@ -212,9 +196,6 @@ public:
     template <typename... Target>
     HttpRequest &onTimeout(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Timeout, Target...>::value,
-                      "onTimeout takes a callable or a receiver's member with the parameters "
-                      "(QNetworkReply *) or (), or a receiver with a slot text");
         return bindTarget<CallbackKind::Timeout>(std::forward<Target>(target)...);
     }
 
@@ -222,9 +203,6 @@ public:
     template <typename... Target>
     HttpRequest &onReadyRead(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::ReadyRead, Target...>::value,
-                      "onReadyRead takes a callable or a receiver's member with the parameters "
-                      "(QNetworkReply *), or a receiver with a slot text");
         return bindTarget<CallbackKind::ReadyRead>(std::forward<Target>(target)...);
     }
 
@@ -232,10 +210,6 @@ public:
     template <typename... Target>
     HttpRequest &onDownloadFileFinished(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::DownloadFileFinished, Target...>::value,
-            "onDownloadFileFinished takes a callable or a receiver's member with the parameters "
-            "() or (QString), or a receiver with a slot text");
         return bindTarget<CallbackKind::DownloadFileFinished>(std::forward<Target>(target)...);
     }
 
@@ -244,10 +218,6 @@ public:
     template <typename... Target>
     HttpRequest &onDownloadFileError(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::DownloadFileError, Target...>::value,
-            "onDownloadFileError takes a callable or a receiver's member with the parameters "
-            "() or (QString), or a receiver with a slot text");
         return bindTarget<CallbackKind::DownloadFileError>(std::forward<Target>(target)...);
     }
 
@@ -255,9 +225,6 @@ public:
     template <typename... Target>
     HttpRequest &onEncrypted(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Encrypted, Target...>::value,
-                      "onEncrypted takes a callable or a receiver's member with the parameters "
-                      "(), or a receiver with a slot text");
         return bindTarget<CallbackKind::Encrypted>(std::forward<Target>(target)...);
     }
 
@@ -265,10 +232,6 @@ public:
     template <typename... Target>
     HttpRequest &onMetaDataChanged(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::MetaDataChanged, Target...>::value,
-            "onMetaDataChanged takes a callable or a receiver's member with the parameters "
-            "(), or a receiver with a slot text");
         return bindTarget<CallbackKind::MetaDataChanged>(std::forward<Target>(target)...);
     }
 
@@ -277,11 +240,6 @@ public:
     template <typename... Target>
     HttpRequest &onPreSharedKeyAuthenticationRequired(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::PreSharedKeyAuthenticationRequired,
-                                              Target...>::value,
-                      "onPreSharedKeyAuthenticationRequired takes a callable or a receiver's "
-                      "member with the parameters "
-                      "(QSslPreSharedKeyAuthenticator *), or a receiver with a slot text");
         return bindTarget<CallbackKind::PreSharedKeyAuthenticationRequired>(
             std::forward<Target>(target)...);
     }
@@ -290,10 +248,6 @@ public:
     template <typename... Target>
     HttpRequest &onRedirectAllowed(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::RedirectAllowed, Target...>::value,
-            "onRedirectAllowed takes a callable or a receiver's member with the parameters "
-            "(), or a receiver with a slot text");
         return bindTarget<CallbackKind::RedirectAllowed>(std::forward<Target>(target)...);
     }
 
@@ -301,9 +255,6 @@ public:
     template <typename... Target>
     HttpRequest &onRedirected(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Redirected, Target...>::value,
-                      "onRedirected takes a callable or a receiver's member with the parameters "
-                      "(QUrl), or a receiver with a slot text");
         return bindTarget<CallbackKind::Redirected>(std::forward<Target>(target)...);
     }
 
@@ -311,9 +262,6 @@ public:
     template <typename... Target>
     HttpRequest &onSslErrors(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::SslErrors, Target...>::value,
-                      "onSslErrors takes a callable or a receiver's member with the parameters "
-                      "(QList<QSslError>), or a receiver with a slot text");
         return bindTarget<CallbackKind::SslErrors>(std::forward<Target>(target)...);
     }
 
@@ -321,9 +269,6 @@ public:
     template <typename... Target>
     HttpRequest &onRetried(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Retried, Target...>::value,
-                      "onRetried takes a callable or a receiver's member with the parameters "
-                      "(), or a receiver with a slot text");
         return bindTarget<CallbackKind::Retried>(std::forward<Target>(target)...);
     }
 
@@ -331,9 +276,6 @@ public:
     template <typename... Target>
     HttpRequest &onRepeated(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Repeated, Target...>::value,
-                      "onRepeated takes a callable or a receiver's member with the parameters "
-                      "(), or a receiver with a slot text");
         return bindTarget<CallbackKind::Repeated>(std::forward<Target>(target)...);
     }
 
@@ -342,10 +284,6 @@ public:
     template <typename... Target>
     HttpRequest &onAuthenticationRequired(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::AuthenticationRequired, Target...>::value,
-            "onAuthenticationRequired takes a callable or a receiver's member with the parameters "
-            "(QAuthenticator *), or a receiver with a slot text");
         return bindTarget<CallbackKind::AuthenticationRequired>(std::forward<Target>(target)...);
     }
 
@@ -354,11 +292,6 @@ public:
     template <typename... Target>
     HttpRequest &onAuthenticationRequireFailed(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::AuthenticationRequireFailed, Target...>::value,
-            "onAuthenticationRequireFailed takes a callable or a receiver's member with the "
-            "parameters "
-            "() or (QNetworkReply *), or a receiver with a slot text");
         return bindTarget<CallbackKind::AuthenticationRequireFailed>(
             std::forward<Target>(target)...);
     }
@@ -368,10 +301,6 @@ public:
     template <typename... Target>
     HttpRequest &onHead(Target &&...target)
     {
-        static_assert(HttpCallbackForms::Fits<CallbackKind::Head, Target...>::value,
-                      "onHead takes a callable or a receiver's member with the parameters "
-                      "(QList<QNetworkReply::RawHeaderPair>) or (QMap<QString, QString>), or a "
-                      "receiver with a slot text");
         return bindTarget<CallbackKind::Head>(std::forward<Target>(target)...);
     }
 
@@ -380,10 +309,6 @@ public:
     template <typename... Target>
     HttpRequest &onDownloadFileProgress(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::DownloadFileProgress, Target...>::value,
-            "onDownloadFileProgress takes a callable or a receiver's member with the parameters "
-            "(qint64, qint64), or a receiver with a slot text");
         return bindTarget<CallbackKind::DownloadFileProgress>(std::forward<Target>(target)...);
     }
 
@@ -391,10 +316,6 @@ public:
     template <typename... Target>
     HttpRequest &onDownloadFileNameChanged(Target &&...target)
     {
-        static_assert(
-            HttpCallbackForms::Fits<CallbackKind::DownloadFileNameChanged, Target...>::value,
-            "onDownloadFileNameChanged takes a callable or a receiver's member with the parameters "
-            "(QString), or a receiver with a slot text");
         return bindTarget<CallbackKind::DownloadFileNameChanged>(std::forward<Target>(target)...);
     }
 
@@ -416,7 +337,11 @@ private:
     template <CallbackKind Kind, typename... Target>
     HttpRequest &bindTarget(Target &&...target)
     {
-        if constexpr (HttpCallbackForms::Fits<Kind, Target...>::value) {
+        constexpr bool fits = HttpCallbackForms::Fits<Kind, Target...>::value;
+        static_assert(fits,
+                      "takes a callable or a receiver's member with the parameters of one of the "
+                      "forms named above the operation, or a receiver with a slot text");
+        if constexpr (fits) {
             const HttpCallbackForms::Entry entry =
                 HttpCallbackForms::entry(std::forward<Target>(target)...);
             bind(Kind, entry.key, entry.target);

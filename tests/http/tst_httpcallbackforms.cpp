@@ -3,6 +3,8 @@
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <memory>
@@ -80,6 +82,29 @@ class TestHttpCallbackForms : public QObject
                  int(QMetaType::QObjectStar));
     }
 
+    /// The forms of a family, as the handbook writes them.
+    template <typename... Signatures>
+    static QStringList formsOf(HttpCallbackFormList<Signatures...>)
+    {
+        QStringList forms;
+        for (const char *name : {QMetaType::typeName(qMetaTypeId<std::function<Signatures>>())...})
+            forms.append(QString::fromLatin1(name)
+                             .section(QLatin1Char(' '), 1)
+                             .chopped(1)
+                             .replace("(void)"_s, "()"_s)
+                             .replace("*"_s, " *"_s));
+        return forms;
+    }
+
+    /// The second column of the line whose first one has @p operation.
+    static QStringList formsListed(const QString &page, const char *operation)
+    {
+        const QRegularExpression line(
+            "^\\| [^|]*`%1`[^|]* \\| `([^|]+)` \\|"_s.arg(QLatin1String(operation)),
+            QRegularExpression::MultilineOption);
+        return line.match(page).captured(1).split("`, `"_s);
+    }
+
 private Q_SLOTS:
     void init() { m_receiver.calls.clear(); }
 
@@ -91,6 +116,23 @@ private Q_SLOTS:
 #define CHECK(KIND, MEMBER, ARGUMENTS, FUNCTION)                                                   \
     check(CallbackKind::KIND, CONVENIENCE(on##KIND), &Receiver::MEMBER, "1" #MEMBER ARGUMENTS,     \
           "std::function<void " FUNCTION ">")
+
+    void everyFamilyHasAConvenienceAndALineInTheHandbook()
+    {
+        QFile page(QStringLiteral(HANDBOOK_PAGE));
+        QVERIFY(page.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(page.readAll());
+#define CHECK_FAMILY(KIND, ...)                                                                    \
+    {                                                                                              \
+        HttpRequest request(HttpMethod::Get, nullptr);                                             \
+        request.on##KIND(&m_receiver, "1none()");                                                  \
+        QCOMPARE(request.fields.callbacks.keys(), QList<int>{int(CallbackKind::KIND)});            \
+        QCOMPARE(formsListed(text, "on" #KIND),                                                    \
+                 formsOf(HttpCallbackFamily<CallbackKind::KIND>::Forms()));                        \
+    }
+        VOHTTP_CALLBACK_FAMILIES(CHECK_FAMILY)
+#undef CHECK_FAMILY
+    }
 
     void onFinishedTakesItsFiveForms()
     {

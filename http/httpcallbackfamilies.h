@@ -1,0 +1,62 @@
+#pragma once
+
+#include "http/httpcallbacktypes.h"
+#include "http/httptypes.h"
+
+#include <type_traits>
+
+// The callback families: the kind, the signal of HttpResponse, and the forms in which it is there,
+// in the order in which a response tries them. All that depends on families is made from this
+// table.
+// clang-format off
+#define VOHTTP_CALLBACK_FAMILIES(FAMILY)                                                           \
+    FAMILY(Finished, finished, void(), void(QByteArray), void(QVariantMap), void(QNetworkReply *), \
+           void(QString))                                                                          \
+    FAMILY(Error, error, void(), void(QByteArray), void(QNetworkReply *),                          \
+           void(QNetworkReply::NetworkError))                                                      \
+    FAMILY(DownloadProgress, downloadProgress, void(qint64, qint64))                               \
+    FAMILY(UploadProgress, uploadProgress, void(qint64, qint64))                                   \
+    FAMILY(Timeout, timeout, void(QNetworkReply *), void())                                        \
+    FAMILY(ReadyRead, readyRead, void(QNetworkReply *))                                            \
+    FAMILY(DownloadFileFinished, downloadFileFinished, void(), void(QString))                      \
+    FAMILY(DownloadFileError, downloadFileError, void(), void(QString))                            \
+    FAMILY(Encrypted, encrypted, void())                                                           \
+    FAMILY(MetaDataChanged, metaDataChanged, void())                                               \
+    FAMILY(PreSharedKeyAuthenticationRequired, preSharedKeyAuthenticationRequired,                 \
+           void(QSslPreSharedKeyAuthenticator *))                                                  \
+    FAMILY(RedirectAllowed, redirectAllowed, void())                                               \
+    FAMILY(Redirected, redirected, void(QUrl))                                                     \
+    FAMILY(SslErrors, sslErrors, void(QList<QSslError>))                                           \
+    FAMILY(Retried, retried, void())                                                               \
+    FAMILY(Repeated, repeated, void())                                                             \
+    FAMILY(AuthenticationRequired, authenticationRequired, void(QAuthenticator *))                 \
+    FAMILY(AuthenticationRequireFailed, authenticationRequireFailed, void(),                       \
+           void(QNetworkReply *))                                                                  \
+    FAMILY(Head, head, void(QList<QNetworkReply::RawHeaderPair>), void(QMap<QString, QString>))    \
+    FAMILY(DownloadFileProgress, downloadFileProgress, void(qint64, qint64))                       \
+    FAMILY(DownloadFileNameChanged, downloadFileNameChanged, void(QString))
+// clang-format on
+
+/// The forms of one family, each as the type of a function with the signal's arguments.
+template <typename... Signatures>
+struct HttpCallbackFormList
+{
+    template <typename Signature>
+    static constexpr bool has = (std::is_same_v<Signature, Signatures> || ...);
+};
+
+/// The callback family of @p Kind: its forms, and the signal that each attaches to.
+template <CallbackKind Kind>
+struct HttpCallbackFamily;
+
+#define VOHTTP_CALLBACK_FAMILY(KIND, NAME, ...)                                                    \
+    template <>                                                                                    \
+    struct HttpCallbackFamily<CallbackKind::KIND>                                                  \
+    {                                                                                              \
+        using Forms = HttpCallbackFormList<__VA_ARGS__>;                                           \
+                                                                                                   \
+        template <typename Response, typename Signature>                                           \
+        static constexpr Signature Response::*signal = &Response::NAME;                            \
+    };
+VOHTTP_CALLBACK_FAMILIES(VOHTTP_CALLBACK_FAMILY)
+#undef VOHTTP_CALLBACK_FAMILY
