@@ -19,6 +19,8 @@ constexpr qint64 downloadBufferSize = 65536;
 // Nobody reads what the probe brings.
 constexpr qint64 probeBufferSize = 4096;
 constexpr char rangeHeader[] = "Range";
+// The Range header that the caller set, while one of the toolkit's is in its place.
+constexpr auto callersRange = QNetworkRequest::UserMax;
 
 // An access manager works on its own thread only, so each thread that downloads has one.
 HttpClient *probeClient()
@@ -67,9 +69,11 @@ HttpRequest HttpDownloader::withoutFindings(const HttpRequest &request)
 {
     HttpRequest fresh(request);
     fresh.fields.reply = nullptr;
-    if (fresh.m_callersRange)
-        fresh.fields.networkRequest.setRawHeader(rangeHeader, *fresh.m_callersRange);
-    fresh.m_callersRange.reset();
+    QNetworkRequest &sent = fresh.fields.networkRequest;
+    if (const QVariant range = sent.attribute(callersRange); range.isValid()) {
+        sent.setRawHeader(rangeHeader, range.toByteArray()); // null: there was none
+        sent.setAttribute(callersRange, QVariant());
+    }
     fresh.fields.supportsResume = false;
     fresh.fields.downloadedBytes = 0;
     fresh.fields.totalBytes = 0;
@@ -174,7 +178,7 @@ void HttpDownloader::planResume(HttpResponse *unheard)
 void HttpDownloader::setRange(const QByteArray &range)
 {
     QNetworkRequest &request = m_request.fields.networkRequest;
-    m_request.m_callersRange = request.rawHeader(rangeHeader);
+    request.setAttribute(callersRange, request.rawHeader(rangeHeader));
     request.setRawHeader(rangeHeader, range);
 }
 

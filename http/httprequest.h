@@ -13,8 +13,6 @@
 #include <QString>
 #include <QVariant>
 
-#include <optional>
-
 class HttpClient;
 class HttpResponse;
 class QHttpMultiPart;
@@ -332,8 +330,6 @@ public:
     HttpRequestFields fields; ///< What the builder operations fill in.
 
 private:
-    friend class HttpDownloader;
-
     template <CallbackKind Kind, typename... Target>
     HttpRequest &bindTarget(Target &&...target)
     {
@@ -350,7 +346,4 @@ private:
     }
 
     void setBody(BodyType type, const QVariant &body);
-
-    /// The Range header that the caller set, while one of the toolkit's is in its place.
-    std::optional<QByteArray> m_callersRange;
 };
