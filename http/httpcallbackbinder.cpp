@@ -7,6 +7,7 @@
 #include <QDebug>
 #include <QHash>
 #include <QMetaMethod>
+#include <QPointer>
 
 #include <vector>
 
@@ -159,6 +160,12 @@ int attachEntry(HttpResponse *response, int kind, const QString &key, const QVar
                             : attachFunction(response, *family, key, target);
 }
 
+/// Whether @p target is a receiver that was watched and is gone.
+bool isGone(const QVariant &target)
+{
+    return target.userType() == qMetaTypeId<QPointer<QObject>>() && !target.value<QObject *>();
+}
+
 void warnOfEntry(int kind, const QString &key)
 {
     if (!familyOf(kind))
@@ -174,8 +181,19 @@ void HttpCallbackBinder::attach(HttpResponse *response, const HttpRequestFields 
     const auto &callbacks = request.callbacks;
     for (auto it = callbacks.cbegin(); it != callbacks.cend(); ++it) {
         for (const auto &[key, target] : it.value()) {
-            if (attachEntry(response, it.key(), key, target) == 0 && request.logLevel >= 3)
+            if (attachEntry(response, it.key(), key, target) == 0 && request.logLevel >= 3
+                && !isGone(target))
                 warnOfEntry(it.key(), key);
+        }
+    }
+}
+
+void HttpCallbackBinder::watchReceivers(HttpRequestFields &request)
+{
+    for (HttpRequestFields::Callbacks &callbacks : request.callbacks) {
+        for (auto &[key, target] : callbacks) {
+            if (auto *receiver = target.value<QObject *>())
+                target = QVariant::fromValue(QPointer<QObject>(receiver));
         }
     }
 }

@@ -41,10 +41,10 @@ QString nameFromAddress(const QUrl &address)
 
 HttpResponse *HttpDownloader::start(const HttpRequest &request)
 {
-    const HttpRequest fresh = withoutFindings(request);
     // Before the probe: when the request blocks, all is over when sendProbe() returns.
-    const QPointer<HttpResponse> response(new HttpResponse(fresh, nullptr)); // the caller's
-    const QPointer<HttpDownloader> downloader(new HttpDownloader(fresh, response));
+    const QPointer<HttpResponse> response(
+        new HttpResponse(withoutFindings(request), nullptr));                // the caller's
+    const QPointer<HttpDownloader> downloader(new HttpDownloader(response)); // the response's
     downloader->sendProbe();
     if (downloader) { // the caller is about to have the response
         downloader->m_starting = false;
@@ -53,15 +53,16 @@ HttpResponse *HttpDownloader::start(const HttpRequest &request)
     return response;
 }
 
-HttpDownloader::HttpDownloader(const HttpRequest &request, HttpResponse *response)
+HttpDownloader::HttpDownloader(HttpResponse *response)
     : QObject(response)
-    , m_request(request)
-    , m_fileName(nameFromAddress(request.fields.networkRequest.url()))
+    , m_request(response->request())
+    , m_fileName(nameFromAddress(m_request.fields.networkRequest.url()))
     , m_response(response)
 {
     // As with any other request: the client's end is its end, and no answer follows.
-    if (request.fields.client)
-        connect(request.fields.client, &QObject::destroyed, this, [response] { delete response; });
+    if (m_request.fields.client)
+        connect(m_request.fields.client, &QObject::destroyed, this,
+                [response] { delete response; });
 }
 
 // What an earlier attempt of the same download found out does not hold for this one.
@@ -200,7 +201,6 @@ void HttpDownloader::announceComplete(HttpResponse *response)
 void HttpDownloader::onResponse(QNetworkReply::NetworkError code)
 {
     Q_UNUSED(code)
-    m_request.fields.callbacks = m_response->livingCallbacks();
     if (m_request.fields.client) // its replies go with it from here on
         disconnect(m_request.fields.client, nullptr, this, nullptr);
     const QPointer<HttpDownloader> self(this);

@@ -38,7 +38,7 @@ private Q_SLOTS:
     void onReadyRead(QNetworkReply *reply);
 
 private:
-    HttpDownloader(const HttpRequest &request, HttpResponse *response);
+    explicit HttpDownloader(HttpResponse *response);
 
     void sendProbe();
     void readHeader(const QString &name, const QString &value);

@@ -13,6 +13,7 @@
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
 
+#include <optional>
 #include <vector>
 
 namespace {
@@ -162,7 +163,9 @@ void HttpResponse::serveRequest()
     QNetworkReply *reply = m_request.fields.reply;
     m_reply = reply;
     m_headers = ReplyHeaders();
-    rememberReceivers();
+    if (m_request.fields.retryCount > 0 || m_request.fields.repeatCount > 1
+        || m_request.fields.isDownload) // it may go out again
+        HttpCallbackBinder::watchReceivers(m_request.fields);
     if (!reply)
         return;
     for (const Wire &wire : replyWires())
@@ -300,7 +303,7 @@ void HttpResponse::onError(QNetworkReply::NetworkError code)
     if (m_retriesLeft >= 1) {
         --m_retriesLeft;
         const QPointer<HttpResponse> self(this);
-        HttpRequest retry = nextPerformance();
+        HttpRequest retry(m_request);
         retry.fields.retryCount = m_retriesLeft;
         retry.fields.isRetry = true;
         retry.send(); // returns after the retry, if the request blocks
@@ -329,49 +332,8 @@ bool HttpResponse::repeatOrEnd()
         return deliver<&HttpResponse::repeated>();
     --m_request.fields.repeatCount;
     const QPointer<HttpResponse> self(this);
-    nextPerformance().send();
+    m_request.send();
     return !self.isNull();
-}
-
-// The table holds receivers as plain pointers. By the time the request goes out again some may be
-// gone, so those of a request that may are watched.
-void HttpResponse::rememberReceivers()
-{
-    m_receivers.clear();
-    const HttpRequestFields &fields = m_request.fields;
-    if (fields.retryCount < 1 && fields.repeatCount < 2 && !fields.isDownload)
-        return;
-    for (const HttpRequestFields::Callbacks &callbacks : qAsConst(m_request.fields.callbacks)) {
-        for (const auto &[key, target] : callbacks) {
-            auto *receiver = target.value<QObject *>();
-            m_receivers.push_back(receiver ? std::make_optional(QPointer<QObject>(receiver))
-                                           : std::nullopt);
-        }
-    }
-}
-
-HttpRequest HttpResponse::nextPerformance() const
-{
-    HttpRequest next(m_request);
-    next.fields.callbacks = livingCallbacks();
-    return next;
-}
-
-QMap<int, HttpRequestFields::Callbacks> HttpResponse::livingCallbacks() const
-{
-    QMap<int, HttpRequestFields::Callbacks> table = m_request.fields.callbacks;
-    auto receiver = m_receivers.cbegin();
-    for (HttpRequestFields::Callbacks &callbacks : table) {
-        HttpRequestFields::Callbacks living;
-        for (const auto &callback : qAsConst(callbacks)) {
-            const bool gone = receiver->has_value() && receiver->value().isNull();
-            if (!gone)
-                living.append(callback);
-            ++receiver;
-        }
-        callbacks = living;
-    }
-    return table;
 }
 
 void HttpResponse::onHandleHead()

@@ -10,8 +10,6 @@
 #include <QUrl>
 
 #include <memory>
-#include <optional>
-#include <vector>
 
 // The overloads of finished, error, timeout and head are this class's interface: a callback picks
 // the form it wants by its own arguments. clazy:excludeall=overloaded-signal
@@ -49,15 +47,12 @@ public:
     /// response has been deleted meanwhile.
     bool waitIfAsked();
 
-    /// The copy of the request that was sent.
+    /// The copy of the request that was sent. One that may go out again has its receivers as
+    /// QPointer<QObject>, which reads as a QObject pointer and as null once the receiver is gone.
     const HttpRequest &request() const;
 
     /// Whether one of the signals is being emitted.
     bool isDelivering() const;
-
-    /// The request's callbacks without those whose receivers are gone. For a request that may go
-    /// out later or once more.
-    QMap<int, HttpRequestFields::Callbacks> livingCallbacks() const;
 
 Q_SIGNALS:
     /// Another reply is served than before.
@@ -158,8 +153,6 @@ private:
     qint64 announcedLength() const;
     bool writeTheRest();
     bool writeToFile(const QByteArray &data);
-    void rememberReceivers();
-    HttpRequest nextPerformance() const;
     bool deliverBody(QNetworkReply *reply);
     bool deliverRetried();
     bool deliverFileFinished();
@@ -178,7 +171,4 @@ private:
     bool m_headHandled = false;
     bool m_outcomeReported = false;
     int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
-    /// For each callback, in the table's order: the receiver, if it has one. Kept only for requests
-    /// that may go out again.
-    std::vector<std::optional<QPointer<QObject>>> m_receivers;
 };

@@ -281,6 +281,36 @@ private Q_SLOTS:
         second->~Receiver();
     }
 
+    void aWatchedReceiverReadsAsAnObjectAndAsNullOnceItIsGone()
+    {
+        ControlledClient client;
+        CallbackLog log;
+        auto receiver = std::make_unique<Receiver>(&log);
+        const HttpResponse *response = HttpRequest(HttpMethod::Get, &client)
+                                           .repeat(2)
+                                           .onRepeated(receiver.get(), SLOT(done()))
+                                           .send();
+        const QVariant target = response->request().fields.callbacks.first().first().second;
+        QCOMPARE(target.value<QObject *>(), receiver.get());
+        receiver.reset();
+        QCOMPARE(target.value<QObject *>(), nullptr);
+    }
+
+    void aWatchedReceiverWithoutTheSlotIsReportedEachTime()
+    {
+        LogCapture messages;
+        ControlledClient client;
+        CallbackLog log;
+        Receiver receiver(&log);
+        HttpRequest(HttpMethod::Get, &client)
+            .repeat(2)
+            .bind(CallbackKind::Repeated, "1missing()"_s, QVariant::fromValue<QObject *>(&receiver))
+            .send();
+        client.replies.at(0)->succeed();
+        const QString warning = "15 method[missing()] is invalid"_s;
+        QCOMPARE(messages.texts(QtWarningMsg), (QStringList{warning, warning}));
+    }
+
     void theSameReceiverUnderTwoKindsIsLeftOutOfBoth()
     {
         ControlledClient client;
