@@ -1,5 +1,6 @@
 #include "http/httpblocker.h"
 
+#include "http/httpresponse.h"
 #include "http/replykeeper.h"
 
 #include <QNetworkReply>
@@ -21,6 +22,15 @@ void HttpBlocker::waitFor(QNetworkReply *reply)
     const QPointer<HttpBlocker> blocker(new HttpBlocker(reply)); // the reply's child
     blocker->wait();
     delete blocker;
+}
+
+bool HttpBlocker::waitIfAsked(HttpResponse *response)
+{
+    const QPointer<HttpResponse> living(response);
+    const HttpRequestFields &fields = response->request().fields;
+    if (fields.block && fields.reply)
+        waitFor(fields.reply);
+    return !living.isNull();
 }
 
 // Once a thread has been told to quit, exec() returns at once for as long as its own loop has not:

@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 
+class HttpResponse;
 class QNetworkReply;
 
 /// Waits for a reply in a nested event loop. A child of the reply.
@@ -18,6 +19,10 @@ public:
     /// until then, even if somebody has it deleted later meanwhile. It has a child of this class
     /// for as long as somebody waits for it.
     static void waitFor(QNetworkReply *reply);
+
+    /// Waits for the reply of @p response, if it has one and its request asks for that. False when
+    /// the response was deleted meanwhile.
+    static bool waitIfAsked(HttpResponse *response);
 
 private:
     explicit HttpBlocker(QNetworkReply *reply);

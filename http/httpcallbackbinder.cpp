@@ -181,8 +181,8 @@ void HttpCallbackBinder::attach(HttpResponse *response, const HttpRequestFields 
     const auto &callbacks = request.callbacks;
     for (auto it = callbacks.cbegin(); it != callbacks.cend(); ++it) {
         for (const auto &[key, target] : it.value()) {
-            if (attachEntry(response, it.key(), key, target) == 0 && request.logLevel >= 3
-                && !isGone(target))
+            if (attachEntry(response, it.key(), key, target) == 0
+                && request.logLevel >= HttpLogLevel::BadBindings && !isGone(target))
                 warnOfEntry(it.key(), key);
         }
     }

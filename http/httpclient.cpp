@@ -2,6 +2,7 @@
 
 #include "http/httpblocker.h"
 #include "http/httpresponse.h"
+#include "http/replykeeper.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -13,12 +14,6 @@ template <typename Child>
 Child *childOf(const QNetworkReply *reply)
 {
     return reply->findChild<Child *>(QString(), Qt::FindDirectChildrenOnly);
-}
-
-bool isInUse(const QNetworkReply *reply)
-{
-    const auto *response = childOf<HttpResponse>(reply);
-    return (response && response->isDelivering()) || childOf<HttpBlocker>(reply);
 }
 
 // Aborted, until the receivers have returned; silent for good, since the access manager that
@@ -44,7 +39,7 @@ HttpClient::~HttpClient()
 {
     const auto replies = findChildren<QNetworkReply *>(QString(), Qt::FindDirectChildrenOnly);
     for (QNetworkReply *reply : replies) {
-        if (isInUse(reply))
+        if (ReplyKeeper::isInUse(reply))
             outlive(reply);
     }
 }

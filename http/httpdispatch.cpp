@@ -1,5 +1,6 @@
 #include "http/httpdispatch.h"
 
+#include "http/httpblocker.h"
 #include "http/httpclient.h"
 #include "http/httpdump.h"
 #include "http/httprequest.h"
@@ -114,17 +115,9 @@ QNetworkReply *sendBody(HttpRequestFields &fields, const QByteArray &verb)
     return sendBytes(fields, verb);
 }
 
-void applyReplyOptions(const HttpRequestFields &fields)
-{
-    if (!fields.ignoredSslErrors.isEmpty())
-        fields.reply->ignoreSslErrors(fields.ignoredSslErrors);
-    if (fields.readBufferSize >= 0)
-        fields.reply->setReadBufferSize(fields.readBufferSize);
-}
-
 void complain(const HttpRequestFields &fields, const QString &message)
 {
-    if (fields.logLevel >= 2)
+    if (fields.logLevel >= HttpLogLevel::Critical)
         qCritical().noquote() << message;
 }
 
@@ -148,13 +141,14 @@ HttpResponse *HttpDispatch::dispatch(const HttpRequest &request, HttpResponse *r
         return nullptr;
     }
     fields.reply = reply;
-    applyReplyOptions(fields);
-    if (fields.logLevel >= 4)
+    if (!fields.ignoredSslErrors.isEmpty())
+        reply->ignoreSslErrors(fields.ignoredSslErrors);
+    if (fields.logLevel >= HttpLogLevel::Dumps)
         qDebug().noquote() << HttpDump::request(fields);
 
     if (!response) {
         response = new HttpResponse(std::move(sent), reply); // the reply's child
-        return response->waitIfAsked() ? response : nullptr;
+        return HttpBlocker::waitIfAsked(response) ? response : nullptr;
     }
     const QPointer<HttpResponse> living(response);
     response->setParent(reply);

@@ -14,10 +14,7 @@
 namespace {
 
 constexpr int probeTimeoutMs = 30000;
-// Without a bound Qt receives as fast as it can and keeps what is not written yet in memory.
-constexpr qint64 downloadBufferSize = 65536;
-// Nobody reads what the probe brings.
-constexpr qint64 probeBufferSize = 4096;
+constexpr qint64 probeBufferSize = 4096; // bytes; nobody reads what the probe brings
 constexpr char rangeHeader[] = "Range";
 // The Range header that the caller set, while one of the toolkit's is in its place.
 constexpr auto callersRange = QNetworkRequest::UserMax;
@@ -78,8 +75,6 @@ HttpRequest HttpDownloader::withoutFindings(const HttpRequest &request)
     fresh.fields.supportsResume = false;
     fresh.fields.downloadedBytes = 0;
     fresh.fields.totalBytes = 0;
-    if (fresh.fields.readBufferSize < 0)
-        fresh.fields.readBufferSize = downloadBufferSize;
     return fresh;
 }
 
@@ -132,8 +127,8 @@ void HttpDownloader::readHeader(const QString &name, const QString &value)
         if (match.hasMatch())
             m_fileName = match.captured(1);
     }
-    if (isAbout("Content-Length"))
-        m_contentLength = value.toLongLong();
+    if (isAbout("Content-Length")) // Qt may have joined it with those of redirecting answers
+        m_contentLength = value.section(QLatin1Char(','), -1).trimmed().toLongLong();
     if (isAbout("Content-Range") || isAbout("Accept-Ranges"))
         m_rangesSupported = true; // whatever it says
 }

@@ -50,7 +50,7 @@ struct HttpRequestFields
     QMap<int, Callbacks> callbacks;    ///< By CallbackKind.
     QVariantMap extraMap1;             ///< The caller's; copied with the request, never read.
     QVariantMap extraMap2;             ///< The caller's; copied with the request, never read.
-    qint32 logLevel = 3; ///< 2: critical, 3: bad bindings, 4: dumps, 5: network errors.
+    qint32 logLevel = HttpLogLevel::BadBindings; ///< What is logged.
 };
 
 /// Describes one HTTP request; send() performs it. A value: copies are independent of each other,
@@ -145,8 +145,7 @@ public:
     /// Whether a download continues a partial file, if the server serves ranges.
     HttpRequest &enableResume(bool enable);
 
-    /// What is logged: 2 and above critical messages, 3 bad callback bindings, 4 request and
-    /// response dumps, 5 network errors. Dumps hold the headers and bodies, credentials included.
+    /// What is logged: what HttpLogLevel names with @p level and below.
     HttpRequest &logLevel(int level);
 
     /// Appends a callback: a slot text ("1name(arguments)", as SLOT() makes it) with its receiver

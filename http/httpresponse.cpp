@@ -1,5 +1,6 @@
 #include "http/httpresponse.h"
 
+#include "http/downloadfile.h"
 #include "http/httpblocker.h"
 #include "http/httpcallbackbinder.h"
 #include "http/httpdump.h"
@@ -13,7 +14,6 @@
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
 
-#include <optional>
 #include <vector>
 
 namespace {
@@ -47,6 +47,9 @@ constexpr auto replyError = &QNetworkReply::errorOccurred;
 #else
 constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error);
 #endif
+
+// Bytes. Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
+constexpr qint64 downloadBufferSize = 65536;
 
 /// A signal of the reply and the slot that answers it, by their places in the meta-objects.
 struct Wire
@@ -126,54 +129,43 @@ HttpResponse::HttpResponse(HttpRequest request, QObject *parent)
 HttpResponse::~HttpResponse()
 {
     // Null when it is the reply's own end that leads here.
-    QNetworkReply *reply = m_reply;
-    if (!reply)
+    if (!m_reply || m_isTaken)
         return;
-    disconnect(reply, nullptr, this, nullptr);
-    reply->abort();
-    reply->deleteLater();
+    disconnect(m_reply, nullptr, this, nullptr);
+    m_reply->abort();
+    m_reply->deleteLater();
 }
 
 const HttpRequest &HttpResponse::request() const { return m_request; }
-
-bool HttpResponse::isDelivering() const { return m_deliveries > 0; }
 
 void HttpResponse::setRequest(const HttpRequest &request)
 {
     const bool changed = m_request.fields.reply != request.fields.reply;
     m_request = request; // callbacks that run during the wait see what was sent
     serveRequest();
-    if (waitIfAsked() && changed)
+    if (HttpBlocker::waitIfAsked(this) && changed)
         deliver<&HttpResponse::replyChanged>(m_request.fields.reply);
-}
-
-bool HttpResponse::waitIfAsked()
-{
-    if (!m_request.fields.block || !m_request.fields.reply)
-        return true;
-    const QPointer<HttpResponse> self(this);
-    HttpBlocker::waitFor(m_request.fields.reply);
-    return !self.isNull();
 }
 
 void HttpResponse::serveRequest()
 {
-    if (m_request.fields.timeoutMs > 0)
-        new HttpResponseTimeout(m_request.fields.timeoutMs, this); // this response's child
-    QNetworkReply *reply = m_request.fields.reply;
-    m_reply = reply;
-    m_headers = ReplyHeaders();
-    if (m_request.fields.retryCount > 0 || m_request.fields.repeatCount > 1
-        || m_request.fields.isDownload) // it may go out again
-        HttpCallbackBinder::watchReceivers(m_request.fields);
-    if (!reply)
+    HttpRequestFields &fields = m_request.fields;
+    if (fields.timeoutMs > 0)
+        new HttpResponseTimeout(fields.timeoutMs, this); // this response's child
+    if (fields.retryCount > 0 || fields.repeatCount > 1 || fields.isDownload)
+        HttpCallbackBinder::watchReceivers(fields); // it may go out again
+    m_reply = fields.reply;
+    m_isTaken = false;
+    if (!m_reply)
         return;
+    if (fields.isDownload)
+        m_file = std::make_unique<DownloadFile>();
     for (const Wire &wire : replyWires())
-        QMetaObject::connect(reply, wire.signal, this, wire.slot);
-    connect(reply->manager(), &QNetworkAccessManager::authenticationRequired, this,
+        QMetaObject::connect(m_reply, wire.signal, this, wire.slot);
+    connect(m_reply->manager(), &QNetworkAccessManager::authenticationRequired, this,
             &HttpResponse::onAuthenticationRequired);
-    boundReadBuffer(m_request.fields.readBufferSize);
-    HttpCallbackBinder::attach(this, m_request.fields);
+    boundReadBuffer();
+    HttpCallbackBinder::attach(this, fields);
 }
 
 template <auto Signal>
@@ -193,93 +185,99 @@ bool HttpResponse::deliver(Values &&...values)
     const QPointer<HttpResponse> self(this);
     // Qt goes on using the reply when its signal has been emitted. Somebody may have it deleted
     // later in an event loop that a receiver runs: who has taken it, the client, another receiver.
-    std::optional<ReplyKeeper> keeper;
-    if (m_deliveries++ == 0 && m_request.fields.reply)
-        keeper.emplace(m_request.fields.reply);
+    const ReplyKeeper keeper(m_reply);
     Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
-    if (!self)
-        return false;
-    --m_deliveries;
-    return true;
-}
-
-void HttpResponse::releaseReply()
-{
-    // Qt says that a reply is finished some time after its error, when this one may be gone.
-    const QPointer<HttpResponse> self(this);
-    onHandleHead();
-    if (self && m_reply)
-        m_reply->deleteLater();
-}
-
-void HttpResponse::onFinished()
-{
-    QNetworkReply *reply = m_request.fields.reply;
-    if (reply->error() != QNetworkReply::NoError || m_outcomeReported)
-        return;
-    if (!writeTheRest())
-        return;
-    if (isCutOff())
-        return onError(QNetworkReply::RemoteHostClosedError);
-    m_outcomeReported = true;
-    if (m_request.fields.logLevel >= 4)
-        dumpResponses(reply);
-    if (!deliverRetried() || !deliverFileFinished())
-        return;
-    if (!deliverReply<finishedReply>(reply) || !deliverBody(reply) || !repeatOrEnd())
-        return;
-    releaseReply();
-}
-
-// Qt often takes a connection that breaks off for the end of the body. A file must not be taken
-// for complete then; where no length is announced, as with chunks, nobody can tell.
-bool HttpResponse::isCutOff() const
-{
-    if (!m_downloadFile || !m_downloadFile->isOpen())
-        return false;
-    return m_received < announcedLength();
-}
-
-// 0 when there is none. A transfer coding overrides the length and brings an end of its own.
-qint64 HttpResponse::announcedLength() const
-{
-    qint64 length = 0;
-    const QList<QNetworkReply::RawHeaderPair> headers = m_headers.of(*m_request.fields.reply);
-    for (const QNetworkReply::RawHeaderPair &header : headers) {
-        if (header.first.compare("Transfer-Encoding", Qt::CaseInsensitive) == 0)
-            return 0;
-        if (header.first.compare("Content-Length", Qt::CaseInsensitive) == 0)
-            length = header.second.toLongLong();
-    }
-    return length;
-}
-
-// There is some when the exchange has ended inside a receiver of the first data, before it was
-// read.
-bool HttpResponse::writeTheRest()
-{
-    QNetworkReply *reply = m_request.fields.reply;
-    if (!m_downloadFile || !m_downloadFile->isOpen() || reply->bytesAvailable() == 0)
-        return true;
-    return writeToFile(reply->readAll());
+    return !self.isNull();
 }
 
 /// Whoever is connected to @p Signal owns the reply from here on.
 template <auto Signal>
-bool HttpResponse::deliverReply(QNetworkReply *reply)
+bool HttpResponse::handOver()
 {
     if (!hasReceivers<Signal>())
         return true;
-    m_reply = nullptr;
-    return deliver<Signal>(reply);
+    m_isTaken = true;
+    return deliver<Signal>(m_reply.data());
 }
 
-bool HttpResponse::deliverBody(QNetworkReply *reply)
+/// Takes the steps in order. Any of them may end this response, and nothing more is done then.
+void HttpResponse::run(std::initializer_list<Step> steps)
+{
+    for (const Step step : steps) {
+        if (!(this->*step)())
+            return;
+    }
+}
+
+void HttpResponse::onFinished()
+{
+    using R = HttpResponse;
+    if (m_reply->error() != QNetworkReply::NoError || m_outcome)
+        return;
+    // Some is left when the exchange has ended inside a receiver of the first data.
+    if (!writeAvailable())
+        return;
+    if (m_file && m_file->isCutOff(*m_reply))
+        return onError(QNetworkReply::RemoteHostClosedError);
+    m_outcome = QNetworkReply::NoError;
+    if (m_request.fields.logLevel >= HttpLogLevel::Dumps)
+        dumpResponses(m_reply);
+    run({&R::tellRetried, &R::tellFileFinished, &R::handOver<finishedReply>, &R::tellBody,
+         &R::repeatOrEnd, &R::tellHead, &R::releaseReply});
+}
+
+void HttpResponse::onError(QNetworkReply::NetworkError code)
+{
+    using R = HttpResponse;
+    // Aborting the reply from inside a callback makes Qt report a second error for it.
+    if (m_outcome)
+        return;
+    m_outcome = code;
+    if (m_request.fields.logLevel >= HttpLogLevel::NetworkErrors)
+        qDebug().noquote() << QStringLiteral("%1 error: %2")
+                                  .arg(m_reply->url().toString(), QString::number(int(code)));
+    // The head belongs to either: Qt says that a reply is finished some time after its error, when
+    // this response may be gone.
+    if (m_retriesLeft >= 1)
+        run({&R::sendRetry, &R::tellHead, &R::releaseReply});
+    else
+        run({&R::tellRetried, &R::tellFileError, &R::handOver<errorReply>, &R::tellError,
+             &R::repeatOrEnd, &R::tellHead, &R::releaseReply});
+}
+
+void HttpResponse::onTimeout()
+{
+    using R = HttpResponse;
+    if (!m_reply || !m_reply->isRunning())
+        return;
+    const QPointer<HttpResponse> self(this);
+    m_reply->abort(); // reports OperationCanceledError, so onError() runs in here
+    if (self)
+        run({&R::handOver<timeoutReply>, &R::deliver<timeoutPlain>, &R::tellHead,
+             &R::releaseReply});
+}
+
+bool HttpResponse::tellRetried()
+{
+    return !m_request.fields.isRetry || deliver<&HttpResponse::retried>();
+}
+
+bool HttpResponse::tellFileFinished()
+{
+    if (!isWriting())
+        return true;
+    if (!deliver<fileFinishedPlain>() || !deliver<fileFinishedName>(m_file->name()))
+        return false;
+    m_file->close();
+    return true;
+}
+
+bool HttpResponse::tellBody()
 {
     if (!hasReceivers<finishedPlain>() && !hasReceivers<finishedBytes>()
         && !hasReceivers<finishedText>() && !hasReceivers<finishedMap>())
         return true;
-    const QByteArray body = reply->readAll();
+    const QByteArray body = m_reply->readAll();
     if (!deliver<finishedPlain>() || !deliver<finishedBytes>(body))
         return false;
     // Text and map cost a copy of the body each: they are made for receivers that are there.
@@ -289,41 +287,34 @@ bool HttpResponse::deliverBody(QNetworkReply *reply)
            || deliver<finishedMap>(QJsonDocument::fromJson(body).object().toVariantMap());
 }
 
-void HttpResponse::onError(QNetworkReply::NetworkError code)
+bool HttpResponse::sendRetry()
 {
-    // Aborting the reply from inside a callback makes Qt report a second error for it.
-    if (m_outcomeReported)
-        return;
-    m_outcomeReported = true;
-
-    QNetworkReply *reply = m_request.fields.reply;
-    if (m_request.fields.logLevel >= 5)
-        qDebug().noquote() << QStringLiteral("%1 error: %2")
-                                  .arg(reply->url().toString(), QString::number(int(code)));
-    if (m_retriesLeft >= 1) {
-        --m_retriesLeft;
-        const QPointer<HttpResponse> self(this);
-        HttpRequest retry(m_request);
-        retry.fields.retryCount = m_retriesLeft;
-        retry.fields.isRetry = true;
-        retry.send(); // returns after the retry, if the request blocks
-        if (self)
-            releaseReply();
-        return;
-    }
-
-    const QString text = errorText(reply, code);
-    if (!deliverRetried() || !deliverFileError(text) || !deliverReply<errorReply>(reply))
-        return;
-    if (!deliver<errorPlain>() || !deliver<errorCode>(code)
-        || !deliver<errorBytes>(text.toLocal8Bit()) || !repeatOrEnd())
-        return;
-    releaseReply();
+    const QPointer<HttpResponse> self(this);
+    HttpRequest retry(m_request);
+    retry.fields.retryCount = --m_retriesLeft;
+    retry.fields.isRetry = true;
+    retry.send(); // returns after the retry, if the request blocks
+    return !self.isNull();
 }
 
-bool HttpResponse::deliverRetried()
+bool HttpResponse::tellFileError()
 {
-    return !m_request.fields.isRetry || deliver<&HttpResponse::retried>();
+    if (!m_file)
+        return true;
+    const QString message = QStringLiteral("Url: %1 file: %2 error: %3")
+                                .arg(m_request.fields.networkRequest.url().toString(),
+                                     m_file->name(), errorText(m_reply, *m_outcome));
+    if (!deliver<fileErrorPlain>() || !deliver<fileErrorText>(message))
+        return false;
+    m_file->close();
+    return true;
+}
+
+bool HttpResponse::tellError()
+{
+    const QNetworkReply::NetworkError code = *m_outcome;
+    const QByteArray text = errorText(m_reply, code).toLocal8Bit();
+    return deliver<errorPlain>() && deliver<errorCode>(code) && deliver<errorBytes>(text);
 }
 
 bool HttpResponse::repeatOrEnd()
@@ -336,34 +327,30 @@ bool HttpResponse::repeatOrEnd()
     return !self.isNull();
 }
 
-void HttpResponse::onHandleHead()
+bool HttpResponse::tellHead()
 {
     if (m_headHandled)
-        return;
+        return true;
     m_headHandled = true;
     if (!hasReceivers<headList>() && !hasReceivers<headMap>())
-        return;
-    const QList<QNetworkReply::RawHeaderPair> headers = m_headers.of(*m_request.fields.reply);
-    if (deliver<headList>(headers))
-        deliver<headMap>(headerMap(headers));
+        return true;
+    const QList<QNetworkReply::RawHeaderPair> headers = m_reply->rawHeaderPairs();
+    return deliver<headList>(headers) && deliver<headMap>(headerMap(headers));
 }
 
-void HttpResponse::onTimeout()
+bool HttpResponse::releaseReply()
 {
-    QNetworkReply *reply = m_request.fields.reply;
-    if (!reply || !reply->isRunning())
-        return;
-    const QPointer<HttpResponse> self(this);
-    reply->abort(); // reports OperationCanceledError, so onError() runs in here
-    if (!self || !deliverReply<timeoutReply>(reply) || !deliver<timeoutPlain>())
-        return;
-    releaseReply();
+    if (!m_isTaken)
+        m_reply->deleteLater();
+    return true;
 }
+
+void HttpResponse::onHandleHead() { tellHead(); }
 
 void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator *authenticator)
 {
     // The access manager announces this for all of its replies.
-    if (reply != m_request.fields.reply)
+    if (reply != m_reply)
         return;
     ++m_authenticationCount;
     if (m_authenticationCount >= 2
@@ -380,81 +367,65 @@ void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator
     authenticator->setPassword(fields.authenticator.password());
 }
 
-bool HttpResponse::deliverFileFinished()
-{
-    if (!m_downloadFile || !m_downloadFile->isOpen())
-        return true;
-    if (!deliver<fileFinishedPlain>() || !deliver<fileFinishedName>(m_downloadFile->fileName()))
-        return false;
-    m_downloadFile->close();
-    return true;
-}
-
-bool HttpResponse::deliverFileError(const QString &text)
-{
-    if (!m_request.fields.isDownload)
-        return true;
-    const QString fileName = m_downloadFile ? m_downloadFile->fileName() : QString();
-    const QString message =
-        QStringLiteral("Url: %1 file: %2 error: %3")
-            .arg(m_request.fields.networkRequest.url().toString(), fileName, text);
-    if (!deliver<fileErrorPlain>() || !deliver<fileErrorText>(message))
-        return false;
-    if (m_downloadFile)
-        m_downloadFile->close();
-    return true;
-}
-
 void HttpResponse::onReadOnceReplyHeader()
 {
-    if (!m_request.fields.isDownload)
+    if (!m_file)
         return;
-    disconnect(m_request.fields.reply, SIGNAL(readyRead()), this, SLOT(onReadOnceReplyHeader()));
+    disconnect(m_reply, SIGNAL(readyRead()), this, SLOT(onReadOnceReplyHeader()));
     const HttpRequestFields &fields = m_request.fields;
-    m_downloadFile = std::make_unique<QFile>(fields.downloadFilePath);
-    const bool resume = fields.supportsResume && fields.enableResume && m_downloadFile->exists();
-    // Unbuffered, so that what the disk refuses is noticed when it is written.
-    const QIODevice::OpenMode mode = resume ? QIODevice::Append : QIODevice::WriteOnly;
-    if (m_downloadFile->open(mode | QIODevice::Unbuffered))
+    if (m_file->open(fields.downloadFilePath, fields.supportsResume && fields.enableResume))
         return;
-    boundReadBuffer(0); // nobody reads: a full buffer would hold up the exchange for good
-    deliverFileProblem(QStringLiteral("Url: %1 %2 Non-Writable"));
-}
-
-// Qt passes a bound on to the thread that receives only once that works on the request, which is
-// after what is queued now. A bound that comes after the first data does not hold any more. Each
-// redirect that is followed begins that anew, without the bound.
-void HttpResponse::boundReadBuffer(qint64 bytes)
-{
-    QNetworkReply *reply = m_request.fields.reply;
-    if (bytes >= 0)
-        QMetaObject::invokeMethod(
-            reply, [reply, bytes] { reply->setReadBufferSize(bytes); }, Qt::QueuedConnection);
+    boundReadBuffer();
+    tellFileProblem(QStringLiteral("Url: %1 %2 Non-Writable"));
 }
 
 void HttpResponse::onReadyRead()
 {
-    QNetworkReply *reply = m_request.fields.reply;
-    if (m_downloadFile && m_downloadFile->isOpen() && !writeToFile(reply->readAll()))
-        return;
-    deliver<&HttpResponse::readyRead>(reply);
+    if (writeAvailable())
+        deliver<&HttpResponse::readyRead>(m_reply.data());
 }
+
+qint64 HttpResponse::readBufferBound() const
+{
+    const HttpRequestFields &fields = m_request.fields;
+    if (m_file && m_file->hasFailedToOpen())
+        return 0; // nobody reads: a full buffer would hold up the exchange for good
+    return fields.isDownload && fields.readBufferSize < 0 ? downloadBufferSize
+                                                          : fields.readBufferSize;
+}
+
+// Qt forgets the bound when its network thread takes up the request, and at each redirect that it
+// follows; one that is set after the first data does not hold any more. So it is set once more by
+// an event, which comes after those that Qt has posted to itself for that.
+void HttpResponse::boundReadBuffer()
+{
+    const qint64 bytes = readBufferBound();
+    if (bytes < 0)
+        return;
+    QNetworkReply *reply = m_reply;
+    reply->setReadBufferSize(bytes);
+    QMetaObject::invokeMethod(
+        reply, [reply, bytes] { reply->setReadBufferSize(bytes); }, Qt::QueuedConnection);
+}
+
+bool HttpResponse::isWriting() const { return m_file && m_file->isOpen(); }
 
 /// False when a receiver has destroyed this response.
-bool HttpResponse::writeToFile(const QByteArray &data)
+bool HttpResponse::writeAvailable()
 {
-    m_received += data.size();
-    const qint64 written = m_downloadFile->write(data);
-    if (written > 0)
-        m_request.fields.downloadedBytes += written;
-    return written == data.size() || deliverFileProblem(QStringLiteral("Url: %1 %2 Write failed!"));
+    if (!isWriting() || m_reply->bytesAvailable() == 0)
+        return true;
+    const QByteArray data = m_reply->readAll();
+    const qint64 written = m_file->write(data);
+    m_request.fields.downloadedBytes += qMax<qint64>(written, 0);
+    return written == data.size() || tellFileProblem(QStringLiteral("Url: %1 %2 Write failed!"));
 }
 
-bool HttpResponse::deliverFileProblem(const QString &pattern)
+bool HttpResponse::tellFileProblem(const QString &pattern)
 {
     return deliver<fileErrorPlain>()
-           && deliver<fileErrorText>(pattern.arg(m_request.fields.networkRequest.url().toString(),
-                                                 m_downloadFile->fileName()));
+           && deliver<fileErrorText>(
+               pattern.arg(m_request.fields.networkRequest.url().toString(), m_file->name()));
 }
 
 void HttpResponse::onDownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
@@ -471,7 +442,8 @@ void HttpResponse::onEncrypted() { deliver<&HttpResponse::encrypted>(); }
 
 void HttpResponse::onMetaDataChanged()
 {
-    m_headers.onMetaDataChanged(*m_request.fields.reply);
+    if (m_file)
+        m_file->noteHeaders(*m_reply);
     deliver<&HttpResponse::metaDataChanged>();
 }
 
@@ -481,17 +453,22 @@ void HttpResponse::onPreSharedKeyAuthenticationRequired(
     deliver<&HttpResponse::preSharedKeyAuthenticationRequired>(authenticator);
 }
 
+void HttpResponse::noteRedirect()
+{
+    if (m_file)
+        m_file->noteRedirect();
+    boundReadBuffer();
+}
+
 void HttpResponse::onRedirectAllowed()
 {
-    m_headers.onRedirected();
-    boundReadBuffer(m_request.fields.readBufferSize);
+    noteRedirect();
     deliver<&HttpResponse::redirectAllowed>();
 }
 
 void HttpResponse::onRedirected(QUrl url)
 {
-    m_headers.onRedirected();
-    boundReadBuffer(m_request.fields.readBufferSize);
+    noteRedirect();
     deliver<&HttpResponse::redirected>(std::move(url));
 }
 

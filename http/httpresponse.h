@@ -1,15 +1,17 @@
 #pragma once
 
 #include "http/httprequest.h"
-#include "http/replyheaders.h"
 
-#include <QFile>
 #include <QNetworkReply>
 #include <QObject>
 #include <QPointer>
 #include <QUrl>
 
+#include <initializer_list>
 #include <memory>
+#include <optional>
+
+class DownloadFile;
 
 // The overloads of finished, error, timeout and head are this class's interface: a callback picks
 // the form it wants by its own arguments. clazy:excludeall=overloaded-signal
@@ -38,21 +40,14 @@ public:
     /// Ends an exchange that is under way; no callback follows.
     ~HttpResponse() override;
 
-    /// Serves the reply of @p request from now on, and waits for it if the request asks for that;
-    /// used when a response is handed to a caller before its reply exists. The time-out begins
-    /// once more.
+    /// Serves the reply of @p request from now on, and waits for it if the request asks for that.
+    /// The toolkit's, for a response that was handed to a caller before its reply existed: hosts
+    /// have no use for it. The time-out begins once more.
     void setRequest(const HttpRequest &request);
-
-    /// Returns when the reply has finished, if the request asks for waiting. False when this
-    /// response has been deleted meanwhile.
-    bool waitIfAsked();
 
     /// The copy of the request that was sent. One that may go out again has its receivers as
     /// QPointer<QObject>, which reads as a QObject pointer and as null once the receiver is gone.
     const HttpRequest &request() const;
-
-    /// Whether one of the signals is being emitted.
-    bool isDelivering() const;
 
 Q_SIGNALS:
     /// Another reply is served than before.
@@ -140,35 +135,41 @@ private Q_SLOTS:
     void onHandleHead();
 
 private:
+    /// False once a receiver has destroyed this response.
+    using Step = bool (HttpResponse::*)();
+
     template <auto Signal>
     bool hasReceivers() const;
     template <auto Signal, typename... Values>
     bool deliver(Values &&...values);
+    template <auto Signal>
+    bool handOver();
+    void run(std::initializer_list<Step> steps);
 
     void serveRequest();
-    template <auto Signal>
-    bool deliverReply(QNetworkReply *reply);
-    void boundReadBuffer(qint64 bytes);
-    bool isCutOff() const;
-    qint64 announcedLength() const;
-    bool writeTheRest();
-    bool writeToFile(const QByteArray &data);
-    bool deliverBody(QNetworkReply *reply);
-    bool deliverRetried();
-    bool deliverFileFinished();
-    bool deliverFileError(const QString &text);
-    bool deliverFileProblem(const QString &pattern);
+    qint64 readBufferBound() const;
+    void boundReadBuffer();
+    void noteRedirect();
+    bool isWriting() const;
+    bool writeAvailable();
+    bool tellFileProblem(const QString &pattern);
+
+    bool tellRetried();
+    bool tellFileFinished();
+    bool tellBody();
+    bool sendRetry();
+    bool tellFileError();
+    bool tellError();
     bool repeatOrEnd();
-    void releaseReply();
+    bool tellHead();
+    bool releaseReply();
 
     HttpRequest m_request;
-    QPointer<QNetworkReply> m_reply; ///< Null once it is a receiver's.
-    ReplyHeaders m_headers;
-    std::unique_ptr<QFile> m_downloadFile; ///< Made when a download begins to write.
-    qint64 m_received = 0;                 ///< Bytes of this transfer that were for the file.
+    QPointer<QNetworkReply> m_reply;
+    bool m_isTaken = false;               ///< The reply is a receiver's.
+    std::unique_ptr<DownloadFile> m_file; ///< Downloads only.
     qint32 m_retriesLeft = 0;
     qint32 m_authenticationCount = 0;
     bool m_headHandled = false;
-    bool m_outcomeReported = false;
-    int m_deliveries = 0; ///< Emissions under way; a receiver may run an event loop of its own.
+    std::optional<QNetworkReply::NetworkError> m_outcome; ///< Set when it is about to be reported.
 };

@@ -48,6 +48,14 @@ enum class CallbackKind : qint32 {
     DownloadFileNameChanged = 20,
 };
 
+/// The log level of a request from which on something is logged.
+namespace HttpLogLevel {
+constexpr qint32 Critical = 2;      ///< What could not be sent.
+constexpr qint32 BadBindings = 3;   ///< Callbacks that fit no signal of their kind.
+constexpr qint32 Dumps = 4;         ///< Requests and responses in full, credentials included.
+constexpr qint32 NetworkErrors = 5; ///< Each error that Qt reports, retried or not.
+} // namespace HttpLogLevel
+
 /// The text of @p method on the wire; empty for Unknown and for every value outside the list.
 /// May be called from any thread.
 QByteArray httpVerb(HttpMethod method);

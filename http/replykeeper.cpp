@@ -1,12 +1,25 @@
 #include "http/replykeeper.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QNetworkReply>
+
+namespace {
+
+/// Keepers answer it, replies do not.
+QEvent::Type question()
+{
+    static const int type = QEvent::registerEventType();
+    return QEvent::Type(type);
+}
+
+} // namespace
 
 ReplyKeeper::ReplyKeeper(QNetworkReply *reply)
     : m_reply(reply)
 {
-    reply->installEventFilter(this);
+    if (reply)
+        reply->installEventFilter(this);
 }
 
 ReplyKeeper::~ReplyKeeper()
@@ -17,8 +30,16 @@ ReplyKeeper::~ReplyKeeper()
     }
 }
 
+bool ReplyKeeper::isInUse(QNetworkReply *reply)
+{
+    QEvent event(question());
+    return QCoreApplication::sendEvent(reply, &event);
+}
+
 bool ReplyKeeper::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == question())
+        return true;
     if (event->type() != QEvent::DeferredDelete)
         return QObject::eventFilter(watched, event);
     m_deletionAskedFor = true;

@@ -5,7 +5,8 @@
 
 class QNetworkReply;
 
-/// For as long as it lives, deleteLater() has no effect on a reply; what was asked for then
+/// Marks a reply as being in use: Qt is in one of its signals, or somebody waits for it. For as
+/// long as the keeper lives, deleteLater() has no effect on the reply; what was asked for then
 /// happens afterwards.
 class ReplyKeeper : public QObject
 {
@@ -13,8 +14,12 @@ class ReplyKeeper : public QObject
     Q_DISABLE_COPY(ReplyKeeper)
 
 public:
+    /// A null reply is not kept.
     explicit ReplyKeeper(QNetworkReply *reply);
     ~ReplyKeeper() override;
+
+    /// Whether any keeper keeps @p reply.
+    static bool isInUse(QNetworkReply *reply);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
