@@ -36,7 +36,7 @@ struct HttpRequestFields
     bool block = false;                ///< send() waits for the reply.
     qint32 retryCount = 0;             ///< How often a failed request is sent again.
     bool isRetry = false;              ///< Set in the copy that a retry sends.
-    qint32 repeatCount = 1;            ///< How often the request is performed in all.
+    qint32 repeatCount = 1;            ///< How often the request is sent in all, retries apart.
     QAuthenticator authenticator;      ///< Credentials; null: the receivers are asked.
     qint32 maxAuthenticationTimes = 1; ///< Answers to authentication; negative: no limit.
     qint64 readBufferSize = -1;        ///< Bytes; negative: no bound, 64 KiB for downloads.
@@ -53,7 +53,7 @@ struct HttpRequestFields
     qint32 logLevel = HttpLogLevel::BadBindings; ///< What is logged.
 };
 
-/// Describes one HTTP request; send() performs it. A value: copies are independent of each other,
+/// Describes one HTTP request, which send() sends. A value: copies are independent of each other,
 /// except that the pointers in them (client, multi-part body, receivers) are shared and not owned.
 ///
 /// Callbacks are bound before send(); bound later they reach the next send() only. The typed
@@ -120,7 +120,7 @@ public:
     /// How often a request that failed is sent again before its failure is reported.
     HttpRequest &retry(int count);
 
-    /// How often the request is performed in all.
+    /// How often the request is sent in all, retries apart.
     HttpRequest &repeat(int count);
 
     /// Credentials that are given to a server which asks for them. Qt sends a line break in the
@@ -187,7 +187,7 @@ public:
     }
 
     /// The time-out expired and the exchange was aborted: after the error, or, when that was
-    /// retried, after the retry has been sent (if the request blocks: performed). Forms:
+    /// retried, after the retry has been sent (if the request blocks: answered). Forms:
     /// (QNetworkReply *) or (). The reply goes when the callbacks are over, unless onError() has
     /// handed it over.
     template <typename... Target>
@@ -269,7 +269,7 @@ public:
         return bindTarget<CallbackKind::Retried>(std::forward<Target>(target)...);
     }
 
-    /// The last performance of a repeated request is over. Forms: ().
+    /// The last attempt of a request is over, repeated or not. Forms: ().
     template <typename... Target>
     HttpRequest &onRepeated(Target &&...target)
     {

@@ -22,7 +22,7 @@ class DownloadFile;
 /// it later, or destroy the client (HttpClient says when not), also in an event loop that it runs
 /// there: the reply stays until it has returned.
 ///
-/// Exactly one outcome is reported for each performance of the request, but none for one that is
+/// Exactly one outcome is reported for each attempt at the request, but none for one that is
 /// retried: either the finished() family or the error() family. Whoever is connected to
 /// finished(QNetworkReply*) or error(QNetworkReply*) owns the reply and deletes it later;
 /// timeout(QNetworkReply*) hands over a reply that is about to go unless error(QNetworkReply*) has
@@ -98,9 +98,9 @@ Q_SIGNALS:
     void redirected(QUrl url);
     void sslErrors(QList<QSslError> errors);
 
-    /// This performance was a retry; precedes its outcome.
+    /// This attempt was a retry; precedes its outcome.
     void retried();
-    /// No further performance follows; only timeout() may come after it.
+    /// No further attempt follows; only timeout() may come after it.
     void repeated();
 
     /// The server asks for credentials and the request has none to give.

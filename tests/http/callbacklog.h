@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-/// Writes down, over all performances of a request, which callbacks run and with what values. Binds
+/// Writes down, over all attempts of a request, which callbacks run and with what values. Binds
 /// no form that would take the reply over. Must outlive the exchange.
 class CallbackLog
 {

@@ -135,7 +135,7 @@ private Q_SLOTS:
         QVERIFY(waitUntilGone(response));
     }
 
-    void everyPerformanceIsAwaited()
+    void everyAttemptIsAwaited()
     {
         ScriptedServer server;
         QVERIFY(server.start());

@@ -60,7 +60,7 @@ private:
 
 /// What goes wrong outside: addresses, connections, certificates, bodies. Whatever it is, there is
 /// one outcome.
-class TestAccidents : public QObject
+class TestFaults : public QObject
 {
     Q_OBJECT
 
@@ -451,5 +451,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAccidents)
-#include "tst_accidents.moc"
+QTEST_GUILESS_MAIN(TestFaults)
+#include "tst_faults.moc"

@@ -82,7 +82,7 @@ Q_DECLARE_METATYPE(Moment)
 
 /// What happens when somebody deletes, aborts or waits in the middle of a request that waits or of
 /// a download: no crash, no leak, never a second outcome, and send() returns.
-class TestHttpBlockingAccidents : public QObject
+class TestHttpBlockingFaults : public QObject
 {
     Q_OBJECT
 
@@ -359,5 +359,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpBlockingAccidents)
-#include "tst_httpblockingaccidents.moc"
+QTEST_GUILESS_MAIN(TestHttpBlockingFaults)
+#include "tst_httpblockingfaults.moc"

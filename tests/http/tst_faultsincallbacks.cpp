@@ -118,7 +118,7 @@ bool needsFailure(Moment moment)
 
 /// Callbacks that abort, delete or send while the toolkit and Qt are in the middle of an exchange:
 /// no crash, no leak, never a second outcome.
-class TestAccidentsInCallbacks : public QObject
+class TestFaultsInCallbacks : public QObject
 {
     Q_OBJECT
 
@@ -364,7 +364,7 @@ private Q_SLOTS:
         int acts = 0;
         bindAt(Moment(moment), request, [&] {
             if (++acts > 1)
-                return; // not the first data, or another performance
+                return; // not the first data, or another attempt
             reply = owner->findChild<QNetworkReply *>();
             const QPointer<HttpResponse> response = reply->findChild<HttpResponse *>();
             QMetaObject::invokeMethod(
@@ -510,5 +510,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAccidentsInCallbacks)
-#include "tst_accidentsincallbacks.moc"
+QTEST_GUILESS_MAIN(TestFaultsInCallbacks)
+#include "tst_faultsincallbacks.moc"

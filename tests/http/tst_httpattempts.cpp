@@ -35,12 +35,12 @@ private:
 } // namespace
 
 /// How often a request goes out, and what is reported of it: retries and repeats.
-class TestHttpPerformances : public QObject
+class TestHttpAttempts : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aRequestIsPerformedAsItsCountsSay_data()
+    void aRequestIsSentAsItsCountsSay_data()
     {
         QTest::addColumn<int>("retry");
         QTest::addColumn<int>("repeat");
@@ -77,7 +77,7 @@ private Q_SLOTS:
         row(1, 3, "-+++", "R+R+R+.");
         row(1, 2, "---", "R-R-.");
     }
-    void aRequestIsPerformedAsItsCountsSay()
+    void aRequestIsSentAsItsCountsSay()
     {
         QFETCH(int, retry);
         QFETCH(int, repeat);
@@ -176,7 +176,7 @@ private Q_SLOTS:
         QCOMPARE(taken, (QVector<QNetworkReply *>{client.replies.at(0), client.replies.at(1)}));
     }
 
-    void theNextPerformanceIsSentBeforeTheLastReplyGoes()
+    void theNextAttemptIsSentBeforeTheLastReplyGoes()
     {
         ControlledClient client;
         HttpRequest(HttpMethod::Get, &client).repeat(2).send();
@@ -187,7 +187,7 @@ private Q_SLOTS:
         QVERIFY(!client.replies.at(1).isNull());
     }
 
-    void aSlotIsAttachedAnewForEveryPerformance()
+    void aSlotIsAttachedAnewForEveryAttempt()
     {
         ControlledClient client;
         CallbackLog log;
@@ -203,7 +203,7 @@ private Q_SLOTS:
         QCOMPARE(log.lines(), (QStringList{"slot body 0"_s, "slot body 1"_s, "slot body 2"_s}));
     }
 
-    void aReceiverThatGoesBeforeTheNextPerformanceIsLeftOut_data()
+    void aReceiverThatGoesBeforeTheNextAttemptIsLeftOut_data()
     {
         QTest::addColumn<bool>("retry");
         QTest::addColumn<bool>("typed"); // the variant holds a pointer to the receiver's own class
@@ -212,7 +212,7 @@ private Q_SLOTS:
         QTest::newRow("retry, typed pointer") << true << true;
         QTest::newRow("repeat, typed pointer") << false << true;
     }
-    void aReceiverThatGoesBeforeTheNextPerformanceIsLeftOut()
+    void aReceiverThatGoesBeforeTheNextAttemptIsLeftOut()
     {
         QFETCH(bool, retry);
         QFETCH(bool, typed);
@@ -332,5 +332,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpPerformances)
-#include "tst_httpperformances.moc"
+QTEST_GUILESS_MAIN(TestHttpAttempts)
+#include "tst_httpattempts.moc"
