@@ -16,8 +16,8 @@ HttpBlocker::~HttpBlocker() = default;
 
 void HttpBlocker::waitFor(QNetworkReply *reply)
 {
-    // A failure is announced before the reply has finished, and whoever hears of it may delete the
-    // reply later: that is, in this loop, which belongs to the reply.
+    // Qt announces a failure before the reply has finished. Whoever hears of it may delete the
+    // reply later, which would be in this loop, and the loop belongs to the reply.
     const ReplyKeeper keeper(reply);
     const QPointer<HttpBlocker> blocker(new HttpBlocker(reply)); // the reply's child
     blocker->wait();
@@ -33,8 +33,8 @@ bool HttpBlocker::waitIfAsked(HttpResponse *response)
     return !living.isNull();
 }
 
-// Once a thread has been told to quit, exec() returns at once for as long as its own loop has not:
-// to a worker that sends its last message it would not wait at all.
+// exec() returns at once on a thread that was told to quit and is still in its own loop. A worker
+// that sends its last message from there has to wait all the same.
 void HttpBlocker::wait()
 {
     const QPointer<HttpBlocker> self(this);

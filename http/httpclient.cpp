@@ -16,9 +16,9 @@ Child *childOf(const QNetworkReply *reply)
     return reply->findChild<Child *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-// Aborted, until the receivers have returned; silent for good, since the access manager that
-// is about to go listens to it as well, and without the calls that Qt has posted to it, which would
-// use the manager.
+// The reply stays until those that use it have returned. It is aborted, and silent from here on,
+// because the access manager that is about to go listens to it as well. Calls that Qt has posted to
+// the reply would use the manager, so they are dropped.
 void outlive(QNetworkReply *reply)
 {
     reply->blockSignals(true);
@@ -33,8 +33,8 @@ void outlive(QNetworkReply *reply)
 
 } // namespace
 
-// The access manager destroys its replies. One of them may be the one whose signal led here, and
-// Qt goes on using a reply after it has emitted a signal; or one whose end somebody waits for.
+// The access manager destroys its replies. One that is in use must stay: Qt goes on using the reply
+// whose signal led here, and a blocking send() the reply that it waits for.
 HttpClient::~HttpClient()
 {
     const auto replies = findChildren<QNetworkReply *>(QString(), Qt::FindDirectChildrenOnly);

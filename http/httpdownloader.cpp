@@ -146,8 +146,8 @@ void HttpDownloader::onReadyRead(QNetworkReply *reply)
     fields.totalBytes = m_contentLength;
     fields.supportsResume = m_rangesSupported;
     planResume(&unheard);
-    // Not from inside the abort: only after it does the connection end, which a server that serves
-    // one at a time waits for.
+    // The download is sent when abort() has returned, and not from the error that it reports: the
+    // connection ends last, and a server that serves one at a time waits for that.
     disconnect(m_probe, nullptr, this, nullptr);
     const QPointer<HttpDownloader> self(this);
     reply->abort();

@@ -17,10 +17,10 @@ class DownloadFile;
 // the form it wants by its own arguments. clazy:excludeall=overloaded-signal
 
 /// Serves one network reply: turns its events into signals, sends the request again for a retry or
-/// a repeat, and deletes the reply when it is over. A child of the reply, so it goes with it; it
-/// lives on the thread of the client. From inside a signal a receiver may abort the reply, delete
+/// a repeat, and deletes the reply when it is over. The response is a child of the reply, goes with
+/// it and lives on the client's thread. From inside a signal a receiver may abort the reply, delete
 /// it later, or destroy the client (HttpClient says when not), also in an event loop that it runs
-/// there: the reply stays until it has returned.
+/// there: the reply stays until the receiver has returned.
 ///
 /// Exactly one outcome is reported for each attempt at the request, but none for one that is
 /// retried: either the finished() family or the error() family. Whoever is connected to

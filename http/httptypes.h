@@ -5,7 +5,7 @@
 /// The verb of a request. Any value outside this list has no verb text and is never sent.
 enum class HttpMethod : qint32 {
     Unknown = 0,
-    Head = 1, ///< A reply that announces a body and stays open never finishes; see the README.
+    Head = 1, ///< May never finish; see docs/http-toolkit.md, "Known surprises".
     Get = 2,
     Put = 3,
     Post = 4,
@@ -23,7 +23,8 @@ enum class BodyType : qint32 {
     FormData = 6,              ///< Part name to value, sent as a multi-part form.
 };
 
-/// The family of HttpResponse signals that a callback is attached to.
+/// The family of HttpResponse signals that a callback is attached to. The operation of HttpRequest
+/// with the same name, onFinished() and so on, says what each reports.
 enum class CallbackKind : qint32 {
     Finished = 0,
     Error = 1,

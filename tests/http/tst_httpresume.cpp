@@ -142,6 +142,8 @@ private Q_SLOTS:
         QTest::newRow("another case") << "x-content-length: 250\r\n"_b
                                       << "bytes=12-"_b;
         QTest::newRow("an earlier name") << "A-Content-Length: 250\r\n"_b << noHeader;
+        QTest::newRow("joined with a redirect's") << "X-Content-Length: 145, 250\r\n"_b
+                                                  << "bytes=12-"_b;
         QTest::newRow("no number") << "X-Content-Length: many\r\n"_b << noHeader;
     }
     void theLastHeaderByNameThatNamesALengthCounts()
