@@ -26,10 +26,11 @@ void HttpBlocker::waitFor(QNetworkReply *reply)
 
 bool HttpBlocker::waitIfAsked(HttpResponse *response)
 {
-    const QPointer<HttpResponse> living(response);
     const HttpRequestFields &fields = response->request().fields;
-    if (fields.block && fields.reply)
-        waitFor(fields.reply);
+    if (!fields.block || !fields.reply)
+        return true;
+    const QPointer<HttpResponse> living(response);
+    waitFor(fields.reply);
     return !living.isNull();
 }
 

@@ -34,14 +34,42 @@ QString nameFromAddress(const QUrl &address)
     return name.isEmpty() ? address.host() : name;
 }
 
+void setRange(QNetworkRequest &request, const QByteArray &range)
+{
+    request.setAttribute(callersRange, request.rawHeader(rangeHeader));
+    request.setRawHeader(rangeHeader, range);
+}
+
+void restoreRange(QNetworkRequest &request)
+{
+    const QVariant range = request.attribute(callersRange);
+    if (!range.isValid())
+        return;
+    request.setRawHeader(rangeHeader, range.toByteArray()); // null: there was none
+    request.setAttribute(callersRange, QVariant());
+}
+
+// What an earlier attempt of the same download found out does not hold for this one.
+HttpRequest withoutFindings(HttpRequest request)
+{
+    HttpRequestFields &fields = request.fields;
+    restoreRange(fields.networkRequest);
+    fields.reply = nullptr;
+    fields.supportsResume = false;
+    fields.downloadedBytes = 0;
+    fields.totalBytes = 0;
+    return request;
+}
+
 } // namespace
 
 HttpResponse *HttpDownloader::start(const HttpRequest &request)
 {
     // Before the probe: when the request blocks, all is over when sendProbe() returns.
-    const QPointer<HttpResponse> response(
-        new HttpResponse(withoutFindings(request), nullptr));                // the caller's
-    const QPointer<HttpDownloader> downloader(new HttpDownloader(response)); // the response's
+    const QPointer<HttpResponse> response( // the caller's
+        new HttpResponse(withoutFindings(request), nullptr));
+    const QPointer<HttpDownloader> downloader( // the response's child
+        new HttpDownloader(response));
     downloader->sendProbe();
     if (downloader) { // the caller is about to have the response
         downloader->m_starting = false;
@@ -60,22 +88,6 @@ HttpDownloader::HttpDownloader(HttpResponse *response)
     if (m_request.fields.client)
         connect(m_request.fields.client, &QObject::destroyed, this,
                 [response] { delete response; });
-}
-
-// What an earlier attempt of the same download found out does not hold for this one.
-HttpRequest HttpDownloader::withoutFindings(const HttpRequest &request)
-{
-    HttpRequest fresh(request);
-    fresh.fields.reply = nullptr;
-    QNetworkRequest &sent = fresh.fields.networkRequest;
-    if (const QVariant range = sent.attribute(callersRange); range.isValid()) {
-        sent.setRawHeader(rangeHeader, range.toByteArray()); // null: there was none
-        sent.setAttribute(callersRange, QVariant());
-    }
-    fresh.fields.supportsResume = false;
-    fresh.fields.downloadedBytes = 0;
-    fresh.fields.totalBytes = 0;
-    return fresh;
 }
 
 HttpDownloader::~HttpDownloader()
@@ -166,16 +178,10 @@ void HttpDownloader::planResume(HttpResponse *unheard)
         return;
     fields.downloadedBytes = file.size();
     if (fields.downloadedBytes < m_contentLength)
-        setRange("bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
+        setRange(fields.networkRequest,
+                 "bytes=" + QByteArray::number(fields.downloadedBytes) + '-');
     else if (fields.downloadedBytes == m_contentLength)
         announceComplete(unheard);
-}
-
-void HttpDownloader::setRange(const QByteArray &range)
-{
-    QNetworkRequest &request = m_request.fields.networkRequest;
-    request.setAttribute(callersRange, request.rawHeader(rangeHeader));
-    request.setRawHeader(rangeHeader, range);
 }
 
 void HttpDownloader::announceComplete(HttpResponse *response)

@@ -42,9 +42,7 @@ private:
 
     void sendProbe();
     void readHeader(const QString &name, const QString &value);
-    static HttpRequest withoutFindings(const HttpRequest &request);
     void planResume(HttpResponse *unheard);
-    void setRange(const QByteArray &range);
     void announceComplete(HttpResponse *response);
 
     HttpRequest m_request;
