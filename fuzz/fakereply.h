@@ -8,10 +8,6 @@
 class FakeReply : public QNetworkReply
 {
 public:
-    using QNetworkReply::setRawHeader;
-
-    void setStatus(int status) { setAttribute(QNetworkRequest::HttpStatusCodeAttribute, status); }
-
     /// Each line up to an empty one, "name: value", joined with what is there as Qt does it.
     void readHeaders(Input *input)
     {
@@ -24,6 +20,12 @@ public:
         }
     }
 
+    void abort() override {}
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+
+private:
     void joinHeader(const QByteArray &name, const QByteArray &value)
     {
         QByteArray joined =
@@ -32,9 +34,4 @@ public:
             joined += name.compare("set-cookie", Qt::CaseInsensitive) == 0 ? "\n" : ", ";
         setRawHeader(name, joined + value);
     }
-
-    void abort() override {}
-
-protected:
-    qint64 readData(char *, qint64) override { return -1; }
 };
