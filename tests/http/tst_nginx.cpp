@@ -195,8 +195,9 @@ private Q_SLOTS:
             }
         });
         request.onDownloadFileProgress([&log](qint64 received, qint64 total) {
-            if (received == total)
-                log.add(received < 101 * mebibyte ? "the rest"_s : "too much"_s);
+            const QString end = received < 101 * mebibyte ? "the rest"_s : "too much"_s;
+            if (received == total && !log.lines().endsWith(end)) // Qt may say it twice
+                log.add(end);
         });
         request.onRetried([&log] { log.add("retried"_s); });
         request.onError([&log] { log.add("error"_s); });
@@ -210,8 +211,9 @@ private Q_SLOTS:
         request.send();
         if (!over)
             loop.exec(); // QTRY_VERIFY would sleep between the parts
-        QCOMPARE(log.lines(), (QStringList{"restarted"_s, "restarted"_s, "the rest"_s, "retried"_s})
-                                  + written());
+        const QStringList expected = {"restarted"_s, "restarted"_s, "the rest"_s, "retried"_s};
+        QCOMPARE(log.lines().join(QLatin1Char('\n')),
+                 (expected + written()).join(QLatin1Char('\n')));
         QCOMPARE(sumOf(m_target), sumOf(source));
     }
 };
