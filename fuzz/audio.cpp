@@ -1,9 +1,9 @@
 // Recordings that are sent to the local service.
 
-#include "localservice/audio.h"
+#include "localservice/speech/audio.h"
 #include "input.h"
-#include "localservice/refusal.h"
-#include "localservice/segmentation.h"
+#include "localservice/base/refusal.h"
+#include "localservice/speech/segmentation.h"
 #include "temporaryfolder.h"
 
 using namespace localservice;

@@ -2,14 +2,14 @@
 // token, a phone number, a code. @ stands for a directory that the token allows, # for the token,
 // $ for the code that was sent.
 
-#include "localservice/credentials.h"
+#include "localservice/storage/credentials.h"
 #include "input.h"
-#include "localservice/accountdatabase.h"
-#include "localservice/accounts.h"
-#include "localservice/refusal.h"
-#include "localservice/smscodes.h"
-#include "localservice/storage.h"
-#include "localservice/storageapi.h"
+#include "localservice/accounts/accountdatabase.h"
+#include "localservice/accounts/accounts.h"
+#include "localservice/accounts/smscodes.h"
+#include "localservice/base/refusal.h"
+#include "localservice/storage/storage.h"
+#include "localservice/storage/storageapi.h"
 #include "temporaryfolder.h"
 
 #include <chrono>

@@ -1,9 +1,9 @@
 // JSON in the bodies of requests to the local service.
 
 #include "input.h"
-#include "localservice/envelope.h"
-#include "localservice/jsonbody.h"
-#include "localservice/refusal.h"
+#include "localservice/base/jsonbody.h"
+#include "localservice/base/refusal.h"
+#include "localservice/server/envelope.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 // Whole requests, as the local service reads their bodies.
 
 #include "input.h"
-#include "localservice/refusal.h"
-#include "localservice/requestbody.h"
-#include "localservice/requestlog.h"
+#include "localservice/base/refusal.h"
+#include "localservice/server/requestbody.h"
+#include "localservice/server/requestlog.h"
 
 #include <optional>
 

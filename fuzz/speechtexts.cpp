@@ -1,7 +1,7 @@
 // Texts that the local service is asked to speak.
 
 #include "input.h"
-#include "localservice/speechtext.h"
+#include "localservice/speech/speechtext.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "options.h"
+#include "localservice/options.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,0 +1,119 @@
+#include "localservice/accounts/accounts.h"
+
+#include "localservice/base/secrets.h"
+
+#include <SQLiteCpp/VariadicBind.h>
+
+#include <ctime>
+#include <utility>
+
+namespace localservice {
+
+namespace {
+
+// As the database has them.
+constexpr int accessKind = 0;
+constexpr int refreshKind = 1;
+
+constexpr int mostTokens = 1000; // of an account and a kind
+constexpr std::size_t shownDigits = 4;
+
+Account accountFrom(SQLite::Statement &query)
+{
+    query.executeStep();
+    return {query.getColumn(0).getInt64(), query.getColumn(1).getString()};
+}
+
+} // namespace
+
+Accounts::Accounts(AccountDatabase &database, const Lifetimes &lifetimes)
+    : m_database(database)
+    , m_lifetimes(lifetimes)
+{
+}
+
+Account Accounts::local()
+{
+    return m_database.transaction([](SQLite::Database &database) {
+        SQLite::Statement query(database, "SELECT id, nickname FROM account WHERE phone IS NULL");
+        return accountFrom(query);
+    });
+}
+
+Account Accounts::ofPhone(const std::string &phone)
+{
+    return m_database.transaction([&](SQLite::Database &database) {
+        SQLite::Statement insertion(
+            database, "INSERT OR IGNORE INTO account (phone, nickname) VALUES (?, ?)");
+        SQLite::bind(insertion, phone, "User " + phone.substr(phone.size() - shownDigits));
+        insertion.exec();
+        SQLite::Statement query(database, "SELECT id, nickname FROM account WHERE phone = ?");
+        SQLite::bind(query, phone);
+        return accountFrom(query);
+    });
+}
+
+Token Accounts::issueAccessToken(std::int64_t account)
+{
+    return issue(account, accessKind, m_lifetimes.access);
+}
+
+Token Accounts::issueRefreshToken(std::int64_t account)
+{
+    return issue(account, refreshKind, m_lifetimes.refresh);
+}
+
+bool Accounts::accepts(const std::string &token)
+{
+    return accountOf(token, accessKind).has_value();
+}
+
+std::optional<Token> Accounts::renew(const std::string &refreshToken)
+{
+    const auto account = accountOf(refreshToken, refreshKind);
+    if (!account)
+        return std::nullopt;
+    return issueAccessToken(*account);
+}
+
+void Accounts::sweep()
+{
+    m_database.transaction([](SQLite::Database &database) {
+        SQLite::Statement deletion(database, "DELETE FROM token WHERE expires <= ?");
+        SQLite::bind(deletion, std::int64_t{std::time(nullptr)});
+        return deletion.exec();
+    });
+}
+
+// An account that is given very many tokens loses those that would expire first.
+Token Accounts::issue(std::int64_t account, int kind, std::chrono::seconds lifetime)
+{
+    const Token token{randomToken(), std::time(nullptr) + lifetime.count()};
+    m_database.transaction([&](SQLite::Database &database) {
+        SQLite::Statement insertion(
+            database, "INSERT INTO token (digest, account, kind, expires) VALUES (?, ?, ?, ?)");
+        SQLite::bind(insertion, digestOf(std::to_string(token.number)), account, kind,
+                     token.expires);
+        insertion.exec();
+        SQLite::Statement deletion(
+            database, "DELETE FROM token WHERE digest IN (SELECT digest FROM token "
+                      "WHERE account = ? AND kind = ? ORDER BY expires DESC LIMIT -1 OFFSET ?)");
+        SQLite::bind(deletion, account, kind, mostTokens);
+        return deletion.exec();
+    });
+    return token;
+}
+
+std::optional<std::int64_t> Accounts::accountOf(const std::string &token, int kind)
+{
+    return m_database.transaction([&](SQLite::Database &database) -> std::optional<std::int64_t> {
+        SQLite::Statement query(
+            database, "SELECT account FROM token WHERE digest = ? AND kind = ? AND expires > ?");
+        SQLite::bind(query, digestOf(token), kind, std::int64_t{std::time(nullptr)});
+        if (!query.executeStep())
+            return std::nullopt;
+        return query.getColumn(0).getInt64();
+    });
+}
+
+} // namespace localservice

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "localservice/accounts/accountdatabase.h"
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace localservice {
+
+struct Account
+{
+    std::int64_t id = 0;
+    std::string nickname;
+};
+
+/// A token that was given out just now.
+struct Token
+{
+    std::int64_t number = 0;
+    std::int64_t expires = 0; ///< Seconds since the epoch.
+};
+
+/// The accounts and the tokens that their sign-ins gave out; both survive the process. Tokens are
+/// taken as texts, so that no two ways to write a number mean the same one. May be used by several
+/// threads.
+class Accounts
+{
+public:
+    /// How long tokens are valid.
+    struct Lifetimes
+    {
+        std::chrono::seconds access{};
+        std::chrono::seconds refresh{};
+    };
+
+    /// @p database outlives this.
+    Accounts(AccountDatabase &database, const Lifetimes &lifetimes);
+
+    /// The one account of this machine.
+    Account local();
+
+    /// The account of a phone number, which is made if there is none.
+    Account ofPhone(const std::string &phone);
+
+    Token issueAccessToken(std::int64_t account);
+    Token issueRefreshToken(std::int64_t account);
+
+    /// Whether @p token is an access token that has not expired.
+    bool accepts(const std::string &token);
+
+    /// A new access token for the account of a refresh token; nothing if that is unknown or has
+    /// expired. Earlier access tokens stay valid.
+    std::optional<Token> renew(const std::string &refreshToken);
+
+    /// Forgets the tokens that have expired.
+    void sweep();
+
+private:
+    Token issue(std::int64_t account, int kind, std::chrono::seconds lifetime);
+    std::optional<std::int64_t> accountOf(const std::string &token, int kind);
+
+    AccountDatabase &m_database;
+    const Lifetimes m_lifetimes;
+};
+
+} // namespace localservice

@@ -1,0 +1,120 @@
+#include "localservice/accounts/qrsignins.h"
+
+#include "localservice/base/randomid.h"
+#include "localservice/base/refusal.h"
+#include "localservice/base/secrets.h"
+
+#include <algorithm>
+
+namespace localservice {
+
+namespace {
+
+// For how long a page can still say why it is of no use.
+constexpr std::chrono::minutes memory(10);
+
+// An application that polls hears of a confirmation in the last second, too.
+constexpr std::chrono::minutes timeToCollect(1);
+
+bool hasEnded(QrSignInState state)
+{
+    return state == QrSignInState::Used || state == QrSignInState::Expired;
+}
+
+} // namespace
+
+QrSignIns::QrSignIns(std::chrono::seconds lifetime)
+    : m_lifetime(lifetime)
+{
+}
+
+QrSignIn QrSignIns::begin()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_entries.size() >= most)
+        m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
+                                       [](const Entry &entry) { return hasEnded(stateOf(entry)); }),
+                        m_entries.end());
+    if (m_entries.size() >= most)
+        throw Refusal(Code::Busy, "too many sign-ins are waiting for a confirmation");
+    Entry entry;
+    entry.told = {randomId(), randomId(), randomId(), std::time(nullptr) + m_lifetime.count()};
+    entry.expiration = std::chrono::steady_clock::now() + m_lifetime;
+    m_entries.push_back(entry);
+    return entry.told;
+}
+
+std::optional<std::string> QrSignIns::pageOf(const std::string &pictureSecret)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Entry *const entry = find(&QrSignIn::pictureSecret, pictureSecret);
+    if (!entry || stateOf(*entry) != QrSignInState::Waiting)
+        return std::nullopt;
+    return entry->told.pageSecret;
+}
+
+QrSignInState QrSignIns::state(const std::string &pageSecret, std::time_t *expires)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Entry *const entry = find(&QrSignIn::pageSecret, pageSecret);
+    if (entry && expires)
+        *expires = entry->told.expires;
+    return entry ? stateOf(*entry) : QrSignInState::Unknown;
+}
+
+QrSignInState QrSignIns::confirm(const std::string &pageSecret)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Entry *const entry = find(&QrSignIn::pageSecret, pageSecret);
+    const QrSignInState before = entry ? stateOf(*entry) : QrSignInState::Unknown;
+    if (before == QrSignInState::Waiting) {
+        entry->state = QrSignInState::Confirmed;
+        entry->expiration =
+            std::max(entry->expiration, std::chrono::steady_clock::now() + timeToCollect);
+    }
+    return before;
+}
+
+QrSignInState QrSignIns::collect(const std::string &pollSecret)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Entry *const entry = find(&QrSignIn::pollSecret, pollSecret);
+    const QrSignInState before = entry ? stateOf(*entry) : QrSignInState::Unknown;
+    if (before == QrSignInState::Confirmed)
+        entry->state = QrSignInState::Used;
+    return before;
+}
+
+void QrSignIns::giveBack(const std::string &pollSecret)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Entry *const entry = find(&QrSignIn::pollSecret, pollSecret);
+    if (entry && entry->state == QrSignInState::Used)
+        entry->state = QrSignInState::Confirmed;
+}
+
+void QrSignIns::sweep()
+{
+    const auto now = std::chrono::steady_clock::now();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_entries.erase(
+        std::remove_if(m_entries.begin(), m_entries.end(),
+                       [&](const Entry &entry) { return entry.expiration + memory <= now; }),
+        m_entries.end());
+}
+
+QrSignInState QrSignIns::stateOf(const Entry &entry)
+{
+    const bool isOver = entry.expiration <= std::chrono::steady_clock::now();
+    return isOver && entry.state != QrSignInState::Used ? QrSignInState::Expired : entry.state;
+}
+
+QrSignIns::Entry *QrSignIns::find(std::string QrSignIn::*secret, const std::string &value)
+{
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry &entry) {
+        return isSameSecret(entry.told.*secret, value);
+    });
+    return found == m_entries.end() ? nullptr : &*found;
+}
+
+} // namespace localservice

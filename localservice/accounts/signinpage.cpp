@@ -1,0 +1,162 @@
+#include "localservice/accounts/signinpage.h"
+
+#include "localservice/accounts/qrpicture.h"
+#include "localservice/base/base64.h"
+#include "localservice/base/beginswith.h"
+#include "localservice/base/localtime.h"
+#include "localservice/base/refusal.h"
+#include "localservice/base/sha256.h"
+
+#include <string_view>
+
+namespace localservice {
+
+namespace {
+
+constexpr std::string_view pageFolder = "/signin/";
+constexpr std::string_view pictureFolder = "/signin-picture/";
+constexpr std::string_view pictureSuffix = ".png";
+
+// System colours would differ between browsers; each pair here has a contrast of 7 to 1 or more.
+constexpr std::string_view style = R"(
+:root{color-scheme:light dark}
+*{box-sizing:border-box}
+body{margin:0;padding:1.5rem;min-height:100vh;display:flex;align-items:center;justify-content:center;
+background:#eef2f7;color:#16202c;font:1.125rem/1.5 system-ui,sans-serif}
+main{width:100%;max-width:28rem;padding:2rem 1.5rem;border-radius:1rem;background:#fff;
+box-shadow:0 .25rem 1.5rem #16202c26}
+h1{margin:0 0 1rem;font-size:1.75rem;line-height:1.2}
+p{margin:0 0 1rem}
+p:last-child{margin:0}
+.note{color:#3b4856}
+button{width:100%;min-height:3.5rem;margin:.5rem 0 1.5rem;padding:.75rem 1rem;border:0;
+border-radius:.75rem;background:#0b4fa8;color:#fff;font:inherit;font-size:1.25rem;font-weight:600;
+cursor:pointer}
+button:hover{background:#083d84}
+button:focus-visible{outline:.2rem solid #0b4fa8;outline-offset:.2rem}
+@media (prefers-color-scheme:dark){
+body{background:#0e141b;color:#eef2f7}
+main{background:#1a232e;box-shadow:none}
+.note{color:#c3cedb}
+button{background:#9cc7ff;color:#06203f}
+button:hover{background:#c2ddff}
+button:focus-visible{outline-color:#9cc7ff}
+}
+)";
+
+std::string sourceOf(const std::string &text) { return "'sha256-" + base64(sha256(text)) + "'"; }
+
+std::string page(const std::string &title, const std::string &contents)
+{
+    return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+           "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+           "<title>"
+           + title + "</title>\n<style>" + std::string(style)
+           + "</style>\n</head>\n<body>\n<main>\n<h1>" + title + "</h1>\n" + contents
+           + "</main>\n</body>\n</html>\n";
+}
+
+SignInPage::Reply question(const std::string &account, std::time_t expires)
+{
+    return {200, page("Sign in?",
+                      "<p>The application that shows the code will be signed in to the speech "
+                      "service on this computer as <strong>"
+                          + account
+                          + "</strong>.</p>\n<form method=\"post\">\n"
+                            "<button type=\"submit\">Sign in</button>\n</form>\n"
+                            "<p class=\"note\">The code expires at <time datetime=\""
+                          + localTime(expires, "%Y-%m-%dT%H:%M:%S%z") + "\">"
+                          + localTime(expires, "%H:%M:%S")
+                          + "</time>.</p>\n<p class=\"note\">If you have not asked for this, close "
+                            "this page; nothing happens then.</p>\n")};
+}
+
+SignInPage::Reply done(const std::string &account)
+{
+    return {200, page("Signed in", "<p role=\"status\">The application has been signed in as "
+                                   "<strong>"
+                                       + account
+                                       + "</strong>.</p>\n<p class=\"note\">You can close this "
+                                         "page.</p>\n")};
+}
+
+constexpr const char *advice =
+    "<p class=\"note\">Ask the application for a new code and scan that one.</p>\n";
+
+SignInPage::Reply noLonger(QrSignInState state)
+{
+    if (state == QrSignInState::Unknown)
+        return {404, page("Unknown code", std::string("<p>There is no such code, or it expired "
+                                                      "some time ago.</p>\n")
+                                              + advice)};
+    if (state == QrSignInState::Expired)
+        return {410, page("Code expired",
+                          std::string("<p>This code has expired. Nothing has been signed in with "
+                                      "it.</p>\n")
+                              + advice)};
+    return {410,
+            page("Code already used",
+                 std::string("<p>This code has been used. It works only once.</p>\n") + advice)};
+}
+
+std::string secretOf(const std::string &path) { return path.substr(pageFolder.size()); }
+
+} // namespace
+
+SignInPage::SignInPage(QrSignIns &signIns, const std::string &origin, const std::string &account)
+    : m_signIns(signIns)
+    , m_origin(origin)
+    , m_account(account)
+{
+}
+
+std::string SignInPage::pathOf(const QrSignIn &signIn)
+{
+    return std::string(pageFolder) + signIn.pageSecret;
+}
+
+std::string SignInPage::picturePathOf(const QrSignIn &signIn)
+{
+    return std::string(pictureFolder) + signIn.pictureSecret + std::string(pictureSuffix);
+}
+
+bool SignInPage::isPage(const std::string &path) { return beginsWith(path, pageFolder); }
+
+bool SignInPage::isPicture(const std::string &path) { return beginsWith(path, pictureFolder); }
+
+const std::map<std::string, std::string> &SignInPage::headers()
+{
+    static const std::map<std::string, std::string> all{
+        {"Content-Security-Policy", "default-src 'none'; style-src " + sourceOf(std::string(style))
+                                        + "; form-action 'self'; base-uri 'none'; "
+                                          "frame-ancestors 'none'"},
+        {"Referrer-Policy", "no-referrer"},
+        {"X-Content-Type-Options", "nosniff"},
+    };
+    return all;
+}
+
+SignInPage::Reply SignInPage::show(const std::string &path)
+{
+    std::time_t expires = 0;
+    const QrSignInState state = m_signIns.state(secretOf(path), &expires);
+    return state == QrSignInState::Waiting ? question(m_account, expires) : noLonger(state);
+}
+
+SignInPage::Reply SignInPage::confirm(const std::string &path)
+{
+    const QrSignInState before = m_signIns.confirm(secretOf(path));
+    return before == QrSignInState::Waiting ? done(m_account) : noLonger(before);
+}
+
+std::string SignInPage::picture(const std::string &path)
+{
+    const std::string name = path.substr(pictureFolder.size());
+    const std::size_t dot = name.find('.');
+    if (dot != std::string::npos && name.substr(dot) == pictureSuffix)
+        if (const auto page = m_signIns.pageOf(name.substr(0, dot)))
+            return qrPicture(m_origin + std::string(pageFolder) + *page);
+    throw Refusal(Code::NotFound, "there is no such picture, or no longer");
+}
+
+} // namespace localservice

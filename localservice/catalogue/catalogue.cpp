@@ -1,0 +1,103 @@
+#include "localservice/catalogue/catalogue.h"
+
+#include "localservice/base/beginswith.h"
+#include "localservice/catalogue/avatars.h"
+#include "localservice/catalogue/music.h"
+#include "localservice/speech/speechtext.h"
+
+#include <array>
+
+namespace localservice {
+
+namespace {
+
+constexpr const char *avatarFolder = "/speechdesk/voice_avatar/";
+constexpr const char *auditionFolder = "/speechdesk/audition/";
+constexpr const char *musicFolder = "/speechdesk/music/";
+
+// Short and long synthesis: every voice can do both.
+constexpr const char *features = "语音合成,长文本语音合成";
+
+constexpr int longestAudition = 60; // seconds
+
+struct Description
+{
+    const char *voice; ///< As the engine names it.
+    const char *name;
+    const char *type;
+    const char *category;
+    const char *scene;
+    const char *avatar;
+};
+
+constexpr std::array<Description, 4> descriptions{{
+    {"rms", "Robert", "man", "美式英语", "Reading aloud", "%E7%94%B701.png"},
+    {"slt", "Sally", "woman", "美式英语", "Reading aloud", "%E5%A5%B301.png"},
+    {"awb", "Alan", "man", "英文", "Telling stories", "%E7%94%B702.png"},
+    {"kal16", "Karl", "man", "美式英语", "Announcements", "%E7%94%B702.png"},
+}};
+
+std::string audition(Synthesizer &synthesizer, const Description &description)
+{
+    Speaking speaking;
+    speaking.voice = description.voice;
+    const std::string text =
+        std::string("Hello, my name is ") + description.name + ". This is how I sound.";
+    return encodeWave(synthesizer.speak(speakableText(text), speaking, longestAudition));
+}
+
+std::string auditionPath(const Description &description)
+{
+    return std::string(auditionFolder) + description.voice + ".wav";
+}
+
+} // namespace
+
+Catalogue::Catalogue(Synthesizer &synthesizer, const std::string &origin)
+    : m_synthesizer(synthesizer)
+    , m_origin(origin)
+{
+    for (const std::string &name : avatarNames())
+        m_files.add(avatarFolder + name, [name] { return drawAvatar(name); });
+    for (const Tune &tune : tunes())
+        m_files.add(musicFolder + tune.file, [&tune] { return encodeWave(play(tune)); });
+    for (const Description &description : descriptions)
+        m_files.add(auditionPath(description),
+                    [this, &description] { return audition(m_synthesizer, description); });
+}
+
+nlohmann::json Catalogue::voices() const
+{
+    nlohmann::json list = nlohmann::json::array();
+    for (const Description &description : descriptions)
+        if (m_synthesizer.hasVoice(description.voice))
+            list.push_back({{"name", description.name},
+                            {"voiceParam", description.voice},
+                            {"type", description.type},
+                            {"avatar", m_origin + avatarFolder + description.avatar},
+                            {"category", description.category},
+                            {"scene", description.scene},
+                            {"audition_url", m_origin + auditionPath(description)},
+                            {"supportFeature", features}});
+    return {{"list", list}};
+}
+
+nlohmann::json Catalogue::music() const
+{
+    nlohmann::json list = nlohmann::json::array();
+    for (const Tune &tune : tunes())
+        list.push_back({{"name", tune.name}, {"url", m_origin + musicFolder + tune.file}});
+    return list;
+}
+
+std::string Catalogue::file(const std::string &path) { return m_files.get(path); }
+
+bool Catalogue::isResponsible(const std::string &path) { return beginsWith(path, "/speechdesk/"); }
+
+std::string Catalogue::userPicture(std::int64_t user) const
+{
+    const auto &names = avatarNames();
+    return m_origin + avatarFolder + names[static_cast<std::size_t>(user) % names.size()];
+}
+
+} // namespace localservice

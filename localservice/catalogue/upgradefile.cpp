@@ -1,0 +1,80 @@
+#include "localservice/catalogue/upgradefile.h"
+
+#include "localservice/base/console.h"
+#include "localservice/base/refusal.h"
+
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace localservice {
+
+namespace {
+
+constexpr const char *initialContents = R"({
+  "upgradeStatus": 0,
+  "versionInfo": {
+    "version_code": "1.1.1.26",
+    "external_update_log": [
+      "Signs in by QR code and by SMS code.",
+      "Lists the voices and the background music of the service."
+    ],
+    "url": "https://downloads.example/1.1.1.26"
+  }
+}
+)";
+
+constexpr int mostUrgent = 2; // of the status values, which begin with 0
+
+std::string contents(const std::filesystem::path &file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    if (!stream)
+        throw std::runtime_error("it cannot be read");
+    return bytes.str();
+}
+
+// Only what the operation has, and only in its types.
+nlohmann::json checked(const nlohmann::json &object)
+{
+    const nlohmann::json &status = object.at("upgradeStatus");
+    if (!status.is_number_integer() || status < 0 || status > mostUrgent)
+        throw std::runtime_error("\"upgradeStatus\" is not 0, 1 or 2");
+    const nlohmann::json &version = object.at("versionInfo");
+    return {{"upgradeStatus", status},
+            {"versionInfo",
+             {{"version_code", version.at("version_code").get<std::string>()},
+              {"external_update_log",
+               version.at("external_update_log").get<std::vector<std::string>>()},
+              {"url", version.at("url").get<std::string>()}}}};
+}
+
+} // namespace
+
+UpgradeFile::UpgradeFile(std::filesystem::path file)
+    : m_file(std::move(file))
+{
+    if (std::filesystem::exists(m_file))
+        return;
+    std::ofstream stream(m_file, std::ios::binary);
+    stream << initialContents;
+    stream.close();
+    if (!stream)
+        throw std::runtime_error("cannot write \"" + m_file.string() + "\"");
+}
+
+nlohmann::json UpgradeFile::read() const
+{
+    try {
+        return checked(nlohmann::json::parse(contents(m_file)));
+    } catch (const std::exception &error) {
+        warn("\"" + m_file.string() + "\" cannot be used: " + error.what());
+        throw Refusal(Code::Failed, "the service does not know of any version");
+    }
+}
+
+} // namespace localservice

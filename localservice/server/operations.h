@@ -1,0 +1,49 @@
+#pragma once
+
+#include "localservice/accounts/signinapi.h"
+#include "localservice/catalogue/catalogue.h"
+#include "localservice/catalogue/upgradefile.h"
+#include "localservice/speech/speechapi.h"
+
+#include <httplib.h>
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace localservice {
+
+/// Which operation a method and a path stand for. May be used by several threads.
+class Operations
+{
+public:
+    /// All outlive this.
+    Operations(SpeechApi &speech, SignInApi &signIn, Catalogue &catalogue, UpgradeFile &upgrade);
+
+    /// Whether @p path is one under which operations are.
+    static bool isResponsible(const std::string &path);
+
+    /// The "data" of the reply; nothing if there is no such operation. Throws what the operation
+    /// throws.
+    std::optional<nlohmann::json> call(const std::string &path, const httplib::Request &request,
+                                       const std::string &body) const;
+
+private:
+    using Call =
+        std::function<nlohmann::json(const httplib::Request &request, const std::string &body)>;
+    struct Operation
+    {
+        std::string method;
+        std::string path;
+        Call call;
+    };
+
+    void addSpeech(SpeechApi &speech);
+    void addSignIn(SignInApi &signIn);
+
+    std::vector<Operation> m_operations;
+};
+
+} // namespace localservice

@@ -1,0 +1,163 @@
+#include "localservice/speech/recognizer.h"
+
+#include "localservice/base/refusal.h"
+#include "localservice/server/connections.h"
+#include "localservice/speech/segmentation.h"
+
+#include <pocketsphinx.h>
+#include <sphinxbase/err.h>
+
+#include <chrono>
+#include <sstream>
+#include <stdexcept>
+
+namespace localservice {
+
+namespace {
+
+constexpr int modelRate = 16000; // Hz
+constexpr std::chrono::milliseconds patience(200);
+
+// Fillers such as <sil>, [NOISE] and ++BREATH++ are no words, and which of its pronunciations a
+// word had, as in "a(2)", is of no interest.
+std::string cleanWords(const std::string &hypothesis)
+{
+    std::istringstream stream(hypothesis);
+    std::string result;
+    std::string word;
+    while (stream >> word) {
+        if (word[0] == '<' || word[0] == '[' || word[0] == '+')
+            continue;
+        word.erase(std::min(word.size(), word.find('(')));
+        if (!word.empty())
+            result += (result.empty() ? "" : " ") + word;
+    }
+    return result;
+}
+
+int milliseconds(std::size_t samples) { return static_cast<int>(samples * 1000 / modelRate); }
+
+} // namespace
+
+/// One instance of the engine; for one thread at a time.
+class Recognizer::Decoder
+{
+public:
+    explicit Decoder(const std::string &modelDir)
+    {
+        // The engine would tell its whole configuration to stderr, which is for the requests. This
+        // has to be said in every thread.
+        err_set_logfp(nullptr);
+        const std::string model = modelDir + "/en-us/";
+        // The engine's noise removal needs a while of background to learn from and spoils the
+        // first words of clean, short recordings. Its search over the word lattice prefers
+        // frequent words to the ones that were said.
+        cmd_ln_t *const config = cmd_ln_init(
+            nullptr, ps_args(), TRUE, "-hmm", (model + "en-us").c_str(), "-lm",
+            (model + "en-us.lm.bin").c_str(), "-dict", (model + "cmudict-en-us.dict").c_str(),
+            "-remove_noise", "no", "-bestpath", "no", nullptr);
+        m_decoder = config ? ps_init(config) : nullptr;
+        cmd_ln_free_r(config);
+        if (!m_decoder)
+            throw std::runtime_error("cannot load the speech model in \"" + modelDir + "\"");
+    }
+    ~Decoder() { ps_free(m_decoder); }
+
+    Decoder(const Decoder &) = delete;
+    Decoder &operator=(const Decoder &) = delete;
+
+    // Every sentence is a stream of its own, given at once: the levels are then normalised over
+    // all of it, and what was decoded before has no influence.
+    std::string words(const std::int16_t *samples, std::size_t count)
+    {
+        const bool decoded = ps_start_stream(m_decoder) == 0 && ps_start_utt(m_decoder) == 0
+                             && ps_process_raw(m_decoder, samples, count, FALSE, TRUE) >= 0;
+        const bool ended = ps_end_utt(m_decoder) == 0;
+        if (!decoded || !ended)
+            throw Refusal(Code::Failed, "the recording cannot be recognised");
+        int32 score = 0;
+        const char *const hypothesis = ps_get_hyp(m_decoder, &score);
+        return hypothesis ? cleanWords(hypothesis) : std::string();
+    }
+
+private:
+    ps_decoder_t *m_decoder = nullptr;
+};
+
+/// Has a decoder for as long as it lives.
+class Recognizer::Lease
+{
+public:
+    explicit Lease(Recognizer *owner)
+        : m_owner(owner)
+        , m_decoder(owner->takeDecoder())
+    {
+    }
+    ~Lease() { m_owner->giveBack(std::move(m_decoder)); }
+
+    Lease(const Lease &) = delete;
+    Lease &operator=(const Lease &) = delete;
+
+    Decoder *operator->() const { return m_decoder.get(); }
+
+private:
+    Recognizer *m_owner;
+    std::unique_ptr<Decoder> m_decoder;
+};
+
+Recognizer::Recognizer(const std::string &modelDir, std::size_t decoders,
+                       const std::atomic<bool> &stopping)
+    : m_modelDir(modelDir)
+    , m_stopping(stopping)
+    , m_unmade(decoders - 1)
+{
+    m_idle.push_back(std::make_unique<Decoder>(m_modelDir));
+}
+
+Recognizer::~Recognizer() = default;
+
+std::vector<Sentence> Recognizer::recognize(Audio recording)
+{
+    const std::vector<std::int16_t> samples = toPcm(resampled(std::move(recording), modelRate));
+    const Lease decoder(this);
+    std::vector<Sentence> sentences;
+    for (const Segment &segment : segmentsOfSpeech(samples, modelRate)) {
+        checkWanted();
+        const std::string words =
+            decoder->words(samples.data() + segment.begin, segment.end - segment.begin);
+        if (!words.empty())
+            sentences.push_back({words, milliseconds(segment.begin), milliseconds(segment.end)});
+    }
+    return sentences;
+}
+
+void Recognizer::checkWanted() const
+{
+    if (m_stopping || Connections::clientHasGone())
+        throw Refusal(Code::Failed, "nobody waits for it any more");
+}
+
+// Loading takes a while, so further decoders are made only when there is use for them.
+std::unique_ptr<Recognizer::Decoder> Recognizer::takeDecoder()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_returned.wait_for(lock, patience, [this] { return !m_idle.empty() || m_unmade > 0; }))
+        checkWanted();
+    if (m_idle.empty()) {
+        auto made = std::make_unique<Decoder>(m_modelDir);
+        --m_unmade;
+        return made;
+    }
+    auto decoder = std::move(m_idle.back());
+    m_idle.pop_back();
+    return decoder;
+}
+
+void Recognizer::giveBack(std::unique_ptr<Decoder> decoder)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_idle.push_back(std::move(decoder));
+    m_returned.notify_one();
+}
+
+} // namespace localservice
