@@ -1,5 +1,7 @@
 #include "localservice/accounts/accountdatabase.h"
 
+#include <array>
+#include <cstddef>
 #include <fcntl.h>
 #include <stdexcept>
 #include <string>
@@ -10,12 +12,15 @@ namespace localservice {
 
 namespace {
 
-constexpr int schemaVersion = 1;
 constexpr int busyTimeout = 5000; // ms, while somebody looks at the file
 
+// A migration makes the next version of a file out of the one before; "user_version" counts those
+// that a file has had. None is ever changed, since files were made by it: a new table is another
+// migration at the end.
+//
 // Times are seconds since the epoch. Tokens are kept as digests, so a look at the file does not
 // show any. The first account is the one of this machine; the others have a phone number.
-constexpr const char *schema = R"(
+constexpr std::array migrations{R"(
     CREATE TABLE account (
         id INTEGER PRIMARY KEY AUTOINCREMENT,
         phone TEXT UNIQUE,
@@ -34,7 +39,7 @@ constexpr const char *schema = R"(
         expires INTEGER NOT NULL,
         wrong_guesses INTEGER NOT NULL DEFAULT 0,
         used INTEGER NOT NULL DEFAULT 0);
-)";
+)"};
 
 // SQLite gives its journal the rights of the file.
 const std::filesystem::path &madePrivate(const std::filesystem::path &path)
@@ -52,21 +57,23 @@ const std::filesystem::path &madePrivate(const std::filesystem::path &path)
 
 AccountDatabase::AccountDatabase(const std::filesystem::path &file)
 try : m_database(madePrivate(file).string(), SQLite::OPEN_READWRITE, busyTimeout) {
-    prepareSchema();
+    migrate();
 } catch (const SQLite::Exception &error) {
     throw std::runtime_error("cannot use \"" + file.string() + "\": " + error.what());
 }
 
-void AccountDatabase::prepareSchema()
+void AccountDatabase::migrate()
 {
     const int version = m_database.execAndGet("PRAGMA user_version").getInt();
-    if (version == schemaVersion)
+    const int newest = static_cast<int>(migrations.size());
+    if (version == newest)
         return;
-    if (version != 0)
-        throw SQLite::Exception("it is of another version");
+    if (version < 0 || version > newest)
+        throw SQLite::Exception("it was made by a later version of the service");
     SQLite::Transaction transaction(m_database);
-    m_database.exec(schema);
-    m_database.exec("PRAGMA user_version = " + std::to_string(schemaVersion));
+    for (int i = version; i < newest; ++i)
+        m_database.exec(migrations[static_cast<std::size_t>(i)]);
+    m_database.exec("PRAGMA user_version = " + std::to_string(newest));
     transaction.commit();
 }
 

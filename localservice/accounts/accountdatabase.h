@@ -12,7 +12,8 @@ namespace localservice {
 class AccountDatabase
 {
 public:
-    /// Opens the file, or makes it; std::runtime_error if it cannot be used.
+    /// Opens the file, or makes it, and brings one of an earlier version up to date.
+    /// std::runtime_error if it cannot be used; one of a later version never can.
     explicit AccountDatabase(const std::filesystem::path &file);
 
     /// Returns what @p work, which is given the database, returns. What it changes is kept as a
@@ -28,7 +29,7 @@ public:
     }
 
 private:
-    void prepareSchema();
+    void migrate();
 
     std::mutex m_mutex;
     SQLite::Database m_database; // guarded by m_mutex
