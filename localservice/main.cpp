@@ -19,7 +19,6 @@
 #include "localservice/storage/credentials.h"
 #include "localservice/storage/storage.h"
 #include "localservice/storage/storageapi.h"
-#include "localservice/storage/sweeper.h"
 
 #include <atomic>
 #include <csignal>
@@ -27,10 +26,12 @@
 #include <exception>
 #include <fcntl.h>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <malloc.h>
 #include <semaphore.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 using namespace localservice;
@@ -67,9 +68,20 @@ void prepareTermination()
     std::signal(SIGPIPE, SIG_IGN); // clients that are gone are noticed when writing fails
 }
 
-void awaitTermination()
+// Calls @p sweep every second until the process is to end.
+void awaitTermination(const std::function<void()> &sweep)
 {
-    while (sem_wait(&termination) != 0) { // a signal of another kind
+    for (;;) {
+        timespec soon{};
+        clock_gettime(CLOCK_MONOTONIC, &soon);
+        ++soon.tv_sec;
+        if (sem_clockwait(&termination, CLOCK_MONOTONIC, &soon) == 0)
+            return;
+        try {
+            sweep();
+        } catch (const std::exception &) { // NOLINT(bugprone-empty-catch)
+            // Such as a file that is locked; it is swept the next time.
+        }
     }
 }
 
@@ -163,18 +175,17 @@ void serve(const Options &options)
         {origin, port, options.developmentToken, resultLifetime, credentialLifetime});
     StorageApi storageApi(data.storage, credentials, origin);
     const Operations operations(speechApi, signIn.api, catalogue, data.upgrade);
-    const Sweeper sweeper([&] {
-        credentials.sweep();
-        tasks.sweep();
-        data.storage.sweep(credentialLifetime + resultLifetime, resultLifetime);
-        signIn.sweep();
-    });
     server.start({operations, storageApi, signIn.page, catalogue});
 
     if (options.developmentToken)
         warn("sign-in is bypassed for whoever has the development token");
     say("listening on " + origin + ", authority " + data.tls.authority.string());
-    awaitTermination();
+    awaitTermination([&] {
+        credentials.sweep();
+        tasks.sweep();
+        data.storage.sweep(credentialLifetime + resultLifetime, resultLifetime);
+        signIn.sweep();
+    });
     stopping = true;
     server.stop();
 }

@@ -1,5 +1,7 @@
 #include "localservice/options.h"
 
+#include <QCommandLineParser>
+
 #include <array>
 #include <cstdlib>
 #include <limits>
@@ -8,22 +10,54 @@ namespace localservice {
 
 namespace {
 
-std::int64_t number(const std::string &name, const std::string &value, std::int64_t least,
-                    std::int64_t most)
+constexpr int hour = 3600; // seconds
+constexpr int week = 7 * 24 * hour;
+constexpr int year = 365 * 24 * hour;
+
+struct NumberOption
 {
-    const std::size_t digits = !value.empty() && value[0] == '-' ? 1 : 0;
-    try {
-        if (value.size() > digits
-            && value.find_first_not_of("0123456789", digits) == std::string::npos) {
-            const std::int64_t result = std::stoll(value);
-            if (result >= least && result <= most)
-                return result;
-        }
-    } catch (const std::out_of_range &) {
-        // Reported below, together with what is within 64 bits and yet beyond the limits.
-    }
-    throw UsageError(name + " takes a number from " + std::to_string(least) + " to "
-                     + std::to_string(most));
+    const char *name;
+    const char *value;
+    const char *description;
+    int Options::*member;
+    int least;
+    int most;
+};
+
+constexpr std::array<NumberOption, 7> numberOptions{{
+    {"port", "N", "port to listen on, 0: any free one", &Options::port, 0, 65535},
+    {"workers", "N", "tasks worked on at a time", &Options::workers, 1, 16},
+    {"result-lifetime", "SECONDS", "how long results of tasks are kept", &Options::resultLifetime,
+     1, week},
+    {"credential-lifetime", "SECONDS", "how long upload credentials are valid",
+     &Options::credentialLifetime, 1, week},
+    {"code-lifetime", "SECONDS", "how long SMS and QR codes are valid", &Options::codeLifetime, 1,
+     hour},
+    {"token-lifetime", "SECONDS", "how long access tokens are valid", &Options::tokenLifetime, 1,
+     week},
+    {"refresh-lifetime", "SECONDS", "how long refresh tokens are valid", &Options::refreshLifetime,
+     1, year},
+}};
+
+// Arguments are bytes and need not be text. As Latin-1 each byte is a character: none is lost.
+QString toText(const std::string &bytes)
+{
+    return QString::fromLatin1(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+std::string toBytes(const QString &text) { return text.toLatin1().toStdString(); }
+
+template <typename Number>
+Number number(const QCommandLineParser &parser, const char *name,
+              Number least = std::numeric_limits<Number>::min(),
+              Number most = std::numeric_limits<Number>::max())
+{
+    bool isNumber = false;
+    const qint64 result = parser.value(QLatin1String(name)).toLongLong(&isNumber);
+    if (!isNumber || result < least || result > most)
+        throw UsageError("--" + std::string(name) + " takes a number from " + std::to_string(least)
+                         + " to " + std::to_string(most));
+    return static_cast<Number>(result);
 }
 
 std::string defaultDataFolder()
@@ -37,66 +71,46 @@ std::string defaultDataFolder()
     throw UsageError("there is no home folder: --data has to be given");
 }
 
-// Only those whose value is a number of seconds.
-bool setLifetime(Options &options, const std::string &name, const std::string &value)
+QCommandLineOption withValue(const QString &name)
 {
-    constexpr int hour = 3600;
-    constexpr int week = 7 * 24 * hour;
-    constexpr int year = 365 * 24 * hour;
-    struct Lifetime
-    {
-        const char *name;
-        int Options::*member;
-        int longest;
-    };
-    constexpr std::array<Lifetime, 5> lifetimes{{
-        {"--result-lifetime", &Options::resultLifetime, week},
-        {"--credential-lifetime", &Options::credentialLifetime, week},
-        {"--code-lifetime", &Options::codeLifetime, hour},
-        {"--token-lifetime", &Options::tokenLifetime, week},
-        {"--refresh-lifetime", &Options::refreshLifetime, year},
-    }};
-    for (const Lifetime &lifetime : lifetimes) {
-        if (name == lifetime.name) {
-            options.*lifetime.member = static_cast<int>(number(name, value, 1, lifetime.longest));
-            return true;
-        }
-    }
-    return false;
+    return {name, QString(), QStringLiteral("value")};
 }
 
-void setOption(Options &options, const std::string &name, const std::string &value)
+std::string line(const std::string &option, const std::string &description)
 {
-    if (name == "--port")
-        options.port = static_cast<int>(number(name, value, 0, 65535));
-    else if (name == "--data" && !value.empty())
-        options.data = value;
-    else if (name == "--data")
-        throw UsageError("--data takes a folder");
-    else if (name == "--development-token")
-        options.developmentToken = number(name, value, std::numeric_limits<std::int64_t>::min(),
-                                          std::numeric_limits<std::int64_t>::max());
-    else if (name == "--workers")
-        options.workers = static_cast<int>(number(name, value, 1, 16));
-    else if (!setLifetime(options, name, value))
-        throw UsageError("unknown option \"" + name + "\"");
+    constexpr std::size_t width = 31;
+    return "  --" + option + std::string(width - option.size() - 2, ' ') + description + '\n';
 }
 
 } // namespace
 
 Options parseOptions(const std::vector<std::string> &arguments)
 {
+    QCommandLineParser parser;
+    const QString help = QStringLiteral("help");
+    const QString data = QStringLiteral("data");
+    const QString token = QStringLiteral("development-token");
+    parser.addOptions({QCommandLineOption(help), withValue(data), withValue(token)});
+    for (const NumberOption &option : numberOptions)
+        parser.addOption(withValue(QLatin1String(option.name)));
+    QStringList texts{QString()}; // in the place of the program's name
+    for (const std::string &argument : arguments)
+        texts.append(toText(argument));
+    if (!parser.parse(texts))
+        throw UsageError(toBytes(parser.errorText()));
+    if (!parser.positionalArguments().isEmpty())
+        throw UsageError("there are only options");
+
     Options options;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string &name = arguments[i];
-        if (name == "--help") {
-            options.help = true;
-            continue;
-        }
-        // No option takes an empty value, so a missing one is refused like an empty one.
-        ++i;
-        setOption(options, name, i < arguments.size() ? arguments[i] : std::string());
-    }
+    for (const NumberOption &option : numberOptions)
+        if (parser.isSet(QLatin1String(option.name)))
+            options.*option.member = number<int>(parser, option.name, option.least, option.most);
+    if (parser.isSet(token))
+        options.developmentToken = number<std::int64_t>(parser, "development-token");
+    options.help = parser.isSet(help);
+    options.data = toBytes(parser.value(data));
+    if (options.data.empty() && parser.isSet(data))
+        throw UsageError("--data takes a folder");
     if (options.data.empty() && !options.help)
         options.data = defaultDataFolder();
     return options;
@@ -104,20 +118,16 @@ Options parseOptions(const std::vector<std::string> &arguments)
 
 std::string usage()
 {
-    return "usage: vo-localservice [OPTION VALUE]...\n"
-           "A speech web service on this machine, at https://localhost:PORT.\n"
-           "\n"
-           "  --port N                       port to listen on (8443), 0: any free one\n"
-           "  --data DIR                     folder for everything that is kept\n"
-           "                                 ($XDG_DATA_HOME/vo-localservice)\n"
-           "  --workers N                    tasks worked on at a time (2)\n"
-           "  --result-lifetime SECONDS      how long results of tasks are kept (3600)\n"
-           "  --credential-lifetime SECONDS  how long upload credentials are valid (900)\n"
-           "  --code-lifetime SECONDS        how long SMS and QR codes are valid (300)\n"
-           "  --token-lifetime SECONDS       how long access tokens are valid (7200)\n"
-           "  --refresh-lifetime SECONDS     how long refresh tokens are valid (2592000)\n"
-           "  --development-token N          accept this access token without a sign-in\n"
-           "  --help                         show this text\n";
+    std::string text =
+        "usage: vo-localservice [OPTION VALUE]...\n"
+        "A speech web service on this machine, at https://localhost:PORT.\n\n"
+        + line("data DIR", "everything that is kept ($XDG_DATA_HOME/vo-localservice)");
+    for (const NumberOption &option : numberOptions)
+        text += line(std::string(option.name) + ' ' + option.value,
+                     std::string(option.description) + " ("
+                         + std::to_string(Options().*option.member) + ')');
+    return text + line("development-token N", "accept this access token without a sign-in")
+           + line("help", "show this text");
 }
 
 } // namespace localservice

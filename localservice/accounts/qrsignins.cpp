@@ -1,6 +1,5 @@
 #include "localservice/accounts/qrsignins.h"
 
-#include "localservice/base/randomid.h"
 #include "localservice/base/refusal.h"
 #include "localservice/base/secrets.h"
 

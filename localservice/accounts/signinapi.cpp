@@ -1,10 +1,11 @@
 #include "localservice/accounts/signinapi.h"
 
 #include "localservice/accounts/signinpage.h"
+
 #include "localservice/base/console.h"
 #include "localservice/base/jsonbody.h"
-#include "localservice/base/localtime.h"
 #include "localservice/base/refusal.h"
+#include <QDateTime>
 
 namespace localservice {
 
@@ -19,7 +20,10 @@ constexpr int over = 2; // expired or already used
 
 std::string timeText(std::int64_t time)
 {
-    return localTime(static_cast<std::time_t>(time), "%Y-%m-%d %H:%M:%S");
+    return QDateTime::fromSecsSinceEpoch(time)
+        .toString(Qt::ISODate)
+        .replace(QLatin1Char('T'), QLatin1Char(' '))
+        .toStdString();
 }
 
 std::string phoneOf(const JsonBody &body)

@@ -1,11 +1,10 @@
 #include "localservice/accounts/signinpage.h"
 
 #include "localservice/accounts/qrpicture.h"
-#include "localservice/base/base64.h"
-#include "localservice/base/beginswith.h"
-#include "localservice/base/localtime.h"
 #include "localservice/base/refusal.h"
-#include "localservice/base/sha256.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
 
 #include <string_view>
 
@@ -44,7 +43,12 @@ button:focus-visible{outline-color:#9cc7ff}
 }
 )";
 
-std::string sourceOf(const std::string &text) { return "'sha256-" + base64(sha256(text)) + "'"; }
+std::string sourceOf(const std::string &text)
+{
+    const QByteArray digest =
+        QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256);
+    return "'sha256-" + digest.toBase64().toStdString() + "'";
+}
 
 std::string page(const std::string &title, const std::string &contents)
 {
@@ -58,6 +62,8 @@ std::string page(const std::string &title, const std::string &contents)
 
 SignInPage::Reply question(const std::string &account, std::time_t expires)
 {
+    const QDateTime local = QDateTime::fromSecsSinceEpoch(expires);
+    const QDateTime withOffset = local.toOffsetFromUtc(local.offsetFromUtc());
     return {200, page("Sign in?",
                       "<p>The application that shows the code will be signed in to the speech "
                       "service on this computer as <strong>"
@@ -65,8 +71,8 @@ SignInPage::Reply question(const std::string &account, std::time_t expires)
                           + "</strong>.</p>\n<form method=\"post\">\n"
                             "<button type=\"submit\">Sign in</button>\n</form>\n"
                             "<p class=\"note\">The code expires at <time datetime=\""
-                          + localTime(expires, "%Y-%m-%dT%H:%M:%S%z") + "\">"
-                          + localTime(expires, "%H:%M:%S")
+                          + withOffset.toString(Qt::ISODate).toStdString() + "\">"
+                          + local.time().toString(Qt::ISODate).toStdString()
                           + "</time>.</p>\n<p class=\"note\">If you have not asked for this, close "
                             "this page; nothing happens then.</p>\n")};
 }
@@ -120,9 +126,9 @@ std::string SignInPage::picturePathOf(const QrSignIn &signIn)
     return std::string(pictureFolder) + signIn.pictureSecret + std::string(pictureSuffix);
 }
 
-bool SignInPage::isPage(const std::string &path) { return beginsWith(path, pageFolder); }
+bool SignInPage::isPage(const std::string &path) { return path.rfind(pageFolder, 0) == 0; }
 
-bool SignInPage::isPicture(const std::string &path) { return beginsWith(path, pictureFolder); }
+bool SignInPage::isPicture(const std::string &path) { return path.rfind(pictureFolder, 0) == 0; }
 
 const std::map<std::string, std::string> &SignInPage::headers()
 {

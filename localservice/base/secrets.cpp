@@ -1,44 +1,45 @@
 #include "localservice/base/secrets.h"
 
-#include "localservice/base/hexadecimal.h"
-#include "localservice/base/sha256.h"
+#include <QCryptographicHash>
+#include <QRandomGenerator>
 
 #include <openssl/crypto.h>
-#include <openssl/rand.h>
 
-#include <stdexcept>
+#include <array>
+#include <random>
 
 namespace localservice {
 
 namespace {
 
-constexpr std::uint64_t largestToken = (std::uint64_t{1} << 53U) - 1;
 constexpr std::int64_t leastToken = 2;
-constexpr std::uint64_t codes = 1000000; // 64 random bits favour none of them noticeably
-constexpr std::size_t codeDigits = 6;
-
-std::uint64_t randomNumber()
-{
-    std::uint64_t number = 0;
-    if (RAND_bytes(reinterpret_cast<unsigned char *>(&number), sizeof number) != 1)
-        throw std::runtime_error("no secure random numbers");
-    return number;
-}
+constexpr std::int64_t largestToken = (std::int64_t{1} << 53) - 1;
+constexpr int codes = 1000000;
 
 } // namespace
 
+std::string randomId()
+{
+    std::array<quint32, 4> bits{};
+    QRandomGenerator::system()->fillRange(bits.data(), bits.size());
+    return QByteArray(reinterpret_cast<const char *>(bits.data()), sizeof bits)
+        .toHex()
+        .toStdString();
+}
+
+bool isRandomId(const std::string &text)
+{
+    return text.size() == 32 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
 std::int64_t randomToken()
 {
-    std::int64_t token = 0;
-    while (token < leastToken)
-        token = static_cast<std::int64_t>(randomNumber() & largestToken);
-    return token;
+    return std::uniform_int_distribution(leastToken, largestToken)(*QRandomGenerator64::system());
 }
 
 std::string randomCode()
 {
-    const std::string digits = std::to_string(randomNumber() % codes);
-    return std::string(codeDigits - digits.size(), '0') + digits;
+    return std::to_string(codes + QRandomGenerator::system()->bounded(codes)).substr(1);
 }
 
 bool isSameSecret(const std::string &one, const std::string &other)
@@ -46,6 +47,11 @@ bool isSameSecret(const std::string &one, const std::string &other)
     return one.size() == other.size() && CRYPTO_memcmp(one.data(), other.data(), one.size()) == 0;
 }
 
-std::string digestOf(const std::string &secret) { return hexadecimal(sha256(secret)); }
+std::string digestOf(const std::string &secret)
+{
+    return QCryptographicHash::hash(QByteArray::fromStdString(secret), QCryptographicHash::Sha256)
+        .toHex()
+        .toStdString();
+}
 
 } // namespace localservice

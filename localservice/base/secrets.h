@@ -5,9 +5,14 @@
 
 namespace localservice {
 
+/// 128 bits of the system's secure random numbers as 32 lower-case hexadecimal digits.
+std::string randomId();
+
+/// Whether @p text has the form of a random id.
+bool isRandomId(const std::string &text);
+
 /// A random token from 2 to 2^53 - 1: a double can hold it. Neither 0 nor 1 is one, which stand for
-/// no token and for a token of one's own in what clients try. std::runtime_error if there are no
-/// secure random numbers to be had; likewise below.
+/// no token and for a token of one's own in what clients try.
 std::int64_t randomToken();
 
 /// Six random decimal digits.

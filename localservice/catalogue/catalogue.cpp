@@ -1,6 +1,5 @@
 #include "localservice/catalogue/catalogue.h"
 
-#include "localservice/base/beginswith.h"
 #include "localservice/catalogue/avatars.h"
 #include "localservice/catalogue/music.h"
 #include "localservice/speech/speechtext.h"
@@ -92,7 +91,10 @@ nlohmann::json Catalogue::music() const
 
 std::string Catalogue::file(const std::string &path) { return m_files.get(path); }
 
-bool Catalogue::isResponsible(const std::string &path) { return beginsWith(path, "/speechdesk/"); }
+bool Catalogue::isResponsible(const std::string &path)
+{
+    return path.rfind("/speechdesk/", 0) == 0;
+}
 
 std::string Catalogue::userPicture(std::int64_t user) const
 {

@@ -1,7 +1,5 @@
 #include "localservice/server/byterange.h"
 
-#include "localservice/base/beginswith.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
@@ -25,7 +23,7 @@ std::size_t number(const std::string &digits) { return std::strtoull(digits.c_st
 std::optional<ByteRange> requestedRange(const std::string &header, std::size_t size)
 {
     const std::size_t dash = header.find('-');
-    if (!beginsWith(header, unit) || dash == std::string::npos)
+    if (header.rfind(unit, 0) != 0 || dash == std::string::npos)
         return std::nullopt;
     const std::string first = header.substr(unit.size(), dash - unit.size());
     const std::string last = header.substr(dash + 1);

@@ -1,6 +1,5 @@
 #include "localservice/server/operations.h"
 
-#include "localservice/base/beginswith.h"
 #include "localservice/server/headervalue.h"
 
 #include <algorithm>
@@ -77,7 +76,7 @@ bool Operations::isResponsible(const std::string &path)
 {
     const std::array<std::string_view, 3> prefixes{speechPrefix, accountPrefix, appPrefix};
     return std::any_of(prefixes.begin(), prefixes.end(),
-                       [&](std::string_view prefix) { return beginsWith(path, prefix); });
+                       [&](std::string_view prefix) { return path.rfind(prefix, 0) == 0; });
 }
 
 std::optional<nlohmann::json> Operations::call(const std::string &path,

@@ -1,7 +1,8 @@
 #include "localservice/server/requestlog.h"
 
 #include "localservice/base/console.h"
-#include "localservice/base/utctime.h"
+
+#include <QDateTime>
 
 namespace localservice {
 
@@ -49,8 +50,8 @@ void logRequest(const httplib::Request &request, const httplib::Response &respon
     const auto duration = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - notes.start);
     const std::string path = withoutSecrets(request.target.substr(0, request.target.find('?')));
-    const std::string line = utcTime(std::chrono::system_clock::now()) + ' '
-                             + printable(request.method) + ' ' + printable(path) + ' '
+    const std::string line = QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toStdString()
+                             + ' ' + printable(request.method) + ' ' + printable(path) + ' '
                              + printable(notes.feature) + ' ' + std::to_string(response.status)
                              + ' ' + std::to_string(static_cast<int>(notes.code)) + ' '
                              + std::to_string(duration.count()) + " ms";

@@ -1,13 +1,8 @@
 #include "localservice/speech/speechapi.h"
 
-#include "localservice/base/base64.h"
-#include "localservice/base/beginswith.h"
-#include "localservice/base/randomid.h"
 #include "localservice/base/refusal.h"
 #include "localservice/base/secrets.h"
-#include "localservice/base/utctime.h"
 #include "localservice/server/requestlog.h"
-#include "localservice/speech/seat.h"
 #include "localservice/speech/speechtext.h"
 
 #include <algorithm>
@@ -29,9 +24,6 @@ constexpr std::size_t longestText = 20000;
 
 constexpr std::array<int, 8> sampleRates{8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000};
 constexpr int furthestRate = 500;
-// At once, those that wait for the engine included; more would keep others from being served.
-constexpr int mostRecognitions = 8;
-constexpr int mostSyntheses = 16;
 
 constexpr int waveHead = 44; // bytes
 
@@ -71,6 +63,14 @@ JsonBody parsed(const std::string &bytes)
 [[noreturn]] void refuseFeature()
 {
     throw Refusal(Code::UnusableValue, "this operation does not have that feature");
+}
+
+// One of the seats, until the releaser goes.
+QSemaphoreReleaser taken(QSemaphore &seats)
+{
+    if (!seats.tryAcquire())
+        throw Refusal(Code::Busy, "too many requests of this kind at once, try again later");
+    return QSemaphoreReleaser(seats);
 }
 
 // As many as fit into an object of the storage.
@@ -148,13 +148,13 @@ nlohmann::json SpeechApi::uploadCredential()
             {"dir", credential.directory},
             {"SecurityToken", credential.token},
             {"bucketRegion", "local"},
-            {"Expiration", utcTime(credential.expiration)}};
+            {"Expiration", credential.expiration.toString(Qt::ISODate).toStdString()}};
 }
 
 void SpeechApi::checkToken(const std::string &authorization) const
 {
     const std::string scheme = "Bearer ";
-    const bool isBearer = beginsWith(authorization, scheme);
+    const bool isBearer = authorization.rfind(scheme, 0) == 0;
     const std::string token = isBearer ? authorization.substr(scheme.size()) : std::string();
     const auto &bypass = m_settings.developmentToken;
     const bool isDevelopment = bypass && isSameSecret(token, std::to_string(*bypass));
@@ -169,7 +169,7 @@ std::filesystem::path SpeechApi::recordingOf(const JsonBody &body) const
     const std::string address = link.substr(0, link.find('?'));
     const std::string byNumber = "https://127.0.0.1:" + std::to_string(m_settings.port);
     for (const std::string &origin : {m_settings.origin, byNumber}) {
-        if (!beginsWith(address, origin))
+        if (address.rfind(origin, 0) != 0)
             continue;
         const auto object = Storage::parsePath(address.substr(origin.size()));
         if (!object)
@@ -222,7 +222,7 @@ std::string SpeechApi::synthesize(const Request &request)
 nlohmann::json SpeechApi::recognizeNow(const JsonBody &body)
 {
     const std::filesystem::path file = recordingOf(body);
-    const Seat seat(m_recognitions, mostRecognitions);
+    const QSemaphoreReleaser seat = taken(m_recognitions);
     std::string text;
     for (const Sentence &sentence :
          m_services.recognizer.recognize(readWave(file, Channels::MixDown, longestShortRecording)))
@@ -246,8 +246,8 @@ nlohmann::json SpeechApi::recognizeLater(const JsonBody &body)
 nlohmann::json SpeechApi::speakNow(const JsonBody &body, std::size_t longest)
 {
     const Request request = synthesisOf(body, longest);
-    const Seat seat(m_syntheses, mostSyntheses);
-    return {{"audio", base64(synthesize(request))}};
+    const QSemaphoreReleaser seat = taken(m_syntheses);
+    return {{"audio", QByteArray::fromStdString(synthesize(request)).toBase64().toStdString()}};
 }
 
 nlohmann::json SpeechApi::speakLater(const JsonBody &body)

@@ -8,9 +8,10 @@
 #include "localservice/storage/credentials.h"
 #include "localservice/storage/storage.h"
 
+#include <QSemaphore>
+
 #include <nlohmann/json.hpp>
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -73,9 +74,10 @@ private:
 
     SpeechServices m_services;
     Settings m_settings;
-    // Those who wait for an answer.
-    std::atomic<int> m_recognitions{0};
-    std::atomic<int> m_syntheses{0};
+    // Seats for those who wait for an answer, be it their turn or not: more of them would keep
+    // others from being served.
+    QSemaphore m_recognitions{8};
+    QSemaphore m_syntheses{16};
 };
 
 } // namespace localservice

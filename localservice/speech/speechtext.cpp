@@ -1,8 +1,10 @@
 #include "localservice/speech/speechtext.h"
 
+#include <QString>
+#include <QVector>
+
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace localservice {
@@ -12,35 +14,30 @@ namespace {
 constexpr std::size_t longestPiece = 400;
 constexpr std::size_t longestAbbreviation = 4; // without its dot
 
-constexpr std::array<std::pair<const char *, const char *>, 9> plainForms{{
-    {"\u2018", "'"},
-    {"\u2019", "'"},
-    {"\u201c", "\""},
-    {"\u201d", "\""},
-    {"\u2010", "-"},
-    {"\u2011", "-"},
-    {"\u2013", " - "},
-    {"\u2014", " - "},
-    {"\u2026", "..."},
+// Of the characters that this decomposition leaves whole.
+constexpr std::array<std::pair<char16_t, const char *>, 20> plainForms{{
+    {u'‘', "'"},   {u'’', "'"},   {u'“', "\""}, {u'”', "\""}, {u'‐', "-"},
+    {u'–', " - "}, {u'—', " - "}, {u'ß', "ss"}, {u'æ', "ae"}, {u'Æ', "Ae"},
+    {u'œ', "oe"},  {u'Œ', "Oe"},  {u'ø', "o"},  {u'Ø', "O"},  {u'ł', "l"},
+    {u'Ł', "L"},   {u'đ', "d"},   {u'Đ', "D"},  {u'þ', "th"}, {u'Þ', "Th"},
 }};
-
-bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U; }
 
 bool isSpoken(char c)
 {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// The form of the character of @p length bytes at @p begin.
-std::string plainForm(const char *begin, std::size_t length)
+// What is spoken for a character of a text in compatibility decomposition. An accent follows its
+// letter there; it leaves nothing behind, nor does a soft hyphen.
+std::string plainForm(QChar character)
 {
-    if (length == 1)
-        return std::string(1, *begin >= ' ' && *begin < 0x7f ? *begin : ' ');
-    for (const auto &[typographic, plain] : plainForms) {
-        if (std::strlen(typographic) == length && std::memcmp(typographic, begin, length) == 0)
+    for (const auto &[typographic, plain] : plainForms)
+        if (character == QChar(typographic))
             return plain;
-    }
-    return " ";
+    if (character.isMark() || character.category() == QChar::Other_Format)
+        return {};
+    const char c = character.toLatin1();
+    return std::string(1, c >= ' ' && c < 0x7f ? c : ' ');
 }
 
 // The words that end in a dot within a sentence: "Dr.", "Prof.", initials, "e.g.".
@@ -79,20 +76,14 @@ std::size_t endOfPiece(const std::string &text, std::size_t begin)
 
 std::size_t characterCount(const std::string &utf8)
 {
-    return utf8.size()
-           - static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), isContinuation));
+    return static_cast<std::size_t>(QString::fromStdString(utf8).toUcs4().size());
 }
 
 std::string speakableText(const std::string &utf8)
 {
     std::string text;
-    for (std::size_t begin = 0; begin < utf8.size();) {
-        std::size_t end = begin + 1;
-        while (end < utf8.size() && isContinuation(utf8[end]))
-            ++end;
-        text += plainForm(utf8.data() + begin, end - begin);
-        begin = end;
-    }
+    for (const QChar c : QString::fromStdString(utf8).normalized(QString::NormalizationForm_KD))
+        text += plainForm(c);
     return std::any_of(text.begin(), text.end(), isSpoken) ? text : std::string();
 }
 

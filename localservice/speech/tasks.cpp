@@ -1,7 +1,7 @@
 #include "localservice/speech/tasks.h"
 
-#include "localservice/base/randomid.h"
 #include "localservice/base/refusal.h"
+#include "localservice/base/secrets.h"
 
 namespace localservice {
 

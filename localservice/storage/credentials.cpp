@@ -1,6 +1,5 @@
 #include "localservice/storage/credentials.h"
 
-#include "localservice/base/randomid.h"
 #include "localservice/base/secrets.h"
 
 namespace localservice {
@@ -9,7 +8,7 @@ Credential Credentials::issue(const std::string &parent, Access access,
                               std::chrono::seconds lifetime)
 {
     Credential credential{parent + "/" + randomId(), randomId(),
-                          std::chrono::system_clock::now() + lifetime};
+                          QDateTime::currentDateTimeUtc().addSecs(lifetime.count())};
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_entries[credential.directory] = {credential.token, access,
                                        std::chrono::steady_clock::now() + lifetime};

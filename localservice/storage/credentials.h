@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDateTime>
+
 #include <chrono>
 #include <map>
 #include <mutex>
@@ -15,7 +17,7 @@ struct Credential
 {
     std::string directory; ///< Such as "uploads/<id>"; no other credential has it.
     std::string token;
-    std::chrono::system_clock::time_point expiration;
+    QDateTime expiration; ///< In UTC.
 };
 
 /// The credentials that have been given out. They live in memory: none survives the process.

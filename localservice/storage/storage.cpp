@@ -1,7 +1,6 @@
 #include "localservice/storage/storage.h"
 
-#include "localservice/base/beginswith.h"
-#include "localservice/base/randomid.h"
+#include "localservice/base/secrets.h"
 
 #include <fstream>
 #include <sstream>
@@ -49,7 +48,7 @@ Storage::Storage(std::filesystem::path folder)
 
 std::optional<ObjectName> Storage::parsePath(const std::string &path)
 {
-    if (!beginsWith(path, prefix))
+    if (path.rfind(prefix, 0) != 0)
         return std::nullopt;
     std::istringstream stream(path.substr(prefix.size()));
     std::string parent;
@@ -109,7 +108,8 @@ void Storage::sweep(std::chrono::seconds uploadsLifetime, std::chrono::seconds r
 {
     removeOlderThan(m_objects / uploads, uploadsLifetime);
     removeOlderThan(m_objects / results, resultsLifetime);
-    removeOlderThan(m_unfinished, uploadsLifetime); // left behind by a process that was killed
+    removeOlderThan(m_unfinished,
+                    uploadsLifetime); // left behind by a process that was killed
 }
 
 } // namespace localservice

@@ -1,6 +1,5 @@
 #include "localservice/storage/storageapi.h"
 
-#include "localservice/base/beginswith.h"
 #include "localservice/base/refusal.h"
 
 namespace localservice {
@@ -12,7 +11,7 @@ StorageApi::StorageApi(Storage &storage, const Credentials &credentials, const s
 {
 }
 
-bool StorageApi::isResponsible(const std::string &path) { return beginsWith(path, "/storage/"); }
+bool StorageApi::isResponsible(const std::string &path) { return path.rfind("/storage/", 0) == 0; }
 
 nlohmann::json StorageApi::put(const std::string &path, const std::string &token,
                                const std::string &bytes)

@@ -244,10 +244,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("threads");
         QTest::newRow("no worker") << 0;
         QTest::newRow("one worker of two") << 1;
-        QTest::newRow("no sweeper") << 2;
-        QTest::newRow("nobody to serve") << 3;
+        QTest::newRow("nobody to serve") << 2;
         QTest::newRow("few to serve") << 10;
-        QTest::newRow("nobody to listen") << 259;
+        QTest::newRow("nobody to listen") << 258;
     }
     void aThreadThatCannotBeMadeIsToldInOneLine()
     {
