@@ -1,181 +1,117 @@
 #include "localservice/catalogue/avatars.h"
 
-#include "localservice/catalogue/picture.h"
+#include "localservice/base/png.h"
 
-#include <algorithm>
-#include <array>
+#include <QPainter>
+#include <QPainterPath>
+
 #include <map>
 
 namespace localservice {
 
 namespace {
 
-struct Colour
-{
-    int red;
-    int green;
-    int blue;
-};
-
 /// An ellipse within the unit square, of which only what is above @c bottom is drawn.
 struct Ellipse
 {
-    float x;
-    float y;
-    float width; // from the centre, likewise the height
-    float height;
-    Colour colour;
-    float bottom = 1;
+    qreal x;
+    qreal y;
+    qreal width; // from the centre, likewise the height
+    qreal height;
+    qreal bottom = 1;
+};
+
+struct Person
+{
+    QRgb background;
+    QRgb clothes;
+    QRgb hair;
+    QRgb skin;
+    std::vector<Ellipse> hairBehind; // the face
+    qreal fringe;                    // down to where it reaches
 };
 
 constexpr int size = 160; // points
-constexpr int fineness = 4;
-constexpr Ellipse disc{0.5F, 0.5F, 0.49F, 0.49F, {}};
 
-constexpr Colour paleSkin{244, 208, 177};
-constexpr Colour warmSkin{224, 172, 132};
-constexpr Colour darkSkin{156, 102, 68};
-constexpr Colour black{43, 38, 42};
-constexpr Colour brown{97, 61, 38};
-constexpr Colour fair{219, 170, 84};
-constexpr Colour red{168, 74, 43};
+constexpr QRgb paleSkin = 0xf4d0b1;
+constexpr QRgb warmSkin = 0xe0ac84;
+constexpr QRgb darkSkin = 0x9c6644;
+constexpr QRgb black = 0x2b262a;
+constexpr QRgb brown = 0x613d26;
+constexpr QRgb fair = 0xdbaa54;
+constexpr QRgb red = 0xa84a2b;
+constexpr QRgb mouth = 0xa64848;
 
-// What is later lies on top.
-using Drawing = std::vector<Ellipse>;
-
-Drawing shoulders(Colour background, Colour clothes)
+const std::map<std::string, Person> &people()
 {
-    return {{0.5F, 0.5F, 1, 1, background}, {0.5F, 1.0F, 0.36F, 0.28F, clothes}};
-}
-
-void addFace(Drawing &drawing, Colour skin)
-{
-    const Colour mouth{166, 72, 72};
-    drawing.push_back({0.5F, 0.70F, 0.08F, 0.12F, skin}); // the neck
-    drawing.push_back({0.5F, 0.47F, 0.19F, 0.23F, skin});
-    drawing.push_back({0.43F, 0.48F, 0.022F, 0.028F, black});
-    drawing.push_back({0.57F, 0.48F, 0.022F, 0.028F, black});
-    drawing.push_back({0.5F, 0.585F, 0.06F, 0.03F, mouth});
-    drawing.push_back({0.5F, 0.57F, 0.07F, 0.026F, skin}); // leaves a smile of it
-}
-
-void addFringe(Drawing &drawing, Colour hair, float bottom)
-{
-    drawing.push_back({0.5F, 0.43F, 0.21F, 0.23F, hair, bottom});
-}
-
-Drawing longHaired(Colour background, Colour clothes, Colour hair, Colour skin)
-{
-    Drawing drawing = shoulders(background, clothes);
-    drawing.push_back({0.5F, 0.52F, 0.27F, 0.34F, hair, 0.78F});
-    addFace(drawing, skin);
-    addFringe(drawing, hair, 0.35F);
-    return drawing;
-}
-
-Drawing shortHaired(Colour background, Colour clothes, Colour hair, Colour skin)
-{
-    Drawing drawing = shoulders(background, clothes);
-    addFace(drawing, skin);
-    addFringe(drawing, hair, 0.34F);
-    return drawing;
-}
-
-Drawing withBunches(Colour background, Colour clothes, Colour hair, Colour skin)
-{
-    Drawing drawing = shoulders(background, clothes);
-    drawing.push_back({0.25F, 0.36F, 0.1F, 0.1F, hair});
-    drawing.push_back({0.75F, 0.36F, 0.1F, 0.1F, hair});
-    addFace(drawing, skin);
-    addFringe(drawing, hair, 0.37F);
-    return drawing;
-}
-
-Drawing withTuft(Colour background, Colour clothes, Colour hair, Colour skin)
-{
-    Drawing drawing = shoulders(background, clothes);
-    drawing.push_back({0.5F, 0.24F, 0.05F, 0.1F, hair});
-    addFace(drawing, skin);
-    addFringe(drawing, hair, 0.31F);
-    return drawing;
-}
-
-const std::map<std::string, Drawing> &drawings()
-{
-    static const std::map<std::string, Drawing> all{
-        {"%E5%A5%B301.png", longHaired({250, 218, 221}, {176, 65, 98}, brown, paleSkin)},
-        {"%E5%A5%B302.png", longHaired({214, 234, 223}, {38, 110, 89}, black, darkSkin)},
-        {"avatar_girl.png", withBunches({255, 236, 190}, {222, 115, 66}, red, paleSkin)},
-        {"%E7%94%B701.png", shortHaired({207, 224, 244}, {42, 82, 142}, black, warmSkin)},
-        {"%E7%94%B702.png", shortHaired({226, 221, 242}, {92, 75, 140}, fair, paleSkin)},
-        {"avatar_children.png", withTuft({208, 240, 244}, {32, 132, 148}, brown, warmSkin)},
+    const std::vector<Ellipse> longHair{{0.5, 0.52, 0.27, 0.34, 0.78}};
+    const std::vector<Ellipse> bunches{{0.25, 0.36, 0.1, 0.1}, {0.75, 0.36, 0.1, 0.1}};
+    const std::vector<Ellipse> tuft{{0.5, 0.24, 0.05, 0.1}};
+    static const std::map<std::string, Person> all{
+        {"%E5%A5%B301.png", {0xfadadd, 0xb04162, brown, paleSkin, longHair, 0.35}},
+        {"%E5%A5%B302.png", {0xd6eadf, 0x266e59, black, darkSkin, longHair, 0.35}},
+        {"avatar_girl.png", {0xffecbe, 0xde7342, red, paleSkin, bunches, 0.37}},
+        {"%E7%94%B701.png", {0xcfe0f4, 0x2a528e, black, warmSkin, {}, 0.34}},
+        {"%E7%94%B702.png", {0xe2ddf2, 0x5c4b8c, fair, paleSkin, {}, 0.34}},
+        {"avatar_children.png", {0xd0f0f4, 0x208494, brown, warmSkin, tuft, 0.31}},
     };
     return all;
 }
 
-bool contains(const Ellipse &ellipse, float x, float y)
+void draw(QPainter &painter, QRgb colour, const Ellipse &ellipse)
 {
-    const float across = (x - ellipse.x) / ellipse.width;
-    const float down = (y - ellipse.y) / ellipse.height;
-    return across * across + down * down <= 1 && y <= ellipse.bottom;
+    painter.setClipRect(QRectF(0, 0, 1, ellipse.bottom));
+    painter.setBrush(QColor(colour));
+    painter.drawEllipse(QPointF(ellipse.x, ellipse.y), ellipse.width, ellipse.height);
 }
 
-Colour colourAt(const Drawing &drawing, float x, float y)
+// What is later lies on top.
+void draw(QPainter &painter, const Person &person)
 {
-    return std::find_if(drawing.rbegin(), drawing.rend() - 1,
-                        [&](const Ellipse &ellipse) { return contains(ellipse, x, y); })
-        ->colour;
+    painter.fillRect(QRectF(0, 0, 1, 1), QColor(person.background));
+    draw(painter, person.clothes, {0.5, 1, 0.36, 0.28});
+    for (const Ellipse &part : person.hairBehind)
+        draw(painter, person.hair, part);
+    draw(painter, person.skin, {0.5, 0.7, 0.08, 0.12}); // the neck
+    draw(painter, person.skin, {0.5, 0.47, 0.19, 0.23});
+    draw(painter, black, {0.43, 0.48, 0.022, 0.028});
+    draw(painter, black, {0.57, 0.48, 0.022, 0.028});
+    draw(painter, mouth, {0.5, 0.585, 0.06, 0.03});
+    draw(painter, person.skin, {0.5, 0.57, 0.07, 0.026}); // leaves a smile of it
+    draw(painter, person.hair, {0.5, 0.43, 0.21, 0.23, person.fringe});
 }
 
-// The mean of several places within the point makes edges smooth.
-std::array<std::uint8_t, 4> pointAt(const Drawing &drawing, int column, int row)
+// Only a disc of the picture stays.
+void clearCorners(QPainter &painter)
 {
-    const auto place = [](int point, int part) {
-        return (static_cast<float>(point) + (static_cast<float>(part) + 0.5F) / fineness) / size;
-    };
-    std::array<int, 3> sum{};
-    int inside = 0;
-    for (int part = 0; part < fineness * fineness; ++part) {
-        const float x = place(column, part % fineness);
-        const float y = place(row, part / fineness);
-        if (!contains(disc, x, y))
-            continue;
-        const Colour colour = colourAt(drawing, x, y);
-        sum[0] += colour.red;
-        sum[1] += colour.green;
-        sum[2] += colour.blue;
-        ++inside;
-    }
-    const auto mean = [](int total, int count) {
-        return static_cast<std::uint8_t>(count == 0 ? 0 : total / count);
-    };
-    return {mean(sum[0], inside), mean(sum[1], inside), mean(sum[2], inside),
-            mean(255 * inside, fineness * fineness)};
+    QPainterPath corners;
+    corners.addRect(0, 0, 1, 1);
+    corners.addEllipse(QPointF(0.5, 0.5), 0.49, 0.49);
+    painter.setClipping(false);
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    painter.drawPath(corners);
 }
 
 } // namespace
 
-const std::vector<std::string> &avatarNames()
+std::vector<std::string> avatarNames()
 {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> all;
-        for (const auto &entry : drawings())
-            all.push_back(entry.first);
-        return all;
-    }();
+    std::vector<std::string> names;
+    for (const auto &entry : people())
+        names.push_back(entry.first);
     return names;
 }
 
 std::string drawAvatar(const std::string &name)
 {
-    const Drawing &drawing = drawings().at(name);
-    Picture picture{size, size, {}};
-    for (int row = 0; row < size; ++row) {
-        for (int column = 0; column < size; ++column) {
-            const auto point = pointAt(drawing, column, row);
-            picture.points.insert(picture.points.end(), point.begin(), point.end());
-        }
-    }
+    QImage picture(size, size, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.scale(size, size);
+    draw(painter, people().at(name));
+    clearCorners(painter);
+    painter.end();
     return encodePng(picture);
 }
 

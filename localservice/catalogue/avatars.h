@@ -6,7 +6,7 @@
 namespace localservice {
 
 /// The names of the stock pictures, percent-encoded as they stand in addresses.
-const std::vector<std::string> &avatarNames();
+std::vector<std::string> avatarNames();
 
 /// Draws one of them, as a PNG file.
 std::string drawAvatar(const std::string &name);

@@ -98,7 +98,7 @@ bool Catalogue::isResponsible(const std::string &path)
 
 std::string Catalogue::userPicture(std::int64_t user) const
 {
-    const auto &names = avatarNames();
+    const std::vector<std::string> names = avatarNames();
     return m_origin + avatarFolder + names[static_cast<std::size_t>(user) % names.size()];
 }
 
