@@ -14,7 +14,8 @@ struct TlsFiles
 
 /// Makes sure that @p folder holds a usable set of files: those of an earlier start if they are
 /// valid for another day, new ones otherwise. std::runtime_error if that fails or if they are not
-/// valid yet, which a wrong clock makes them.
+/// valid yet, which a wrong clock makes them. It is the process's umask that makes new ones their
+/// owner's alone.
 TlsFiles prepareTlsFiles(const std::filesystem::path &folder);
 
 } // namespace localservice
