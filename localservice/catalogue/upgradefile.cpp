@@ -4,7 +4,6 @@
 #include "localservice/base/refusal.h"
 
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,16 +26,6 @@ constexpr const char *initialContents = R"({
 )";
 
 constexpr int mostUrgent = 2; // of the status values, which begin with 0
-
-std::string contents(const std::filesystem::path &file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    if (!stream)
-        throw std::runtime_error("it cannot be read");
-    return bytes.str();
-}
 
 // Only what the operation has, and only in its types.
 nlohmann::json checked(const nlohmann::json &object)
@@ -70,7 +59,8 @@ UpgradeFile::UpgradeFile(std::filesystem::path file)
 nlohmann::json UpgradeFile::read() const
 {
     try {
-        return checked(nlohmann::json::parse(contents(m_file)));
+        std::ifstream stream(m_file, std::ios::binary);
+        return checked(nlohmann::json::parse(stream));
     } catch (const std::exception &error) {
         warn("\"" + m_file.string() + "\" cannot be used: " + error.what());
         throw Refusal(Code::Failed, "the service does not know of any version");

@@ -8,68 +8,51 @@
 
 namespace localservice {
 
+struct Operations::Question
+{
+    const httplib::Request &request;
+    const std::string &body;
+
+    std::string authorization() const { return headerValue(request, "Authorization"); }
+    std::string parameter(const char *name) const { return request.get_param_value(name); }
+};
+
 namespace {
 
 constexpr const char *speechPrefix = "/convert/public/index.php/v1/";
 constexpr const char *accountPrefix = "/ucenter/public/index.php/v1/";
 constexpr const char *appPrefix = "/app/public/index.php/v1/";
 
-std::string at(const char *prefix, const char *name) { return std::string(prefix) + name; }
-
-std::string authorizationOf(const httplib::Request &request)
-{
-    return headerValue(request, "Authorization");
-}
-
 } // namespace
 
 Operations::Operations(SpeechApi &speech, SignInApi &signIn, Catalogue &catalogue,
                        UpgradeFile &upgrade)
 {
-    addSpeech(speech);
-    addSignIn(signIn);
-    m_operations.push_back({"GET", at(speechPrefix, "asr/getVoice"),
-                            [&](const auto &, const auto &) { return catalogue.voices(); }});
-    m_operations.push_back({"GET", at(speechPrefix, "asr/getBackgroundMusic"),
-                            [&](const auto &, const auto &) { return catalogue.music(); }});
-    m_operations.push_back({"GET", at(appPrefix, "app/upgrade"),
-                            [&](const auto &, const auto &) { return upgrade.read(); }});
-}
-
-void Operations::addSpeech(SpeechApi &speech)
-{
-    m_operations.push_back(
-        {"POST", at(speechPrefix, "asr/process"), [&](const auto &request, const auto &body) {
-             return speech.process(authorizationOf(request), body);
-         }});
-    m_operations.push_back(
-        {"POST", at(speechPrefix, "asr/freeProcess"),
-         [&](const auto &, const auto &body) { return speech.freeProcess(body); }});
-    m_operations.push_back({"POST", at(speechPrefix, "asr/getProcessResult"),
-                            [&](const auto &request, const auto &body) {
-                                return speech.taskResult(authorizationOf(request), body);
-                            }});
-    m_operations.push_back({"GET", at(speechPrefix, "upload/getsignsts"),
-                            [&](const auto &, const auto &) { return speech.uploadCredential(); }});
-}
-
-void Operations::addSignIn(SignInApi &signIn)
-{
-    m_operations.push_back({"GET", at(accountPrefix, "login/getMpQrCode"),
-                            [&](const auto &, const auto &) { return signIn.qrCode(); }});
-    m_operations.push_back(
-        {"GET", at(accountPrefix, "login/getMpStatus"), [&](const auto &request, const auto &) {
-             return signIn.qrStatus(request.get_param_value("business_code"));
-         }});
-    m_operations.push_back({"POST", at(accountPrefix, "verify/sms"),
-                            [&](const auto &, const auto &body) { return signIn.sendCode(body); }});
-    m_operations.push_back(
-        {"POST", at(accountPrefix, "login/sms"),
-         [&](const auto &, const auto &body) { return signIn.signInWithCode(body); }});
-    m_operations.push_back(
-        {"GET", at(accountPrefix, "token/refresh"), [&](const auto &request, const auto &) {
-             return signIn.renew(request.get_param_value("refresh_token"));
-         }});
+    const auto add = [this](const char *method, const char *prefix, const char *name, Call call) {
+        m_operations.push_back({method, std::string(prefix) + name, std::move(call)});
+    };
+    add("POST", speechPrefix, "asr/process",
+        [&](const Question &q) { return speech.process(q.authorization(), q.body); });
+    add("POST", speechPrefix, "asr/freeProcess",
+        [&](const Question &q) { return speech.freeProcess(q.body); });
+    add("POST", speechPrefix, "asr/getProcessResult",
+        [&](const Question &q) { return speech.taskResult(q.authorization(), q.body); });
+    add("GET", speechPrefix, "upload/getsignsts",
+        [&](const Question &) { return speech.uploadCredential(); });
+    add("GET", speechPrefix, "asr/getVoice", [&](const Question &) { return catalogue.voices(); });
+    add("GET", speechPrefix, "asr/getBackgroundMusic",
+        [&](const Question &) { return catalogue.music(); });
+    add("GET", accountPrefix, "login/getMpQrCode",
+        [&](const Question &) { return signIn.qrCode(); });
+    add("GET", accountPrefix, "login/getMpStatus",
+        [&](const Question &q) { return signIn.qrStatus(q.parameter("business_code")); });
+    add("POST", accountPrefix, "verify/sms",
+        [&](const Question &q) { return signIn.sendCode(q.body); });
+    add("POST", accountPrefix, "login/sms",
+        [&](const Question &q) { return signIn.signInWithCode(q.body); });
+    add("GET", accountPrefix, "token/refresh",
+        [&](const Question &q) { return signIn.renew(q.parameter("refresh_token")); });
+    add("GET", appPrefix, "app/upgrade", [&](const Question &) { return upgrade.read(); });
 }
 
 bool Operations::isResponsible(const std::string &path)
@@ -85,7 +68,7 @@ std::optional<nlohmann::json> Operations::call(const std::string &path,
 {
     for (const Operation &operation : m_operations) {
         if (operation.method == request.method && operation.path == path)
-            return operation.call(request, body);
+            return operation.call({request, body});
     }
     return std::nullopt;
 }

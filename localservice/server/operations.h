@@ -31,17 +31,14 @@ public:
                                        const std::string &body) const;
 
 private:
-    using Call =
-        std::function<nlohmann::json(const httplib::Request &request, const std::string &body)>;
+    struct Question;
+    using Call = std::function<nlohmann::json(const Question &question)>;
     struct Operation
     {
         std::string method;
         std::string path;
         Call call;
     };
-
-    void addSpeech(SpeechApi &speech);
-    void addSignIn(SignInApi &signIn);
 
     std::vector<Operation> m_operations;
 };

@@ -2,6 +2,8 @@
 
 #include "localservice/base/refusal.h"
 
+#include <QtEndian>
+
 #include <samplerate.h>
 #include <sndfile.h>
 
@@ -31,12 +33,6 @@ struct CloseSound
 };
 using SoundFile = std::unique_ptr<SNDFILE, CloseSound>;
 
-std::uint32_t littleEndian(const unsigned char *bytes)
-{
-    return bytes[0] | std::uint32_t{bytes[1]} << 8U | std::uint32_t{bytes[2]} << 16U
-           | std::uint32_t{bytes[3]} << 24U;
-}
-
 // The sound library reads as much as there is of a truncated file. The size that the data are
 // said to have tells a whole file from a part of one.
 void checkComplete(const std::filesystem::path &path)
@@ -51,8 +47,7 @@ void checkComplete(const std::filesystem::path &path)
     std::array<char, 8> chunk{};
     while (file.seekg(static_cast<std::streamoff>(position))
            && file.read(chunk.data(), chunk.size())) {
-        const std::uint64_t length =
-            littleEndian(reinterpret_cast<const unsigned char *>(chunk.data()) + 4);
+        const std::uint64_t length = qFromLittleEndian<quint32>(chunk.data() + 4);
         position += chunk.size() + length;
         if (position > size)
             refuse("is truncated");

@@ -16,14 +16,12 @@ std::string Tasks::add(const std::string &feature, Work work)
 {
     auto task = std::make_shared<Task>();
     task->feature = feature;
-    task->work = std::move(work);
     std::string id = randomId();
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_queue.size() >= longestQueue)
+    if (m_workers.waiting() >= longestQueue)
         throw Refusal(Code::Busy, "too many tasks are waiting, try again later");
-    m_tasks[id] = task;
-    m_queue.push_back(std::move(task));
-    m_workers.enqueue([this] { workOnNext(); });
+    m_workers.enqueue([this, task, work = std::move(work)] { workOn(*task, work); });
+    m_tasks[id] = std::move(task);
     return id;
 }
 
@@ -47,39 +45,26 @@ bool Tasks::hasExpired(const Task &task) const
 {
     const TaskState state = task.report.state;
     return (state == TaskState::Success || state == TaskState::Failed)
-           && std::chrono::steady_clock::now() - task.ended >= m_lifetime;
+           && std::chrono::steady_clock::now() - task.changed >= m_lifetime;
 }
 
-void Tasks::workOnNext()
+void Tasks::workOn(Task &task, const Work &work)
 {
-    const std::shared_ptr<Task> task = next();
-    if (!task)
+    if (m_stopping)
         return;
+    setReport(task, {TaskState::Running, {}, {}});
     try {
-        end(*task, {TaskState::Success, task->work(), {}});
+        setReport(task, {TaskState::Success, work(), {}});
     } catch (const std::exception &error) {
-        end(*task, {TaskState::Failed, {}, error.what()});
+        setReport(task, {TaskState::Failed, {}, error.what()});
     }
 }
 
-// Null when the service is stopping.
-std::shared_ptr<Tasks::Task> Tasks::next()
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_stopping)
-        return nullptr;
-    std::shared_ptr<Task> task = std::move(m_queue.front());
-    m_queue.pop_front();
-    task->report.state = TaskState::Running;
-    return task;
-}
-
-void Tasks::end(Task &task, const TaskReport &report)
+void Tasks::setReport(Task &task, const TaskReport &report)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     task.report = report;
-    task.work = nullptr;
-    task.ended = std::chrono::steady_clock::now();
+    task.changed = std::chrono::steady_clock::now();
 }
 
 } // namespace localservice

@@ -7,7 +7,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -55,21 +54,18 @@ private:
     struct Task
     {
         std::string feature;
-        Work work;
-        TaskReport report;                           // guarded by m_mutex
-        std::chrono::steady_clock::time_point ended; // likewise; of a task that has ended
+        TaskReport report;                             // guarded by m_mutex
+        std::chrono::steady_clock::time_point changed; // when the report did; likewise
     };
 
     bool hasExpired(const Task &task) const;
-    void workOnNext();
-    std::shared_ptr<Task> next();
-    void end(Task &task, const TaskReport &report);
+    void workOn(Task &task, const Work &work);
+    void setReport(Task &task, const TaskReport &report);
 
     const std::chrono::seconds m_lifetime;
     const std::atomic<bool> &m_stopping;
     mutable std::mutex m_mutex;
     std::map<std::string, std::shared_ptr<Task>> m_tasks; // by id; guarded by m_mutex
-    std::deque<std::shared_ptr<Task>> m_queue;            // likewise
     ThreadPool m_workers;                                 // waited for before the rest goes
 };
 
