@@ -198,9 +198,8 @@ int main(int argc, char *argv[])
     try {
         const Options options = parseOptions({argv + 1, argv + argc});
         if (options.help)
-            std::cout << usage();
-        else
-            serve(options);
+            return std::cout << usage() << std::flush ? 0 : failure;
+        serve(options);
         return 0;
     } catch (const UsageError &error) {
         std::fprintf(stderr, "vo-localservice: %s\n", error.what());

@@ -122,9 +122,11 @@ bool areUsable(const TlsFiles &files)
     const Certificate authority = readCertificate(files.authority);
     const Certificate server = readCertificate(files.certificate);
     const Key key = readKey(files.key);
+    // Also where another of the files cannot be used: what hosts trust is not replaced in silence.
+    if (authority)
+        requireThatItHasBegun(authority.get(), files.authority);
     if (!authority || !server || !key)
         return false;
-    requireThatItHasBegun(authority.get(), files.authority);
     requireThatItHasBegun(server.get(), files.certificate);
     return isValidTomorrow(authority.get()) && isValidTomorrow(server.get())
            && X509_check_private_key(server.get(), key.get()) == 1

@@ -71,13 +71,22 @@ private Q_SLOTS:
         QVERIFY(m_service->start());
     }
 
+    void anAuthorityOfTheFutureIsToldAndKept_data()
+    {
+        QTest::addColumn<QString>("missing");
+        QTest::newRow("nothing is missing") << QString();
+        QTest::newRow("the key is missing") << QStringLiteral("tls/server-key.pem");
+        QTest::newRow("the certificate is missing") << QStringLiteral("tls/server.pem");
+    }
     void anAuthorityOfTheFutureIsToldAndKept()
     {
+        QFETCH(const QString, missing);
         QVERIFY(m_service->start());
         QCOMPARE(m_service->stop(SIGTERM), 0);
         QVERIFY(makeFutureAuthority(m_service->dataFile(QStringLiteral("tls"))));
         const QByteArray authority = contents(m_service->authority());
         QVERIFY(!authority.isEmpty());
+        QVERIFY(missing.isEmpty() || QFile::remove(m_service->dataFile(missing)));
         QCOMPARE(errorOfAnother(),
                  "vo-localservice: \"" + m_service->authority().toLocal8Bit()
                      + "\" is not valid yet: set the clock right, or remove the file and trust the "

@@ -185,6 +185,16 @@ private Q_SLOTS:
         close(terminal);
     }
 
+    void helpThatCannotBePrintedIsAFailure()
+    {
+        QProcess service;
+        service.setStandardOutputFile(QStringLiteral("/dev/full"));
+        service.start(LocalService::program(), {QStringLiteral("--help")});
+        QVERIFY(service.waitForFinished());
+        QCOMPARE(service.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.exitCode(), 1);
+    }
+
     void itDoesWithoutStandardFiles()
     {
         const QTemporaryDir folder;
