@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <utility>
 
 namespace localservice {
 
@@ -16,13 +17,22 @@ class ConnectionPool final : public httplib::TaskQueue
 {
 public:
     /// std::system_error if there cannot be @p threads. @p connections outlives this.
-    ConnectionPool(std::size_t threads, Connections &connections);
+    ConnectionPool(std::size_t threads, Connections &connections)
+        : m_connections(connections)
+        , m_threads(threads)
+    {
+    }
 
-    void enqueue(std::function<void()> connection) override;
-    void shutdown() override;
+    void enqueue(std::function<void()> connection) override
+    {
+        m_threads.enqueue(std::move(connection));
+        on_idle();
+    }
+
+    void shutdown() override { m_threads.shutdown(); }
 
     /// To be called now and then while connections may be waiting.
-    void on_idle() override;
+    void on_idle() override { m_connections.makeRoom(m_threads.waiting()); }
 
 private:
     Connections &m_connections;

@@ -64,7 +64,7 @@ private:
     using Clock = std::chrono::steady_clock;
     struct State
     {
-        Clock::time_point restsSince; ///< The end of time when it does not rest.
+        Clock::time_point restsSince; ///< The end of time while an answer is worked on.
         bool isEnding = false;
     };
 

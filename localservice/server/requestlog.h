@@ -12,9 +12,10 @@ namespace localservice {
 /// What is known about a request besides what the server keeps.
 struct RequestNotes
 {
+    /// When the service began with it.
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-    std::string feature; ///< As the client gave it; empty if it gave none.
-    Code code = Code::Ok;
+    std::string feature;  ///< As the client gave it; empty if it gave none.
+    Code code = Code::Ok; ///< Of the envelope, or what it would be.
     /// Whether the connection has to end after the reply: what follows on it cannot be told from
     /// a body that has not been read.
     bool endsConnection = false;

@@ -128,13 +128,14 @@ void finish(const httplib::Request &request, const httplib::Response &response)
     requestNotes() = RequestNotes();
 }
 
-void setRefusal(httplib::Response &response, int status, Code code, const std::string &message)
+// Clients of an operation look for a refusal in the envelope, all others in the status.
+void setRefusal(httplib::Response &response, const Refusal &refusal, bool isOfOperation = false)
 {
-    requestNotes().code = code;
-    response.status = status;
+    requestNotes().code = refusal.code();
+    response.status = isOfOperation ? 200 : static_cast<int>(refusal.code());
     if (requestNotes().endsConnection)
         response.set_header("Connection", "close");
-    response.set_content(refusalEnvelope(code, message), envelopeType);
+    response.set_content(refusalEnvelope(refusal.code(), refusal.what()), envelopeType);
 }
 
 class UnknownOperation : public Refusal
@@ -166,8 +167,8 @@ void begin(const httplib::Request &request)
     forgetRanges(request);
 }
 
-// The part of a file that is asked for. Only a GET can ask for one, and nothing tells a client what
-// to make that depend on.
+// The part of a file that is sent. Only a GET can ask for one. A range with If-Range is ignored:
+// no reply has a mark of its version that a client could name there.
 ByteRange partOf(const OpenObject &file, const httplib::Request &request,
                  httplib::Response &response)
 {
@@ -210,7 +211,7 @@ void refuseException(const httplib::Request &, httplib::Response &response,
                      const std::exception_ptr &)
 {
     requestNotes().endsConnection = true;
-    setRefusal(response, static_cast<int>(Code::Failed), Code::Failed, "the service failed");
+    setRefusal(response, Refusal(Code::Failed, "the service failed"));
 }
 
 } // namespace
@@ -289,8 +290,7 @@ void Server::setHandlers()
             return httplib::Server::HandlerResponse::Handled;
         if (request.target.size() > longestTarget) {
             requestNotes().endsConnection = true;
-            setRefusal(response, static_cast<int>(Code::AddressTooLong), Code::AddressTooLong,
-                       "the address is too long");
+            setRefusal(response, Refusal(Code::AddressTooLong, "the address is too long"));
             return httplib::Server::HandlerResponse::Handled;
         }
         if (mayHaveBody(request.method))
@@ -302,15 +302,14 @@ void Server::setHandlers()
         respond(request, response, {});
         return httplib::Server::HandlerResponse::Handled;
     });
-    const httplib::Server::HandlerWithContentReader withBody = [this](const auto &request,
-                                                                      auto &response,
-                                                                      const auto &reader) {
-        try {
-            respond(request, response, readBody(request, reader, largestBody(request)));
-        } catch (const Refusal &refusal) {
-            setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
-        }
-    };
+    const httplib::Server::HandlerWithContentReader withBody =
+        [this](const auto &request, auto &response, const auto &reader) {
+            try {
+                respond(request, response, readBody(request, reader, largestBody(request)));
+            } catch (const Refusal &refusal) {
+                setRefusal(response, refusal);
+            }
+        };
     const std::string anyPath = "[^]*";
     m_http.Post(anyPath, withBody);
     m_http.Put(anyPath, withBody);
@@ -330,15 +329,14 @@ void Server::respondUnrouted(const httplib::Request &request, httplib::Response 
         return;
     }
     requestNotes().endsConnection = true;
-    setRefusal(response, response.status, static_cast<Code>(response.status),
-               "the request is not understood");
+    setRefusal(response,
+               Refusal(static_cast<Code>(response.status), "the request is not understood"));
 }
 
 void Server::respond(const httplib::Request &request, httplib::Response &response,
                      const std::string &body)
 {
     const std::string path = normalPath(request.target);
-    // Clients of the operations look for a refusal in the envelope, all others in the status.
     const bool isOperation = Operations::isResponsible(path);
     try {
         const Answer served = answer(request, path, body);
@@ -350,13 +348,11 @@ void Server::respond(const httplib::Request &request, httplib::Response &respons
         else
             response.set_content(served.body, served.type);
     } catch (const UnknownOperation &refusal) {
-        setRefusal(response, static_cast<int>(refusal.code()), refusal.code(), refusal.what());
+        setRefusal(response, refusal);
     } catch (const Refusal &refusal) {
-        setRefusal(response, isOperation ? 200 : static_cast<int>(refusal.code()), refusal.code(),
-                   refusal.what());
+        setRefusal(response, refusal, isOperation);
     } catch (const std::exception &) {
-        setRefusal(response, isOperation ? 200 : static_cast<int>(Code::Failed), Code::Failed,
-                   "the service failed");
+        setRefusal(response, Refusal(Code::Failed, "the service failed"), isOperation);
     }
 }
 

@@ -4,6 +4,8 @@
 #include "localservice/server/connections.h"
 #include "localservice/speech/segmentation.h"
 
+#include <QScopeGuard>
+
 #include <pocketsphinx.h>
 #include <sphinxbase/err.h>
 
@@ -84,27 +86,6 @@ private:
     ps_decoder_t *m_decoder = nullptr;
 };
 
-/// Has a decoder for as long as it lives.
-class Recognizer::Lease
-{
-public:
-    explicit Lease(Recognizer *owner)
-        : m_owner(owner)
-        , m_decoder(owner->takeDecoder())
-    {
-    }
-    ~Lease() { m_owner->giveBack(std::move(m_decoder)); }
-
-    Lease(const Lease &) = delete;
-    Lease &operator=(const Lease &) = delete;
-
-    Decoder *operator->() const { return m_decoder.get(); }
-
-private:
-    Recognizer *m_owner;
-    std::unique_ptr<Decoder> m_decoder;
-};
-
 Recognizer::Recognizer(const std::string &modelDir, std::size_t decoders,
                        const std::atomic<bool> &stopping)
     : m_modelDir(modelDir)
@@ -119,7 +100,8 @@ Recognizer::~Recognizer() = default;
 std::vector<Sentence> Recognizer::recognize(Audio recording)
 {
     const std::vector<std::int16_t> samples = toPcm(resampled(std::move(recording), modelRate));
-    const Lease decoder(this);
+    std::unique_ptr<Decoder> decoder = takeDecoder();
+    const auto lease = qScopeGuard([&] { giveBack(std::move(decoder)); });
     std::vector<Sentence> sentences;
     for (const Segment &segment : segmentsOfSpeech(samples, modelRate)) {
         checkWanted();

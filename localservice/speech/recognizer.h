@@ -38,7 +38,6 @@ public:
 
 private:
     class Decoder;
-    class Lease;
 
     void checkWanted() const;
     std::unique_ptr<Decoder> takeDecoder();

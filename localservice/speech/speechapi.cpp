@@ -27,6 +27,8 @@ constexpr int furthestRate = 500;
 
 constexpr int waveHead = 44; // bytes
 
+constexpr std::array stateNames{"QUEUEING", "RUNNING", "SUCCESS", "FAILED"}; // by TaskState
+
 // Clients put nothing between the sentences, so each but the first begins with a blank.
 nlohmann::json sentencesJson(const std::vector<Sentence> &sentences)
 {
@@ -36,21 +38,6 @@ nlohmann::json sentencesJson(const std::vector<Sentence> &sentences)
                           {"BeginTime", sentence.beginTime},
                           {"EndTime", sentence.endTime}});
     return result;
-}
-
-const char *stateName(TaskState state)
-{
-    switch (state) {
-    case TaskState::Queueing:
-        return "QUEUEING";
-    case TaskState::Running:
-        return "RUNNING";
-    case TaskState::Success:
-        return "SUCCESS";
-    case TaskState::Failed:
-        break;
-    }
-    return "FAILED";
 }
 
 JsonBody parsed(const std::string &bytes)
@@ -127,8 +114,9 @@ nlohmann::json SpeechApi::taskResult(const std::string &authorization, const std
         refuseFeature();
     const std::string id = request.text("task_id");
     const TaskReport report = m_services.tasks.report(id, feature);
-    nlohmann::json data{
-        {"status", stateName(report.state)}, {"task_id", id}, {"request_id", randomId()}};
+    nlohmann::json data{{"status", stateNames[static_cast<std::size_t>(report.state)]},
+                        {"task_id", id},
+                        {"request_id", randomId()}};
     if (report.state == TaskState::Success)
         data.update(report.result);
     if (report.state == TaskState::Failed)

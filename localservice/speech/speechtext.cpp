@@ -82,7 +82,8 @@ std::size_t characterCount(const std::string &utf8)
 std::string speakableText(const std::string &utf8)
 {
     std::string text;
-    for (const QChar c : QString::fromStdString(utf8).normalized(QString::NormalizationForm_KD))
+    const QString plain = QString::fromStdString(utf8).normalized(QString::NormalizationForm_KD);
+    for (const QChar c : plain)
         text += plainForm(c);
     return std::any_of(text.begin(), text.end(), isSpoken) ? text : std::string();
 }
