@@ -11,17 +11,17 @@ namespace localservice {
 /// What the command line says.
 struct Options
 {
-    int port = 8443;  ///< 0: any free one.
-    std::string data; ///< Folder for everything that is kept.
-    int workers = 2;  ///< Tasks worked on at a time.
-    // Seconds.
-    int resultLifetime = 3600;
-    int credentialLifetime = 900;
-    int codeLifetime = 300; ///< Of SMS codes and QR codes.
-    int tokenLifetime = 7200;
-    int refreshLifetime = 2592000;
-    std::optional<std::int64_t> developmentToken; ///< Accepted without a sign-in.
-    bool help = false;
+    int port = 8443;               ///< Up to 65535; 0: any free one.
+    std::string data;              ///< Folder for everything that is kept, as bytes.
+    int workers = 2;               ///< Tasks worked on at a time, 1 to 16.
+    int resultLifetime = 3600;     ///< Of what tasks have made. Seconds, 1 to a week.
+    int credentialLifetime = 900;  ///< Of upload credentials. Seconds, 1 to a week.
+    int codeLifetime = 300;        ///< Of SMS codes and QR codes. Seconds, 1 to an hour.
+    int tokenLifetime = 7200;      ///< Of access tokens. Seconds, 1 to a week.
+    int refreshLifetime = 2592000; ///< Of refresh tokens. Seconds, 1 to 365 days.
+    /// An access token that is accepted without a sign-in; nothing: there is none.
+    std::optional<std::int64_t> developmentToken;
+    bool help = false; ///< The text of --help is asked for, and nothing else.
 };
 
 /// A command line that cannot be followed; what() is one line.

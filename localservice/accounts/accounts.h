@@ -9,16 +9,17 @@
 
 namespace localservice {
 
+/// Somebody who can be signed in.
 struct Account
 {
-    std::int64_t id = 0;
-    std::string nickname;
+    std::int64_t id = 0;  ///< From 1 on; none is given twice.
+    std::string nickname; ///< What people see.
 };
 
 /// A token that was given out just now.
 struct Token
 {
-    std::int64_t number = 0;
+    std::int64_t number = 0;  ///< From 2 to 2^53 - 1.
     std::int64_t expires = 0; ///< Seconds since the epoch.
 };
 
@@ -31,8 +32,8 @@ public:
     /// How long tokens are valid.
     struct Lifetimes
     {
-        std::chrono::seconds access{};
-        std::chrono::seconds refresh{};
+        std::chrono::seconds access{};  ///< Those that operations want.
+        std::chrono::seconds refresh{}; ///< Those that further access tokens are given for.
     };
 
     /// @p database outlives this.

@@ -25,7 +25,7 @@ struct QrSignIn
     std::string pollSecret;    ///< Of the application that asks.
     std::string pictureSecret; ///< In the address of the picture.
     std::string pageSecret;    ///< In the address that the picture shows.
-    std::time_t expires = 0;
+    std::time_t expires = 0;   ///< Seconds since the epoch.
 };
 
 /// The sign-ins by QR code that are going on. They live in memory: none survives the process. May

@@ -8,17 +8,17 @@ namespace localservice {
 /// The "code" of an envelope; README.md has the table.
 enum class Code {
     Ok = 0,
-    Malformed = 400,
-    Unauthorized = 401,
-    Forbidden = 403,
-    NotFound = 404,
-    TooLarge = 413,
+    Malformed = 400,    ///< Not understood.
+    Unauthorized = 401, ///< An access or refresh token that is not valid.
+    Forbidden = 403,    ///< Another secret that is not valid, or the wrong place to ask from.
+    NotFound = 404,     ///< There is no such thing, or no longer.
+    TooLarge = 413,     ///< A body, a text or a recording.
     AddressTooLong = 414,
     UnusableAudio = 415,
-    OutOfRange = 416,
-    UnusableValue = 422,
-    Busy = 429,
-    Failed = 500,
+    OutOfRange = 416,    ///< A part of a file that it does not have.
+    UnusableValue = 422, ///< Understood, and not possible.
+    Busy = 429,          ///< Too many at a time, or in an hour.
+    Failed = 500,        ///< An engine, the disk or the service itself.
 };
 
 /// Thrown by whatever cannot serve a request; what() is told to the client, in plain English.

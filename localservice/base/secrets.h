@@ -11,8 +11,8 @@ std::string randomId();
 /// Whether @p text has the form of a random id.
 bool isRandomId(const std::string &text);
 
-/// A random token from 2 to 2^53 - 1: a double can hold it. Neither 0 nor 1 is one, which stand for
-/// no token and for a token of one's own in what clients try.
+/// A random token from 2 to 2^53 - 1: a double can hold it. 0 and 1 are left out: clients without a
+/// token may send them.
 std::int64_t randomToken();
 
 /// Six random decimal digits.

@@ -7,18 +7,18 @@
 
 namespace localservice {
 
-/// One note after another; notes are counted in half-tones from the A of 440 Hz.
+/// A melody and its bass, each one note after another.
 struct Tune
 {
     struct Note
     {
-        int pitch;
-        int beats;
+        int pitch; ///< Half-tones from the A of 440 Hz.
+        int beats; ///< How long it is.
     };
 
     std::string file; ///< The name of its recording.
     std::string name; ///< What people see.
-    double beat;      ///< Seconds.
+    double beat;      ///< Its length in seconds.
     std::vector<Note> melody;
     std::vector<Note> bass;
 };

@@ -41,8 +41,8 @@ public:
         std::string origin;                           ///< Begins the addresses that are given out.
         int port = 0;                                 ///< Of the service.
         std::optional<std::int64_t> developmentToken; ///< Accepted without a sign-in.
-        std::chrono::seconds resultLifetime{};
-        std::chrono::seconds credentialLifetime{};
+        std::chrono::seconds resultLifetime{};        ///< Of what tasks have made.
+        std::chrono::seconds credentialLifetime{};    ///< Of upload credentials.
     };
 
     SpeechApi(const SpeechServices &services, const Settings &settings);

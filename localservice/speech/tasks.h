@@ -15,7 +15,12 @@
 
 namespace localservice {
 
-enum class TaskState { Queueing, Running, Success, Failed };
+enum class TaskState {
+    Queueing, ///< No worker has begun it.
+    Running,
+    Success, ///< It has ended and there is a result.
+    Failed,  ///< It has ended and there is a message.
+};
 
 /// How far a task has come.
 // Moving JSON never throws, although its checks of itself look as if they could.

@@ -10,14 +10,17 @@
 namespace localservice {
 
 /// What a holder may do with the objects of a directory.
-enum class Access { Read, ReadAndWrite };
+enum class Access {
+    Read,
+    ReadAndWrite, ///< Replacing objects included.
+};
 
 /// A right of access to one directory of the storage.
 struct Credential
 {
     std::string directory; ///< Such as "uploads/<id>"; no other credential has it.
-    std::string token;
-    QDateTime expiration; ///< In UTC.
+    std::string token;     ///< The secret that goes with it.
+    QDateTime expiration;  ///< In UTC.
 };
 
 /// The credentials that have been given out. They live in memory: none survives the process.

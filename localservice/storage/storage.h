@@ -14,14 +14,14 @@ namespace localservice {
 struct ObjectName
 {
     std::string directory; ///< "uploads/<id>" or "results/<id>".
-    std::string name;
+    std::string name;      ///< 1 to 128 of the characters that README.md lists.
 };
 
 /// An object that can be read whatever becomes of its file.
 struct OpenObject
 {
-    std::shared_ptr<std::istream> stream;
-    std::size_t size = 0; ///< Bytes.
+    std::shared_ptr<std::istream> stream; ///< Has no error.
+    std::size_t size = 0;                 ///< Bytes.
 };
 
 /// Objects in files. May be used by several threads.
