@@ -8,6 +8,7 @@
 #include "wavfile.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -29,6 +30,19 @@ QByteArray decoded(const QByteArray &base64)
 {
     const QByteArray bytes = QByteArray::fromBase64(base64);
     return bytes.toBase64() == base64 ? bytes : QByteArray();
+}
+
+// More than any file system hands out at a time: what ended a write keeps this out as well.
+constexpr int largestBlock = 65536; // bytes
+
+// Whether more could be written behind what the file @p path has.
+bool hasRoomBehind(const QString &path)
+{
+    QFile file(path);
+    const qint64 size = file.size();
+    const QByteArray more(largestBlock, 'x');
+    return file.open(QIODevice::Append | QIODevice::Unbuffered) && file.write(more) == more.size()
+           && file.resize(size);
 }
 
 } // namespace
@@ -112,8 +126,10 @@ void LongSpeech::fetch(const QString &address)
             "the audio could not be fetched or written (run with --verbose to see why)")));
 }
 
-// The service object does not notice when a disk fills up while it writes.
+// The service object does not notice when a disk fills up while it writes; one that is all but full
+// counts as full.
 bool LongSpeech::fetchInto(const QString &address, const QString &path)
 {
-    return service()->DownloadLongTTSRet(address, path) && !WavFile::isCutShort(path);
+    return service()->DownloadLongTTSRet(address, path) && !WavFile::isCutShort(path)
+           && hasRoomBehind(path);
 }

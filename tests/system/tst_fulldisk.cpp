@@ -95,13 +95,14 @@ public:
 
     bool isThere() const { return m_isThere; }
 
-    /// Writes until nothing more can be written.
-    void fill() const
+    /// Writes until no more than @p room bytes can be written.
+    void fill(int room) const
     {
         QFile filler(QString::fromLocal8Bit(m_path) + QStringLiteral("/filler"));
         QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
         while (filler.write(QByteArray(4096, 'f')) > 0) {
         }
+        QVERIFY(filler.resize(filler.size() - room));
     }
 
 private:
@@ -143,6 +144,7 @@ private Q_SLOTS:
         QTest::addColumn<QList<QByteArray>>("answers");
         QTest::addColumn<bool>("isSignedIn"); // before
         QTest::addColumn<QString>("problem");
+        QTest::addColumn<int>("room"); // bytes that can still be written
         const QString unwrittenSession = QStringLiteral("the session could not be written: %1");
         const QString unwritten = QStringLiteral("the audio could not be written: %1");
         const QString unfetched = QStringLiteral("the audio could not be fetched or written (run "
@@ -152,13 +154,13 @@ private Q_SLOTS:
         QTest::newRow("picture of a code, size of files limited")
             << false << QStringLiteral("login --qr")
             << QList<QByteArray>{scannableCode(), ScriptedServer::reply("some picture")} << true
-            << QStringLiteral("no usable picture of the code came or could be written");
+            << QStringLiteral("no usable picture of the code came or could be written") << 0;
         for (const bool isDisk : {false, true}) {
             const auto row = [isDisk](const char *name, const QString &command,
                                       const QList<QByteArray> &answers, bool isSignedIn,
-                                      const QString &problem) {
+                                      const QString &problem, int room = 0) {
                 QTest::addRow("%s, %s", name, isDisk ? "small disk" : "size of files limited")
-                    << isDisk << command << answers << isSignedIn << problem;
+                    << isDisk << command << answers << isSignedIn << problem << room;
             };
             row("first sign-in", QStringLiteral("login --sms 1"), signIn, false, unwrittenSession);
             row("next sign-in", QStringLiteral("login --sms 1"), signIn, true, unwrittenSession);
@@ -170,6 +172,13 @@ private Q_SLOTS:
                     say + QStringLiteral(" --long"),
                     {Answers::task(), Answers::finishedSpeech(), ScriptedServer::reply(wave(size))},
                     true, unfetched);
+            for (const int size : {9003, 20000})
+                row(qPrintable(
+                        QStringLiteral("fetched audio of %1 bytes, room for some").arg(size)),
+                    say + QStringLiteral(" --long"),
+                    {Answers::task(), Answers::finishedSpeech(),
+                     ScriptedServer::reply(QByteArray("ID3").leftJustified(size, '3'))},
+                    true, unfetched, 4096);
         }
     }
     void theOlderFilesStay()
@@ -179,12 +188,13 @@ private Q_SLOTS:
         QFETCH(const QList<QByteArray>, answers);
         QFETCH(const bool, isSignedIn);
         QFETCH(const QString, problem);
+        QFETCH(const int, room);
         if (isDisk && !mountDisk())
             QSKIP("this user may not mount anything", );
         for (const QByteArray &answer : answers)
             m_server.answer(answer);
         writeFiles(isSignedIn);
-        fill();
+        fill(room);
         const QStringList before = entries();
         Program program(withAuthority(command));
         program.type("123456\n");
@@ -244,12 +254,12 @@ private:
             TestFolder::write(m_home.sessionFile(), m_session);
     }
 
-    void fill()
+    void fill(int room = 0)
     {
         if (m_disk)
-            m_disk->fill();
+            m_disk->fill(room);
         else
-            m_limit.emplace(0);
+            m_limit.emplace(rlim_t(room));
     }
 
     QString systemsWords() const
