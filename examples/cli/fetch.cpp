@@ -29,17 +29,17 @@ bool isSuccess(int status) { return status >= 200 && status < 300; }
 
 bool isRedirect(int status) { return status >= 300 && status < 400; }
 
-// -1 when it is not announced. Qt may have joined it with those of redirecting answers, which come
-// before: "145, 3000".
+// -1 when it is not announced: a transfer coding overrides a length. Behind a redirect Qt may put
+// the length that counts after that of the redirecting answer: "145, 3000".
 qint64 lengthIn(const QList<QNetworkReply::RawHeaderPair> &head)
 {
     bool isNumber = false;
     qint64 length = -1;
-    for (const QNetworkReply::RawHeaderPair &header : head) {
-        if (header.first.compare("Content-Length", Qt::CaseInsensitive) == 0)
-            length = header.second.mid(header.second.lastIndexOf(',') + 1)
-                         .trimmed()
-                         .toLongLong(&isNumber);
+    for (const auto &[name, value] : head) {
+        if (name.compare("Transfer-Encoding", Qt::CaseInsensitive) == 0)
+            return -1;
+        if (name.compare("Content-Length", Qt::CaseInsensitive) == 0)
+            length = value.mid(value.lastIndexOf(',') + 1).trimmed().toLongLong(&isNumber);
     }
     return isNumber ? length : -1;
 }

@@ -214,6 +214,10 @@ private Q_SLOTS:
         row("announces no length, but ranges", {withoutLength("abc", "Accept-Ranges: bytes\r\n")},
             "abc");
         row("sends chunks", {inChunks(chunk("ab") + chunk("c") + chunk({}))}, "abc");
+        row("sends chunks and a length",
+            {withoutLength(chunk("abc") + chunk({}),
+                           "Content-Length: 123456\r\nTransfer-Encoding: chunked\r\n")},
+            "abc");
         row("sends one large chunk", {inChunks(chunk(big) + chunk({}))}, big);
         row("has nothing and announces it", {ScriptedServer::reply({})}, "");
         row("has nothing and does not announce it", {withoutLength({})}, "");
