@@ -1,5 +1,7 @@
 #include "failurereason.h"
 
+#include "serveraddress.h"
+
 #include <QRegularExpression>
 #include <QString>
 
@@ -36,6 +38,12 @@ QString &last()
     return reason;
 }
 
+bool &pictureTrust()
+{
+    static bool isTrusted = false;
+    return isTrusted;
+}
+
 QString textIn(const QString &text)
 {
     const auto *answer =
@@ -60,8 +68,11 @@ void FailureReason::readLog(const QString &message)
 {
     static const QRegularExpression failure(
         QStringLiteral(R"x(^\[error\] VoNetworker::\w+ (?:"(.+)"|(\w+))\s*$)x"));
-    const QRegularExpressionMatch match = failure.match(message);
-    if (match.hasMatch())
+    static const QRegularExpression picture(
+        QStringLiteral(R"x(^VoNetworker::DownloadLoginQrCode qrUrl= "(.*)" ,saveDir= )x"));
+    if (const auto match = picture.match(message); match.hasMatch())
+        pictureTrust() = ServerAddress::isUsable(match.captured(1));
+    if (const auto match = failure.match(message); match.hasMatch())
         last() = match.capturedLength(1) > 0 ? textIn(match.captured(1)) : named(match.captured(2));
 }
 
@@ -70,6 +81,8 @@ QString FailureReason::orElse(const QString &otherwise)
     return last().isEmpty() ? otherwise
                             : QStringLiteral("the service could not be reached: %1").arg(last());
 }
+
+bool FailureReason::isPictureTrusted() { return pictureTrust(); }
 
 QString FailureReason::inWords(const QString &errorText)
 {

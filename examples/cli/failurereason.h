@@ -13,6 +13,9 @@ void readLog(const QString &message);
 /// @p otherwise when it answered.
 QString orElse(const QString &otherwise);
 
+/// Whether the library has taken the picture of a code from a usable address, as the log tells.
+bool isPictureTrusted();
+
 /// What Qt's @p errorText means for the user.
 QString inWords(const QString &errorText);
 

@@ -2,6 +2,7 @@
 
 #include "codepicture.h"
 #include "console.h"
+#include "failurereason.h"
 #include "network/vonetworkintf.h"
 #include "privatefiles.h"
 #include "progress.h"
@@ -77,6 +78,11 @@ void QrSignIn::onCode(LoginQrCode *code)
         return;
     if (!code) {
         giveUp(refusedByService());
+        return;
+    }
+    // The library takes it from anywhere; whoever can put another code there gets the session.
+    if (!FailureReason::isPictureTrusted()) {
+        giveUp(QStringLiteral("the service sent no usable address of the code's picture"));
         return;
     }
     const QImage image = CodePicture::read(code->qrImagePath);

@@ -1,4 +1,5 @@
 #include "tests/support/scriptedserver.h"
+#include "tests/support/testfolder.h"
 #include "tests/system/answers.h"
 #include "tests/system/home.h"
 #include "tests/system/program.h"
@@ -26,6 +27,8 @@ namespace {
 // A picture of 21 modules a side that looks like a code to whoever knows no more of one than its
 // corners. Modules are two pixels wide, in a light margin of eight.
 constexpr int side = 21;
+
+const QString codeName = QStringLiteral("code.png");
 
 bool isDark(int column, int row)
 {
@@ -152,12 +155,12 @@ QJsonObject session(const QDateTime &tokenExpiry, const QDateTime &refreshExpiry
             {QStringLiteral("sessionExpires"), utcText(refreshExpiry)}};
 }
 
-QByteArray code(const QDateTime &expiry)
+QByteArray code(const QDateTime &expiry,
+                const QString &address = QStringLiteral(SERVICE_BASE_ADDRESS "/code.png"))
 {
-    return Answers::envelope(
-        {{QStringLiteral("url"), QStringLiteral(SERVICE_BASE_ADDRESS "/code.png")},
-         {QStringLiteral("expire_time"), expiry.toSecsSinceEpoch()},
-         {QStringLiteral("business_code"), QStringLiteral("attempt-7")}});
+    return Answers::envelope({{QStringLiteral("url"), address},
+                              {QStringLiteral("expire_time"), expiry.toSecsSinceEpoch()},
+                              {QStringLiteral("business_code"), QStringLiteral("attempt-7")}});
 }
 
 QByteArray status(int status) { return Answers::envelope({{QStringLiteral("status"), status}}); }
@@ -219,6 +222,9 @@ private Q_SLOTS:
     {
         const quint16 port = SERVICE_PORT;
         QVERIFY(m_server.start(port));
+        QVERIFY(m_clearServer.start());
+        m_clearServer.answer(ScriptedServer::reply(codePicture()));
+        TestFolder::write(m_folder.filePath(codeName), codePicture());
     }
     void init()
     {
@@ -365,6 +371,29 @@ private Q_SLOTS:
         QCOMPARE(signInBySms(user(in(3600), in(7200))).status, 0);
         QCOMPARE(modeOf(m_home->sessionFile()), 0600);
         QCOMPARE(modeOf(m_home->settings()), 0700);
+    }
+
+    void aPictureIsTakenFromHttpsOnly_data()
+    {
+        QTest::addColumn<QString>("address");
+        const QString data = QStringLiteral("data:image/png;base64,")
+                             + QString::fromLatin1(codePicture().toBase64());
+        QTest::newRow("a file") << QStringLiteral("file://") + m_folder.filePath(codeName);
+        QTest::newRow("data") << data;
+        QTest::newRow("data with quotation marks")
+            << data + QStringLiteral("#\" ,saveDir= \"https://localhost/c.png");
+        QTest::newRow("in the clear") << m_clearServer.address(QStringLiteral("/code.png"));
+    }
+    void aPictureIsTakenFromHttpsOnly()
+    {
+        QFETCH(const QString, address);
+        m_server.answer(code(in(60), address));
+        m_server.answer(confirmed(user(in(3600), in(7200))));
+        const Outcome outcome = run(arguments("login --qr"));
+        QCOMPARE(outcome.err,
+                 QByteArray("vospeak: the service sent no usable address of the code's picture\n"));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(m_server.requests().size(), 1);
     }
 
     void aSignInThatFailsLeavesNoSession_data()
@@ -757,6 +786,7 @@ private:
     static Outcome run(const QStringList &command) { return vospeak(withAuthority(command)); }
 
     ScriptedServer m_server{Identity::Localhost};
+    ScriptedServer m_clearServer;
     const QTemporaryDir m_folder;
     QScopedPointer<Home> m_home;
     Outcome m_outcome;
