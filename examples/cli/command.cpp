@@ -4,6 +4,7 @@
 #include "console.h"
 #include "failurereason.h"
 #include "fetch.h"
+#include "interrupt.h"
 #include "options.h"
 #include "progress.h"
 #include "qrsignin.h"
@@ -83,7 +84,8 @@ Progress *Command::progress() const { return m_tools.progress; }
 
 void Command::finish(const QString &text, const QJsonObject &document)
 {
-    m_tools.progress->clear(); // the terminal may be the same
+    m_tools.progress->clear();  // the terminal may be the same
+    Interrupt::leaveToSystem(); // whoever reads the result may be slow
     if (Console::print(m_json ? lineOf(document) : text))
         Q_EMIT succeeded();
     else

@@ -51,6 +51,8 @@ Interrupt::Interrupt()
     SetConsoleCtrlHandler(onControl, TRUE);
 }
 
+void Interrupt::leaveToSystem() { SetConsoleCtrlHandler(onControl, FALSE); }
+
 Interrupt::~Interrupt()
 {
     SetConsoleCtrlHandler(onControl, FALSE);
@@ -64,6 +66,7 @@ Interrupt::~Interrupt()
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -118,6 +121,16 @@ Interrupt::Interrupt()
     });
     handle(SIGINT);
     handle(SIGTERM);
+}
+
+void Interrupt::leaveToSystem()
+{
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+    pollfd waiting = {readEnd, POLLIN, 0};
+    unsigned char number = 0;
+    if (poll(&waiting, 1, 0) == 1 && read(readEnd, &number, 1) == 1)
+        std::raise(number);
 }
 
 Interrupt::~Interrupt()

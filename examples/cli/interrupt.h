@@ -14,6 +14,10 @@ public:
     Interrupt();
     ~Interrupt() override;
 
+    /// The system ends the program itself from here on, and at once if a signal has come that no
+    /// loop was told of. For work that does not return to the loop in time.
+    static void leaveToSystem();
+
 Q_SIGNALS:
     /// The program is to end with @p status.
     void interrupted(int status);

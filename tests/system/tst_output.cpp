@@ -66,6 +66,15 @@ public:
         return all;
     }
 
+    void signal(int number) const { kill(m_process, number); }
+
+    bool hasEnded() const
+    {
+        siginfo_t info = {};
+        return waitid(P_PID, id_t(m_process), &info, WEXITED | WNOHANG | WNOWAIT) == 0
+               && info.si_pid == m_process;
+    }
+
     /// Waits for the end; as wait() tells it.
     int end()
     {
@@ -141,6 +150,25 @@ private Q_SLOTS:
         QVERIFY(all.size() > 2 * smallestPipe);
         QCOMPARE(all, vospeak(command).out);
         QCOMPARE(program.end(), 0);
+    }
+
+    void aSignalEndsItWhileAReaderIsWaitedFor_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("Ctrl-C") << SIGINT;
+        QTest::newRow("terminated") << SIGTERM;
+    }
+    void aSignalEndsItWhileAReaderIsWaitedFor()
+    {
+        QFETCH(const int, number);
+        PipedProgram program(arguments("voices --ca")
+                             + QStringList{QStringLiteral(TEST_AUTHORITY)});
+        QTRY_COMPARE_WITH_TIMEOUT(program.waiting(), smallestPipe, patience);
+        program.signal(number);
+        QTRY_VERIFY_WITH_TIMEOUT(program.hasEnded(), patience);
+        const int status = program.end();
+        QVERIFY(WIFSIGNALED(status));
+        QCOMPARE(WTERMSIG(status), number);
     }
 
     void aReaderThatHasGoneEndsItQuietly()
