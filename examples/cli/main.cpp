@@ -93,8 +93,11 @@ int main(int argc, char *argv[])
         if (const QString problem = Trust::add(options.authority); !problem.isEmpty())
             return refuse(problem, WrongUse);
     }
-    if (const QString problem = Proxies::use(options.proxy); !problem.isEmpty())
-        return refuse(problem, WrongUse);
+    if (options.action != Options::Action::Logout) { // which asks nobody
+        if (const QString problem = Proxies::use(options.proxy, options.address);
+            !problem.isEmpty())
+            return refuse(problem, WrongUse);
+    }
     if (const QString problem = TokenKeeper::problem(options); !problem.isEmpty())
         return refuse(problem, Failure);
 

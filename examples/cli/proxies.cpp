@@ -105,14 +105,15 @@ private:
     QStringList m_exceptions;
 };
 
-QString useVariables()
+QString useVariables(const QString &destination)
 {
+    const bool isHttp = QUrl(destination, QUrl::TolerantMode).scheme() == QLatin1String("http");
     const Variable https = firstOf(httpsNames);
     const Variable http = firstOf(httpNames);
     if (https.name.isEmpty() && http.name.isEmpty())
         return {}; // the system's settings are Qt's own default
     const auto httpsProxy = proxyAt(https.value);
-    const auto httpProxy = proxyAt(http.value);
+    const auto httpProxy = proxyAt(isHttp ? http.value : QString());
     if (!httpsProxy || !httpProxy)
         return refused(QStringLiteral("the value of %1").arg(httpsProxy ? http.name : https.name));
     // Qt takes it.
@@ -123,10 +124,10 @@ QString useVariables()
 
 } // namespace
 
-QString Proxies::use(const std::optional<QString> &address)
+QString Proxies::use(const std::optional<QString> &address, const QString &destination)
 {
     if (!address)
-        return useVariables();
+        return useVariables(destination);
     const auto proxy = proxyAt(*address);
     if (!proxy)
         return refused(QStringLiteral("the value of --proxy"));

@@ -11,6 +11,9 @@ namespace Proxies {
 /// address the usual environment variables say which, or the system's settings when none of them is
 /// there. Why that is impossible, without repeating an address, which may hold a password; empty:
 /// it is done.
-QString use(const std::optional<QString> &address);
+///
+/// What the environment says for http counts when @p destination, the first to be asked, begins
+/// with it; from https nothing leads there.
+QString use(const std::optional<QString> &address, const QString &destination);
 
 } // namespace Proxies

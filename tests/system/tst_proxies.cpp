@@ -182,6 +182,20 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 2);
     }
 
+    void aVariableThatIsNotNeededMayBeNonsense()
+    {
+        qputenv("http_proxy", "nonsense");
+        qputenv("https_proxy", proxy().toLatin1());
+        verifyFetchedThroughProxy(fetch(true), true);
+        qputenv("https_proxy", "nonsense");
+        QCOMPARE(vospeak(arguments("logout")).status, 0);
+        qunsetenv("https_proxy");
+        const Outcome outcome = fetch(false);
+        QVERIFY2(isOneLine(outcome.err) && outcome.err.contains("the value of http_proxy"),
+                 outcome.err.constData());
+        QCOMPARE(outcome.status, 2);
+    }
+
     void uploadsAndTheAudioOfATaskPassTheProxyAndThisMachineDoesNot()
     {
         qputenv("https_proxy", proxy().toLatin1());
