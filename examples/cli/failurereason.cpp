@@ -1,5 +1,6 @@
 #include "failurereason.h"
 
+#include "proxies.h"
 #include "serveraddress.h"
 
 #include <QRegularExpression>
@@ -10,6 +11,8 @@
 
 namespace {
 
+constexpr char proxyRefuses[] = "Proxy requires authentication";
+constexpr char proxyRefusesName[] = "ProxyAuthenticationRequiredError";
 constexpr char unknownToProxy[] =
     "the proxy wants a user and a password that it knows (see --proxy)";
 
@@ -22,7 +25,7 @@ constexpr struct
 } reasons[] = {
     {"SSL handshake failed", "SslHandshakeFailedError",
      "TLS: not trusted, or not spoken (--ca adds an authority to trust)"},
-    {"Proxy requires authentication", "ProxyAuthenticationRequiredError", unknownToProxy},
+    {proxyRefuses, proxyRefusesName, unknownToProxy},
     {nullptr, "ConnectionRefusedError", "Connection refused"},
     {nullptr, "HostNotFoundError", "the host was not found"},
     {nullptr, "RemoteHostClosedError", "Connection closed"},
@@ -44,18 +47,26 @@ bool &pictureTrust()
     return isTrusted;
 }
 
+// A server may answer as only a proxy should.
+bool isProxyMimicked(const QString &error)
+{
+    return (error == QLatin1String(proxyRefuses) || error == QLatin1String(proxyRefusesName))
+           && !Proxies::areUsed();
+}
+
 QString textIn(const QString &text)
 {
-    const auto *answer =
-        std::find_if(std::begin(answers), std::end(answers),
-                     [&text](const char *part) { return text.contains(QLatin1String(part)); });
-    return answer == std::end(answers) ? FailureReason::inWords(text) : QString();
+    const bool isAnswer =
+        isProxyMimicked(text)
+        || std::any_of(std::begin(answers), std::end(answers),
+                       [&text](const char *part) { return text.contains(QLatin1String(part)); });
+    return isAnswer ? QString() : FailureReason::inWords(text);
 }
 
 QString named(const QString &name)
 {
     for (const auto &reason : reasons) {
-        if (name == QLatin1String(reason.name))
+        if (name == QLatin1String(reason.name) && !isProxyMimicked(name))
             return QLatin1String(reason.words);
     }
     return {};
@@ -86,6 +97,8 @@ bool FailureReason::isPictureTrusted() { return pictureTrust(); }
 
 QString FailureReason::inWords(const QString &errorText)
 {
+    if (isProxyMimicked(errorText))
+        return QStringLiteral("the server wants a user and a password for a proxy");
     for (const auto &reason : reasons) {
         if (reason.text && errorText == QLatin1String(reason.text))
             return QLatin1String(reason.words);

@@ -3,6 +3,7 @@
 #include "failurereason.h"
 #include "options.h"
 #include "progress.h"
+#include "proxies.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -54,7 +55,7 @@ bool isRestFrom(qint64 first, qint64 length, const QNetworkReply *reply)
 
 QString refusalIn(const QNetworkReply *reply)
 {
-    if (statusOf(reply) == proxyWantsUser)
+    if (statusOf(reply) == proxyWantsUser && Proxies::areUsed())
         return FailureReason::proxyWantsUser();
     const QString reason = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
     return QStringLiteral("the server answered %1 %2").arg(statusOf(reply)).arg(reason).trimmed();

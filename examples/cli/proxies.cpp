@@ -134,3 +134,12 @@ QString Proxies::use(const std::optional<QString> &address, const QString &desti
     QNetworkProxy::setApplicationProxy(*proxy);
     return {};
 }
+
+bool Proxies::areUsed()
+{
+    const QNetworkProxyQuery query(QUrl(QStringLiteral("https://elsewhere.invalid")));
+    const QList<QNetworkProxy> proxies = QNetworkProxyFactory::proxyForQuery(query);
+    return std::any_of(proxies.cbegin(), proxies.cend(), [](const QNetworkProxy &proxy) {
+        return proxy.type() != QNetworkProxy::NoProxy;
+    });
+}

@@ -16,4 +16,7 @@ namespace Proxies {
 /// with it; from https nothing leads there.
 QString use(const std::optional<QString> &address, const QString &destination);
 
+/// Whether any is on the way to servers elsewhere.
+bool areUsed();
+
 } // namespace Proxies

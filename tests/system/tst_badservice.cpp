@@ -164,7 +164,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("answer");
         QTest::newRow("refusal") << Answers::refusal(5, "Connection refused");
         QTest::newRow("no JSON") << ScriptedServer::reply("<html>");
-        for (const char *status : {"401 Unauthorized", "404 Not Found", "503 Busy"})
+        for (const char *status : {"401 Unauthorized", "404 Not Found", "407 Who", "503 Busy"})
             QTest::newRow(status) << ScriptedServer::reply("", status);
     }
     void aServiceThatAnswersIsNotCalledOutOfReach()

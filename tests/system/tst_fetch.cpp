@@ -261,6 +261,8 @@ private Q_SLOTS:
         row("no page", {bare}, "500 Internal Server Error");
         row("no reason", {pageAbout("404 ")}, "404");
         row("credentials", {pageAbout("401 Unauthorized")}, "401 Unauthorized");
+        row("credentials for a proxy that is none",
+            {pageAbout("407 Proxy Authentication Required")}, "407 Proxy Authentication Required");
         row("several to choose from", {pageAbout("300 Multiple Choices")}, "300 Multiple Choices");
         row("a range that nobody asked for", {rest}, "206 Partial Content");
         row("no page, after the first question", {letters(), bare}, "500 Internal Server Error");
