@@ -14,6 +14,7 @@ namespace {
 constexpr qint64 longestFile = 1048576; // bytes; a code has a few thousand
 constexpr int largestSide = 2048;       // pixels; a code has 185 modules at most, margin included
 
+constexpr char signature[] = "\x89PNG\r\n\x1a\n";
 constexpr int signatureSize = 8;
 constexpr int frameSize = 12; // of a chunk: its length, its type and a sum
 constexpr int typeSize = 4;
@@ -22,8 +23,12 @@ constexpr int typeSize = 4;
 // thousand times that, which the decoder does as soon as it is asked for the size.
 bool makesPixels(const QByteArray &type) { return type == type.toUpper() || type == "tRNS"; }
 
+// Empty unless @p png has both ends of a picture: the decoder writes its complaints to standard
+// error by itself.
 QByteArray pixelsOnly(const QByteArray &png)
 {
+    if (!png.startsWith(signature))
+        return {};
     QByteArray kept = png.left(signatureSize);
     int place = signatureSize;
     while (png.size() - place >= frameSize) {
@@ -31,11 +36,14 @@ QByteArray pixelsOnly(const QByteArray &png)
         if (length > quint32(png.size() - place - frameSize))
             break;
         const int size = int(length) + frameSize;
-        if (makesPixels(png.mid(place + typeSize, typeSize)))
+        const QByteArray type = png.mid(place + typeSize, typeSize);
+        if (makesPixels(type))
             kept += png.mid(place, size);
+        if (type == "IEND")
+            return kept;
         place += size;
     }
-    return kept;
+    return {};
 }
 
 } // namespace
@@ -47,6 +55,8 @@ QImage CodePicture::read(const QString &path)
         return {};
     QByteArray bytes = pixelsOnly(file.readAll());
     QBuffer buffer(&bytes);
+    if (bytes.isEmpty())
+        return {};
     QImageReader reader(&buffer, "PNG");
     const QSize size = reader.size();
     return size.width() > largestSide || size.height() > largestSide ? QImage() : reader.read();
