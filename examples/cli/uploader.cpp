@@ -83,12 +83,13 @@ void Uploader::put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes)
 void Uploader::onReply(const QByteArray &reply)
 {
     const QJsonObject envelope = QJsonDocument::fromJson(reply).object();
-    if (envelope.value(QLatin1String("code")).toInt(-1) != 0) {
-        Q_EMIT failed(QStringLiteral("the storage refused the recording: %1")
-                          .arg(envelope.value(QLatin1String("message")).toString()));
-        return;
-    }
-    Q_EMIT uploaded(m_address);
+    const QString message = envelope.value(QLatin1String("message")).toString();
+    if (envelope.value(QLatin1String("code")).toInt(-1) == 0)
+        Q_EMIT uploaded(m_address);
+    else if (message.isEmpty())
+        Q_EMIT failed(QStringLiteral("the storage refused the recording or sent no usable answer"));
+    else
+        Q_EMIT failed(QStringLiteral("the storage refused the recording: %1").arg(message));
 }
 
 void Uploader::onError(const QByteArray &text)

@@ -185,6 +185,16 @@ private Q_SLOTS:
         QVERIFY2(outcome.err.contains("the shelf is full"), outcome.err.constData());
     }
 
+    void aStorageThatSaysNothingIsToldSo()
+    {
+        m_server.answer(Answers::credentials());
+        m_server.answer(ScriptedServer::reply("", "302 Found", "Location: /elsewhere\r\n"));
+        const Outcome outcome = run(arguments("recognize speech.wav --token 1"));
+        QCOMPARE(outcome.err, QByteArray("vospeak: the storage refused the recording or sent no "
+                                         "usable answer\n"));
+        QCOMPARE(outcome.status, 1);
+    }
+
     void theRecordingIsPutUnderTheCredentialsDirectoryWithTheirToken()
     {
         m_server.answer(Answers::credentials());
