@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QMetaObject>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -36,6 +37,12 @@ QString fileProblem(const Options &options)
     if (options.action == Options::Action::Recognize && !InputFile::isAddress(options.recording))
         return InputFile::problem(options.recording);
     return {};
+}
+
+// Qt puts other characters in the place of what it cannot read: names of other files.
+bool isText(const char *argument)
+{
+    return QString::fromLocal8Bit(argument).toLocal8Bit() == argument;
 }
 
 int refuse(const QString &problem, ExitStatus status)
@@ -79,6 +86,9 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(VoNetwork::GetAppVersion());
 
     Console::setUpStreams();
+    if (!std::all_of(argv, argv + argc, isText))
+        return refuse(QStringLiteral("an argument is no text in the encoding of the locale"),
+                      WrongUse);
     const CommandLine commandLine(QCoreApplication::arguments());
     if (!commandLine.problem().isEmpty())
         return refuse(commandLine.problem(), WrongUse);

@@ -185,6 +185,19 @@ private Q_SLOTS:
         QCOMPARE(outcome.err, QByteArray());
     }
 
+    void anArgumentThatIsNoTextIsRefused()
+    {
+        QProcess shell; // Qt starts no program with such an argument
+        shell.start(QStringLiteral("/bin/sh"),
+                    {QStringLiteral("-c"),
+                     QStringLiteral(R"x("$0" say hello --token 1 -o "$(printf '\377\376.wav')")x"),
+                     Program::path()});
+        QVERIFY(shell.waitForFinished());
+        QCOMPARE(shell.readAllStandardError(),
+                 QByteArray("vospeak: an argument is no text in the encoding of the locale\n"));
+        QCOMPARE(shell.exitCode(), 2);
+    }
+
     void theServiceRefusesWrongUseInOneLine_data()
     {
         QTest::addColumn<QStringList>("command");
