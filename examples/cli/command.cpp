@@ -14,19 +14,28 @@
 #include "speechcommands.h"
 
 #include <QJsonDocument>
+#include <QVector>
 
 namespace {
+
+QString escaped(uint character)
+{
+    if (QChar::requiresSurrogates(character))
+        return escaped(QChar::highSurrogate(character)) + escaped(QChar::lowSurrogate(character));
+    return QStringLiteral("\\u%1").arg(character, 4, 16, QLatin1Char('0'));
+}
 
 // What a terminal might obey is escaped: JSON itself asks for that below the blank only.
 QString lineOf(const QJsonObject &document)
 {
     QString line;
     const QString json = QString::fromUtf8(QJsonDocument(document).toJson(QJsonDocument::Compact));
-    for (const QChar character : json) {
+    const QVector<uint> characters = json.toUcs4();
+    for (const uint character : characters) {
         if (Console::isPlain(character))
-            line += character;
+            line += QString::fromUcs4(&character, 1);
         else
-            line += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+            line += escaped(character);
     }
     return line + QLatin1Char('\n');
 }

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QUrl>
+#include <QVector>
 
 #include <algorithm>
 #include <iterator>
@@ -133,9 +134,10 @@ QCommandLineOption parserOption(const OptionWord &word)
 QString nameIn(const QUrl &address)
 {
     const QString name = address.fileName(QUrl::FullyDecoded);
+    const QVector<uint> characters = name.toUcs4();
     const bool isPlain = QFileInfo(name).fileName() == name && name != QLatin1String(".")
                          && name != QLatin1String("..")
-                         && std::all_of(name.begin(), name.end(), Console::isPlain);
+                         && std::all_of(characters.begin(), characters.end(), Console::isPlain);
     return isPlain ? name : QString();
 }
 

@@ -6,8 +6,10 @@
 #include <QByteArray>
 #include <QLoggingCategory>
 #include <QString>
+#include <QVector>
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cstdio>
 
 #ifdef Q_OS_WIN
@@ -103,27 +105,27 @@ void Console::complain(const QString &problem)
     show(QStringLiteral("vospeak: %1\n").arg(onOneLine(problem)));
 }
 
-bool Console::isPlain(QChar character)
+bool Console::isPlain(uint character)
 {
-    switch (character.category()) {
+    switch (QChar::category(character)) {
     case QChar::Other_Control:
     case QChar::Separator_Line:
     case QChar::Separator_Paragraph:
         return false;
     case QChar::Other_Format: // two of them shape words
-        return character == QChar(0x200c) || character == QChar(0x200d);
+        return character == 0x200c || character == 0x200d;
     default:
         return true;
     }
 }
 
-QString Console::onOneLine(QString text)
+QString Console::onOneLine(const QString &text)
 {
-    for (QChar &character : text) {
-        if (!isPlain(character))
-            character = QLatin1Char(' ');
-    }
-    return text.trimmed();
+    QVector<uint> characters = text.toUcs4();
+    std::replace_if(
+        characters.begin(), characters.end(), [](uint character) { return !isPlain(character); },
+        uint(' '));
+    return QString::fromUcs4(characters.constData(), characters.size()).trimmed();
 }
 
 void Console::setUpLog(bool verbose)

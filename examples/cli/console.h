@@ -1,6 +1,7 @@
 #pragma once
 
-class QChar;
+#include <QtGlobal>
+
 class QString;
 
 /// The streams between the program and its user.
@@ -27,10 +28,10 @@ void ask(const QString &question);
 void complain(const QString &problem);
 
 /// Whether @p character neither moves the cursor nor turns the direction of writing.
-bool isPlain(QChar character);
+bool isPlain(uint character);
 
 /// @p text with blanks in place of what is not plain.
-QString onOneLine(QString text);
+QString onOneLine(const QString &text);
 
 /// Keeps the log away from standard error except for warnings and worse; with @p verbose all of it
 /// goes there. Either way the reasons of failures are read in it.

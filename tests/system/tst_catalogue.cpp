@@ -144,6 +144,8 @@ private Q_SLOTS:
             QTest::addRow("U+%04X", code) << QString(QChar(code)) << blank;
         for (const ushort code : {0x007e, 0x00a1, 0x00e9, 0x200c, 0x200d, 0x4f60})
             QTest::addRow("U+%04X", code) << QString(QChar(code)) << QString(QChar(code));
+        QTest::newRow("U+E0001") << QStringLiteral("\U000e0001") << blank;
+        QTest::newRow("U+1F600") << QStringLiteral("\U0001f600") << QStringLiteral("\U0001f600");
     }
     void whatATerminalObeysBecomesABlank()
     {
@@ -157,15 +159,15 @@ private Q_SLOTS:
 
     void jsonEscapesWhatATerminalObeys()
     {
-        m_server.answer(update(
-            1, QStringLiteral("~\x7f\u0080\u009b31m\u009f\u00a0\u202e\u2066\u2028\u200d\x1b")));
+        m_server.answer(update(1, QStringLiteral("~\x7f\u0080\u009b31m\u009f\u00a0\u202e\u2066"
+                                                 "\u2028\u200d\U0001f600\U000e0001\ufeff\x1b")));
         const Outcome outcome = run(arguments("update --json"));
         QCOMPARE(outcome.out,
                  json("{'changes':['More voices','Faster'],'currentVersion':'" + thisVersion()
                       + "','status':1,'url':'https://a.example/9.1',"
                         "'version':'~"
-                        "\\u007f\\u0080\\u009b31m\\u009f\xc2\xa0\\u202e\\u2066\\u2028\xe2\x80\x8d\\"
-                        "u001b'}\n"));
+                        "\\u007f\\u0080\\u009b31m\\u009f\xc2\xa0\\u202e\\u2066\\u2028\xe2\x80\x8d"
+                        "\xf0\x9f\x98\x80\\udb40\\udc01\\ufeff\\u001b'}\n"));
     }
 
     void jsonIsOneDocumentOnOneLine_data()

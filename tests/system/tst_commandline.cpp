@@ -330,6 +330,7 @@ private:
         QTest::newRow("download into no folder") << arguments("fetch http://a/b -o nowhere/f");
         QTest::newRow("download into a folder") << arguments("fetch http://a/b -o folder");
         QTest::newRow("direction override in the name") << arguments("fetch http://a/f%E2%80%AEv");
+        QTest::newRow("invisible tag in the name") << arguments("fetch http://a/f%F3%A0%80%81");
         QTest::newRow("isolate in the name") << arguments("fetch http://a/f%E2%81%A6v");
         QTest::newRow("line separator in the name") << arguments("fetch http://a/f%E2%80%A8v");
         QTest::newRow("part is a folder") << arguments("fetch http://a/b -o blocked");
