@@ -15,7 +15,7 @@ constexpr qint64 longestFile = 1048576; // bytes; a code has a few thousand
 constexpr int largestSide = 2048;       // pixels; a code has 185 modules at most, margin included
 
 constexpr char signature[] = "\x89PNG\r\n\x1a\n";
-constexpr int signatureSize = 8;
+constexpr int signatureSize = sizeof(signature) - 1;
 constexpr int frameSize = 12; // of a chunk: its length, its type and a sum
 constexpr int typeSize = 4;
 
@@ -54,9 +54,9 @@ QImage CodePicture::read(const QString &path)
     if (!file.open(QIODevice::ReadOnly) || file.size() > longestFile)
         return {};
     QByteArray bytes = pixelsOnly(file.readAll());
-    QBuffer buffer(&bytes);
     if (bytes.isEmpty())
         return {};
+    QBuffer buffer(&bytes);
     QImageReader reader(&buffer, "PNG");
     const QSize size = reader.size();
     return size.width() > largestSide || size.height() > largestSide ? QImage() : reader.read();
