@@ -13,6 +13,7 @@ pinger_enable off
 netdb_filename none
 cache_log /dev/null
 cache deny all
+server_persistent_connections off
 shutdown_lifetime 0 seconds
 max_filedescriptors 1024
 auth_param basic program /usr/lib/squid/basic_ncsa_auth %2
