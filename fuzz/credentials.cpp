@@ -21,8 +21,8 @@ using namespace localservice;
 namespace {
 
 constexpr std::chrono::hours hour(1);
-const std::string origin = "https://localhost:8443";
-const std::string prefix = "/storage/speech/";
+constexpr const char *origin = "https://localhost:8443";
+constexpr const char *prefix = "/storage/speech/";
 
 struct Service
 {
@@ -83,9 +83,7 @@ void checkAccess(Service &service, const Credential &credential, bool mayWrite, 
     const bool isWritten = isAllowed([&] { service.objects.put(path, token, bytes); });
     require(!isWritten
                 || (mayWrite && token == credential.token
-                    && path.compare(0, prefix.size() + credential.directory.size() + 1,
-                                    prefix + credential.directory + "/")
-                           == 0),
+                    && path.rfind(prefix + credential.directory + "/", 0) == 0),
             "only the right token writes, and only there");
     if (isWritten)
         require(contents(service.objects.get(path, token)) == bytes,

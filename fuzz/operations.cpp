@@ -34,7 +34,7 @@ using nlohmann::json;
 namespace {
 
 constexpr std::chrono::hours hour(1);
-const std::string origin = "https://localhost:8443";
+constexpr const char *origin = "https://localhost:8443";
 
 /// The service without its server.
 class Service
