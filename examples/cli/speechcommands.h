@@ -11,9 +11,11 @@ class Speech : public Command
     Q_OBJECT
     Q_DISABLE_COPY(Speech)
 
+public:
+    ~Speech() override;
+
 protected:
     Speech(const Options &options, const Tools &tools);
-    ~Speech() override;
 
     TTSParams *params();
     const OutputFile &output() const;
