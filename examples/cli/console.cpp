@@ -51,11 +51,12 @@ bool write(const QString &text, std::FILE *stream)
 bool write(const QString &text, std::FILE *stream)
 {
     const int descriptor = fileno(stream);
-    QByteArray bytes = text.toUtf8();
-    while (!bytes.isEmpty()) {
-        const ssize_t written = ::write(descriptor, bytes.constData(), size_t(bytes.size()));
+    const QByteArray bytes = text.toUtf8();
+    const char *rest = bytes.cbegin();
+    while (rest != bytes.cend()) {
+        const ssize_t written = ::write(descriptor, rest, size_t(bytes.cend() - rest));
         if (written >= 0) {
-            bytes.remove(0, int(written));
+            rest += written;
         } else if (errno == EAGAIN) {
             pollfd room = {descriptor, POLLOUT, 0};
             poll(&room, 1, -1);
