@@ -9,7 +9,7 @@ seconds=${1:-60}
 shift $(($# > 0))
 names=("$@")
 [ $# -gt 0 ] || mapfile -t names < <(ls fuzz/seeds)
-echo "== ${#names[@]} fuzzers, $seconds seconds each: $((${#names[@]} * seconds / 60)) minutes after the build"
+echo "== ${#names[@]} fuzzers, $seconds seconds each: $(((${#names[@]} * seconds + 59) / 60)) minutes after the build"
 
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz

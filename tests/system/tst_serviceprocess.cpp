@@ -8,6 +8,7 @@
 #include <QNetworkInterface>
 #include <QScopeGuard>
 #include <QSslCertificate>
+#include <QSslConfiguration>
 #include <QSslSocket>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -327,8 +328,10 @@ private Q_SLOTS:
     {
         LocalService service;
         QVERIFY(service.start());
+        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        tls.setCaCertificates(QSslCertificate::fromPath(service.authority()));
         QSslSocket socket;
-        socket.setPeerVerifyMode(QSslSocket::VerifyNone);
+        socket.setSslConfiguration(tls);
         socket.connectToHostEncrypted(QStringLiteral("localhost"), servicePort());
         QVERIFY(socket.waitForEncrypted());
         const auto ask = [&] {
