@@ -21,10 +21,10 @@ constexpr RefusalLine refusalWithComma{"[error]slot%1Suc failed:", ","};
 /// One operation of the web service: its request, the slots that answer it, what is logged of it.
 struct ServiceOperation
 {
-    HttpMethod method;
-    const char *prefix;
-    const char *path; ///< Appended to the prefix as it stands; %1 is filled.
-    const char *stem; ///< The slots of VoNetworker are slotSTEMSuc and slotSTEMFail.
+    HttpMethod method = HttpMethod::Get;
+    const char *prefix = "";
+    const char *path = ""; ///< Appended to the prefix as it stands; %1 is filled.
+    const char *stem = ""; ///< The slots of VoNetworker are slotSTEMSuc and slotSTEMFail.
     RefusalLine refusal = refusalWithNames;
     /// The stem that is logged of a reply that is no success; null: that of the slots.
     const char *loggedStem = nullptr;
