@@ -13,7 +13,8 @@ bool isRedirecting(const QNetworkReply &reply)
     return status > 300 && status < 400 && status != 304;
 }
 
-// "145, 3000": 145 is the length of a redirecting answer, 3000 that of the last.
+// Qt joins the headers of a redirecting answer with those of the last: in "145, 3000" 3000 is the
+// length that counts. A value that equals the leftover is the redirecting answer's alone.
 QByteArray valueOfLastAnswer(const QByteArray &joined, const QByteArray &leftover)
 {
     return joined == leftover ? QByteArray() : joined.mid(joined.lastIndexOf(',') + 1).trimmed();
@@ -26,7 +27,7 @@ bool DownloadFile::open(const QString &name, bool isContinued)
     m_file.setFileName(name);
     const QIODevice::OpenMode mode =
         isContinued && m_file.exists() ? QIODevice::Append : QIODevice::WriteOnly;
-    // Unbuffered, so that what the disk refuses is noticed when it is written.
+    // Without a buffer, what the disk refuses shows at once in the result of a write.
     m_hasFailedToOpen = !m_file.open(mode | QIODevice::Unbuffered);
     return !m_hasFailedToOpen;
 }
@@ -37,8 +38,9 @@ qint64 DownloadFile::write(const QByteArray &data)
     return m_file.write(data);
 }
 
-// What Qt has when a redirect is announced it drops. What comes after that, while the status is
-// still that of the redirect, it keeps: that depends on which of its threads is faster.
+// Qt drops the headers that it has when it announces a redirect. Headers of the redirecting answer
+// that become known after that, while the status is still the redirect's, it keeps. Which of the
+// two happens depends on whether Qt's network thread or this one is faster.
 void DownloadFile::noteRedirect() { m_leftover = {}; }
 
 void DownloadFile::noteHeaders(const QNetworkReply &reply)
@@ -47,9 +49,9 @@ void DownloadFile::noteHeaders(const QNetworkReply &reply)
         m_leftover = {reply.rawHeader(lengthHeader), reply.rawHeader(codingHeader)};
 }
 
-// Qt often takes a connection that breaks off for the end of the body. A file must not be taken for
-// complete then. Where no length is announced nobody can tell; a transfer coding, such as chunks,
-// overrides the length and brings an end of its own.
+// Qt often takes a connection that breaks off for the end of the body, and the file must not count
+// as complete then. Where no length is announced nobody can tell. A transfer coding, such as
+// chunks, overrides the length and has an end of its own.
 bool DownloadFile::isCutOff(const QNetworkReply &reply) const
 {
     const Leftover leftover = isRedirecting(reply) ? Leftover() : m_leftover;

@@ -6,33 +6,33 @@
 
 class QNetworkReply;
 
-/// The file that a download writes to, and what tells whether all of the body has got there.
+/// The file of a download. It counts what comes, so that a body that was cut off is noticed.
 class DownloadFile
 {
 public:
-    /// Opens the file @p name: at its end if it is to be continued and exists, else emptied. False
-    /// when it cannot be written.
+    /// Opens the file @p name for writing: at its end when @p isContinued and it exists, else
+    /// emptied. False when that fails.
     bool open(const QString &name, bool isContinued);
     bool isOpen() const { return m_file.isOpen(); }
     bool hasFailedToOpen() const { return m_hasFailedToOpen; }
     void close() { m_file.close(); }
 
-    /// Empty before it is opened.
+    /// The name that open() was given; empty before.
     QString name() const { return m_file.fileName(); }
 
-    /// Appends @p data; gives the number of bytes that are on the disk, -1 when none are.
+    /// Writes @p data behind what is there. Returns how many bytes of it the disk took; -1: none.
     qint64 write(const QByteArray &data);
 
-    /// For each redirect that @p reply follows.
+    /// To be called for each redirect that the reply follows.
     void noteRedirect();
-    /// For each time that headers of @p reply became known.
+    /// To be called each time headers of @p reply have become known.
     void noteHeaders(const QNetworkReply &reply);
 
-    /// Whether less has come for the open file than @p reply announced.
+    /// Whether less has come than @p reply announced. False while no file is open.
     bool isCutOff(const QNetworkReply &reply) const;
 
 private:
-    /// What Qt still has of a redirecting answer, and joins with what the next one says.
+    /// Headers of a redirecting answer that Qt has kept, and joins with those of the next answer.
     struct Leftover
     {
         QByteArray length;

@@ -16,8 +16,9 @@ HttpBlocker::~HttpBlocker() = default;
 
 void HttpBlocker::waitFor(QNetworkReply *reply)
 {
-    // Qt announces a failure before the reply has finished. Whoever hears of it may delete the
-    // reply later, which would be in this loop, and the loop belongs to the reply.
+    // Qt reports an error before the reply has finished. A receiver of the error may call
+    // deleteLater() on the reply, and this loop would delete the reply, its own parent, while it
+    // runs.
     const ReplyKeeper keeper(reply);
     const QPointer<HttpBlocker> blocker(new HttpBlocker(reply)); // the reply's child
     blocker->wait();
@@ -34,14 +35,15 @@ bool HttpBlocker::waitIfAsked(HttpResponse *response)
     return !living.isNull();
 }
 
-// exec() returns at once on a thread that was told to quit and is still in its own loop. A worker
-// that sends its last message from there has to wait all the same.
+// exec() returns at once on a thread that was told to quit and is still in its own event loop. A
+// worker that sends its last message from there has to wait all the same. That exec() has waited
+// shows in that a queued call was made.
 void HttpBlocker::wait()
 {
     const QPointer<HttpBlocker> self(this);
     const auto *reply = qobject_cast<QNetworkReply *>(parent());
     bool hasBegun = false;
-    QObject context; // takes the call with it if it was not made
+    QObject context; // drops the call when it goes
     QMetaObject::invokeMethod(
         &context, [&hasBegun] { hasBegun = true; }, Qt::QueuedConnection);
     exec();

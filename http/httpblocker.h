@@ -5,7 +5,9 @@
 class HttpResponse;
 class QNetworkReply;
 
-/// Waits for a reply in a nested event loop. A child of the reply.
+/// The nested event loop in which a blocking request waits. A reply has one as its child while
+/// somebody waits for it. The wait itself has no limit: the reply ends it, by its time-out if by
+/// nothing else.
 class HttpBlocker : public QEventLoop
 {
     Q_OBJECT
@@ -14,14 +16,14 @@ class HttpBlocker : public QEventLoop
 public:
     ~HttpBlocker() override;
 
-    /// Returns when @p reply has finished, or when the application quits; on a thread that was told
-    /// to quit before, only when the reply has finished. The reply and what belongs to it live
-    /// until then, even if somebody has it deleted later meanwhile. It has a child of this class
-    /// for as long as somebody waits for it.
+    /// Runs an event loop until @p reply, which is not null and has not emitted finished() yet,
+    /// does so, or until the application quits. On a thread that was told to quit before, only the
+    /// reply counts. A deleteLater() of the reply takes effect after the wait. Called on the thread
+    /// of the reply.
     static void waitFor(QNetworkReply *reply);
 
-    /// Waits for the reply of @p response, if it has one and its request asks for that. False when
-    /// the response was deleted meanwhile.
+    /// Waits for the reply of @p response, if it has one and its request blocks. False when the
+    /// response was deleted meanwhile. The toolkit's own; hosts have no use for it.
     static bool waitIfAsked(HttpResponse *response);
 
 private:

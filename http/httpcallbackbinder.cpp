@@ -37,7 +37,7 @@ TargetSignal targetSignal()
     using Function = std::function<Signature>;
     constexpr auto signal = HttpCallbackFamily<Kind>::template signal<HttpResponse, Signature>;
     const QMetaMethod method = QMetaMethod::fromSignal(signal);
-    // The meta-object compiler spells qint64 as qlonglong; receivers spell it as they wrote it.
+    // The meta-object compiler spells qint64 as qlonglong, slot texts have it as it was written.
     QByteArray signature = '2' + method.methodSignature();
     signature.replace("qlonglong", "qint64");
     return {method.methodIndex(), signature,
@@ -78,18 +78,18 @@ bool namesMember(const QString &key)
     return code == methodCode || code == slotCode || code == signalCode;
 }
 
-/// What a key under one kind comes to for a class of receivers.
+/// What a slot text names in a class of receivers, and the signals of one kind that it fits.
 struct Member
 {
     int index = -1;           ///< In the class's meta-object; -1: there is no such member.
     QByteArray declared;      ///< The signature that the meta-object has at the index.
-    std::vector<int> fitting; ///< The signals whose arguments begin with the member's own.
+    std::vector<int> fitting; ///< Indices of the signals whose arguments begin with the member's.
 };
 
-// The rules are those of a string connection.
+// The rules are those by which QObject::connect() takes texts.
 Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
 {
-    // Qt compares argument lists from the bracket on and would run past a text without one.
+    // Qt compares argument lists from the bracket on, and reads past the end of a text without one.
     if (!key.contains(QLatin1Char('(')))
         return {};
     Member member;
@@ -109,10 +109,10 @@ Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
     return member;
 }
 
-// Finding a member by its text costs more than all else that attaching does, and hosts bind the
-// same few members over and over, so what was found is kept, for each thread by itself. A
-// meta-object made at run time may have gone and another stand in its place: an entry is good for
-// as long as the method at its index is still the one that was found.
+// The search for a member by its text costs more than all else that attaching does, and hosts bind
+// the same few members over and over: each thread keeps what it has found. A meta-object that was
+// made at run time may be gone and another stand at its address, so an entry counts only while the
+// method at its index is still the one that was found.
 const Member &memberOf(const QMetaObject *metaObject, int kind, const QString &key)
 {
     constexpr int mostEntries = 1024;

@@ -5,10 +5,11 @@
 
 #include <type_traits>
 
-// The callback families: the kind, the signal of HttpResponse that its callbacks attach to, and the
-// signal's overloads in the order in which they are tried. What depends on families is made from
-// this table. A kind that is missing here leaves a switch of the binder incomplete; a row without a
-// typed convenience in HttpRequest does not compile in the tests.
+// The callback families, one row each: the kind, the signal of HttpResponse that its callbacks
+// attach to, and the overloads of that signal in the order in which they are tried. The binder, the
+// registration of types, the checks of the typed conveniences and the tests are made from this
+// table. A kind without a row leaves a switch of the binder incomplete; a row without a typed
+// convenience in HttpRequest does not compile in the tests.
 // clang-format off
 #define VOHTTP_CALLBACK_FAMILIES(FAMILY)                                                           \
     FAMILY(Finished, finished, void(), void(QByteArray), void(QVariantMap), void(QNetworkReply *), \
@@ -38,7 +39,7 @@
     FAMILY(DownloadFileNameChanged, downloadFileNameChanged, void(QString))
 // clang-format on
 
-/// The forms of one family, each as the type of a function with the signal's arguments.
+/// The forms of one family, each as a function type with the arguments of a signal.
 template <typename... Signatures>
 struct HttpCallbackFormList
 {
@@ -46,7 +47,8 @@ struct HttpCallbackFormList
     static constexpr bool has = (std::is_same_v<Signature, Signatures> || ...);
 };
 
-/// The callback family of @p Kind: its forms, and the signal that each attaches to.
+/// The callback family of @p Kind: Forms lists its forms, and signal<HttpResponse, Form> is the
+/// signal that a form attaches to.
 template <CallbackKind Kind>
 struct HttpCallbackFamily;
 

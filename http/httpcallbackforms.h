@@ -9,12 +9,15 @@
 #include <type_traits>
 #include <utility>
 
-/// How the typed callback conveniences of HttpRequest turn a callable or a pointer to member into
-/// one of the std::function types: by the parameter list that it declares.
+/// How the typed conveniences of HttpRequest, onFinished() and so on, make a callback entry of
+/// their arguments. A callable, or a member of a receiver, becomes one of the std::function types
+/// by the parameter list that it declares. Everything here is decided at compile time; hosts have
+/// no use for it beside those operations.
 namespace HttpCallbackForms {
 
-/// The form of a callable: void, and its parameters without reference and const. A class with no
-/// call operator, with several or with a templated one has no parameters that could be read.
+/// The form of a callable: a function type that returns void and takes its parameters by value. A
+/// class with no call operator, with several or with a templated one has the form void, which fits
+/// no family.
 template <typename Callable, typename = void>
 struct FormOf
 {
@@ -89,7 +92,7 @@ struct Fits<Kind, Receiver, Target>
 {
 };
 
-/// A callback entry as HttpRequest::bind takes it.
+/// A callback entry as HttpRequest::bind() takes it.
 struct Entry
 {
     QString key;
@@ -113,7 +116,8 @@ inline Entry slotEntry(const QObject *receiver, const char *slot)
     return slotEntry(receiver, QString::fromLatin1(slot));
 }
 
-/// A function that calls @p method of @p receiver for as long as the receiver lives.
+/// A function that calls @p method of @p receiver, and does nothing once the receiver is gone. The
+/// last argument is never used: its type names the parameters.
 template <typename Receiver, typename Method, typename... Parameters>
 std::function<void(Parameters...)> guarded(Receiver *receiver, Method method,
                                            void (*)(Parameters...))

@@ -12,10 +12,10 @@
 
 #include <functional>
 
-// The std::function types that a callback may have. Each is known to the meta-type system under
-// exactly the name given here, blank included: it is the key under which a callback of that type
-// is bound. The declaration macros of the meta-type system would normalise the blank away, so the
-// types are registered by hand.
+// The std::function types that a callback may have. The name that stands here, blank included, is
+// the one under which the meta-type system knows the type, and the key under which a callback of
+// that type is bound. Qt's own declaration macros would take the blank out, so the types are
+// registered by hand.
 #define VOHTTP_CALLBACK_TYPE(NAME, ...)                                                            \
     template <>                                                                                    \
     struct QMetaTypeId<std::function<__VA_ARGS__>>                                                 \
@@ -52,7 +52,7 @@ VOHTTP_CALLBACK_TYPE("std::function<void (QMap<QString, QString>)>", void(QMap<Q
 
 #undef VOHTTP_CALLBACK_TYPE
 
-/// Makes the types that the signals and callbacks of HttpResponse carry known to the meta-type
-/// system, so that queued and string-based connections can carry them. Cheap after the first
-/// call; may be called from any thread.
+/// Registers the types that the signals and callbacks of HttpResponse carry with the meta-type
+/// system, so that queued and string-based connections can carry them. Every response calls it;
+/// further calls do nothing. May be called from any thread.
 void registerHttpMetaTypes();

@@ -16,9 +16,9 @@ Child *childOf(const QNetworkReply *reply)
     return reply->findChild<Child *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-// The reply stays until those that use it have returned. It is aborted, and silent from here on,
-// because the access manager that is about to go listens to it as well. Calls that Qt has posted to
-// the reply would use the manager, so they are dropped.
+// Lets the reply stay until those that use it have returned. It is silent from here on, because the
+// access manager that is about to go listens to it too. Calls that Qt has queued to the reply would
+// use the manager, so they are dropped.
 void outlive(QNetworkReply *reply)
 {
     reply->blockSignals(true);
@@ -33,8 +33,8 @@ void outlive(QNetworkReply *reply)
 
 } // namespace
 
-// The access manager destroys its replies. One that is in use must stay: Qt goes on using the reply
-// whose signal led here, and a blocking send() the reply that it waits for.
+// An access manager destroys its replies. One that is in use has to stay: Qt goes on using the
+// reply whose signal led here, and a blocking send() the reply that it waits for.
 HttpClient::~HttpClient()
 {
     const auto replies = findChildren<QNetworkReply *>(QString(), Qt::FindDirectChildrenOnly);

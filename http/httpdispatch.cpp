@@ -19,7 +19,7 @@ namespace {
 
 void setMultiPartContentType(HttpRequestFields &fields, const QHttpMultiPart *multiPart)
 {
-    // Qt leaves a content type alone that is set already, so this one goes out.
+    // Qt leaves a content type that is set as it is, so this one goes out and not the form's own.
     fields.networkRequest.setHeader(QNetworkRequest::ContentTypeHeader,
                                     QStringLiteral("multipart/form-data;boundary=%1")
                                         .arg(QString::fromLatin1(multiPart->boundary())));
@@ -30,7 +30,7 @@ QNetworkReply *sendBytes(const HttpRequestFields &fields, const QByteArray &verb
     return fields.client->sendCustomRequest(fields.networkRequest, verb, fields.body.toByteArray());
 }
 
-/// The reply owns @p multiPart from here on; without a reply the caller still does.
+/// The reply owns @p multiPart afterwards; without a reply the caller still does.
 QNetworkReply *sendMultiPart(HttpRequestFields &fields, const QByteArray &verb,
                              QHttpMultiPart *multiPart)
 {
@@ -58,7 +58,7 @@ QHttpPart formPart(const QString &disposition)
     return part;
 }
 
-// A line break would end the header, and let the rest of the name make headers and parts.
+// A line break in a name would end the header, and what follows could add headers and parts.
 QString inDisposition(QString name)
 {
     return name.replace(QLatin1Char('\r'), QLatin1String("%0D"))
@@ -70,7 +70,7 @@ std::unique_ptr<QHttpMultiPart> fileForm(const QMap<QString, QString> &nameToPat
     auto form = std::make_unique<QHttpMultiPart>(QHttpMultiPart::FormDataType);
     for (auto it = nameToPath.cbegin(); it != nameToPath.cend(); ++it) {
         auto *file = new QFile(it.value(), form.get());
-        file->open(QIODevice::ReadOnly); // Qt notices a file that did not open
+        file->open(QIODevice::ReadOnly); // Qt sends an empty form when it did not open
         QHttpPart part = formPart(
             QStringLiteral(R"(form-data; name="%1";filename="%2")")
                 .arg(inDisposition(it.key()), inDisposition(QFileInfo(it.value()).fileName())));
@@ -92,7 +92,8 @@ std::unique_ptr<QHttpMultiPart> textForm(const QVariantMap &nameToValue)
     return form;
 }
 
-/// Null when there is nothing to send with or nothing to send: Qt itself would crash on either.
+/// Null without a client, and without the multi-part object that the body type promises: Qt would
+/// crash on either.
 QNetworkReply *sendBody(HttpRequestFields &fields, const QByteArray &verb)
 {
     if (!fields.client)

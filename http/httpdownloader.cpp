@@ -16,10 +16,10 @@ namespace {
 constexpr int probeTimeoutMs = 30000;
 constexpr qint64 probeBufferSize = 4096; // bytes; nobody reads what the probe brings
 constexpr char rangeHeader[] = "Range";
-// The Range header that the caller set, while one of the toolkit's is in its place.
+// The attribute that holds the caller's Range header while the toolkit's is in its place.
 constexpr auto callersRange = QNetworkRequest::UserMax;
 
-// An access manager works on its own thread only, so each thread that downloads has one.
+// The client of all probes of this thread: an access manager works on its own thread only.
 HttpClient *probeClient()
 {
     static QThreadStorage<HttpClient *> clients; // owns them
@@ -49,7 +49,8 @@ void restoreRange(QNetworkRequest &request)
     request.setAttribute(callersRange, QVariant());
 }
 
-// What an earlier attempt of the same download found out does not hold for this one.
+// A retry and a repeat send the copy that the attempt before them has filled in. What that attempt
+// found out does not hold for the next one.
 HttpRequest withoutFindings(HttpRequest request)
 {
     HttpRequestFields &fields = request.fields;
@@ -65,7 +66,8 @@ HttpRequest withoutFindings(HttpRequest request)
 
 HttpResponse *HttpDownloader::start(const HttpRequest &request)
 {
-    // Before the probe: when the request blocks, all is over when sendProbe() returns.
+    // The response is made before the probe is sent: of a request that blocks everything is over
+    // when sendProbe() returns.
     const QPointer<HttpResponse> response( // the caller's
         new HttpResponse(withoutFindings(request), nullptr));
     const QPointer<HttpDownloader> downloader( // the response's child
@@ -84,7 +86,7 @@ HttpDownloader::HttpDownloader(HttpResponse *response)
     , m_fileName(nameFromAddress(m_request.fields.networkRequest.url()))
     , m_response(response)
 {
-    // As with any other request: the client's end is its end, and no answer follows.
+    // A client that goes ends the download, as it ends any other request, and no callback follows.
     if (m_request.fields.client)
         connect(m_request.fields.client, &QObject::destroyed, this,
                 [response] { delete response; });
@@ -110,7 +112,8 @@ void HttpDownloader::sendProbe()
         .timeout(probeTimeoutMs)
         .readBufferSize(probeBufferSize);
     m_probe = probe.send();
-    // Awaited here and not by send(): whatever ends the download meanwhile has to end the probe.
+    // The wait is here and not in the probe's send(), so that m_probe is known while it lasts:
+    // whatever ends the download meanwhile ends the probe through it.
     if (m_request.fields.block)
         HttpBlocker::waitFor(m_probe->request().fields.reply);
 }
@@ -147,8 +150,8 @@ void HttpDownloader::readHeader(const QString &name, const QString &value)
 
 void HttpDownloader::onReadyRead(QNetworkReply *reply)
 {
-    // Nobody is connected to it: the caller hears neither of a name that was chosen nor of a file
-    // that was complete.
+    // Nobody is connected to this response: the caller hears neither of the name that was chosen
+    // nor of a file that is complete already.
     HttpResponse unheard(HttpRequest(m_request.fields.method, nullptr), nullptr);
     HttpRequestFields &fields = m_request.fields;
     if (fields.downloadFilePath.isEmpty()) {
@@ -158,8 +161,8 @@ void HttpDownloader::onReadyRead(QNetworkReply *reply)
     fields.totalBytes = m_contentLength;
     fields.supportsResume = m_rangesSupported;
     planResume(&unheard);
-    // The download is sent when abort() has returned, and not from the error that it reports: the
-    // connection ends last, and a server that serves one at a time waits for that.
+    // The download is sent after abort() has returned, not from the error that abort() reports: the
+    // connection ends after that, and a server that serves one at a time waits for its end.
     disconnect(m_probe, nullptr, this, nullptr);
     const QPointer<HttpDownloader> self(this);
     reply->abort();
@@ -167,8 +170,8 @@ void HttpDownloader::onReadyRead(QNetworkReply *reply)
         onResponse(QNetworkReply::OperationCanceledError);
 }
 
-// Only a file that is shorter than announced is continued. To one that is as long, or longer, the
-// whole resource will be appended.
+// Only a file that is shorter than announced is continued. One that is as long, or longer, has the
+// whole resource appended: no range is asked for, and the file is opened at its end.
 void HttpDownloader::planResume(HttpResponse *unheard)
 {
     HttpRequestFields &fields = m_request.fields;
@@ -198,18 +201,18 @@ void HttpDownloader::announceComplete(HttpResponse *response)
     Q_EMIT response->finished(QString());
 }
 
-// However the probe ended, it is the download itself that succeeds or fails.
+// The download is sent however the probe ended: its own outcome is the one that the caller hears.
 void HttpDownloader::onResponse(QNetworkReply::NetworkError code)
 {
     Q_UNUSED(code)
-    if (m_request.fields.client) // its replies go with it from here on
+    if (m_request.fields.client) // from here on it destroys the reply, and so the response, itself
         disconnect(m_request.fields.client, nullptr, this, nullptr);
     const QPointer<HttpDownloader> self(this);
     const HttpResponse *served = HttpDispatch::dispatch(m_request, m_response);
     if (!self)
         return;
     if (!served)
-        m_response->deleteLater(); // there will be no answer
+        m_response->deleteLater(); // no outcome will follow
     else if (m_request.fields.block && m_starting)
         m_keeper = std::make_unique<ReplyKeeper>(served->request().fields.reply);
 }

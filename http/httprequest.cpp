@@ -13,7 +13,7 @@
 namespace {
 
 // Header names and values end at a NUL or a line break: what follows would be a header of its own.
-// Never null, since Qt removes a header whose value is.
+// The result is never null, because Qt removes a header whose value is null.
 QByteArray headerBytes(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();

@@ -19,8 +19,8 @@ class QHttpMultiPart;
 class QJsonObject;
 class QNetworkReply;
 
-/// What a request consists of, as plain data. Copies share the Qt values implicitly and the
-/// pointers plainly.
+/// What a request consists of, as plain data. A copy is independent of the original, except that
+/// both have the same pointers. The operations of HttpRequest say more of each field.
 struct HttpRequestFields
 {
     /// (key, target) pairs in binding order.
@@ -28,29 +28,29 @@ struct HttpRequestFields
 
     HttpMethod method = HttpMethod::Unknown;
     HttpClient *client = nullptr;   ///< Sends the request; not owned.
-    QNetworkReply *reply = nullptr; ///< Set in the copy that was sent; not owned.
+    QNetworkReply *reply = nullptr; ///< Set by the toolkit in the copy that was sent; not owned.
     QNetworkRequest networkRequest; ///< Address and headers.
     BodyType bodyType = BodyType::None;
     QVariant body = QByteArray();      ///< What @c bodyType says.
     qint32 timeoutMs = -1;             ///< Milliseconds; 0 and less: no limit.
     bool block = false;                ///< send() waits for the reply.
-    qint32 retryCount = 0;             ///< How often a failed request is sent again.
-    bool isRetry = false;              ///< Set in the copy that a retry sends.
-    qint32 repeatCount = 1;            ///< How often the request is sent in all, retries apart.
+    qint32 retryCount = 0;             ///< How often a failure is sent again; 0 and less: never.
+    bool isRetry = false;              ///< Set by the toolkit in the copy that a retry sends.
+    qint32 repeatCount = 1;            ///< Attempts in all, retries apart; 1 and less: one.
     QAuthenticator authenticator;      ///< Credentials; null: the receivers are asked.
     qint32 maxAuthenticationTimes = 1; ///< Answers to authentication; negative: no limit.
-    qint64 readBufferSize = -1;        ///< Bytes; negative: no bound, 64 KiB for downloads.
+    qint64 readBufferSize = -1;        ///< Bytes; 0: no bound; negative: none, downloads 64 KiB.
     QList<QSslError> ignoredSslErrors; ///< The TLS errors to expect.
-    bool isDownload = false;           ///< Into a file.
-    QString downloadFilePath;          ///< Empty: named after what the server says.
+    bool isDownload = false;           ///< The body goes into a file.
+    QString downloadFilePath;          ///< Empty: the server or the address names the file.
     bool enableResume = true;          ///< A partial file is continued.
-    bool supportsResume = false;       ///< The server serves ranges.
-    qint64 downloadedBytes = 0;        ///< Bytes written to the file.
-    qint64 totalBytes = 0;             ///< Bytes announced.
+    bool supportsResume = false;       ///< Set by the toolkit: the server serves ranges.
+    qint64 downloadedBytes = 0;        ///< Set by the toolkit: bytes in the file.
+    qint64 totalBytes = 0;             ///< Set by the toolkit: bytes announced; 0: unknown.
     QMap<int, Callbacks> callbacks;    ///< By CallbackKind.
     QVariantMap extraMap1;             ///< The caller's; copied with the request, never read.
     QVariantMap extraMap2;             ///< The caller's; copied with the request, never read.
-    qint32 logLevel = HttpLogLevel::BadBindings; ///< What is logged.
+    qint32 logLevel = HttpLogLevel::BadBindings; ///< What HttpLogLevel names with it and below.
 };
 
 /// Describes one HTTP request, which send() sends. A value: copies are independent of each other,
@@ -70,6 +70,8 @@ struct HttpRequestFields
 class HttpRequest
 {
 public:
+    /// A request without address, headers and body. @p client is not owned; it has to live for as
+    /// long as what it sends.
     HttpRequest(HttpMethod method, HttpClient *client);
     HttpRequest(const HttpRequest &) = default;
     HttpRequest(HttpRequest &&) = default;
@@ -80,15 +82,15 @@ public:
     /// Sets the address, parsed in tolerant mode.
     HttpRequest &url(const QString &address);
 
-    /// Sets one raw header per entry, in key order; a later value replaces an earlier one. Names
-    /// and values are sent in UTF-8 up to their first NUL, CR or LF; an entry that has no name then
-    /// is left out.
+    /// Sets one header per entry, in key order; a later value replaces an earlier one of the same
+    /// name. Names and values are sent in UTF-8 up to their first NUL, CR or LF; an entry that has
+    /// no name then is left out.
     HttpRequest &headers(const QVariantMap &map);
 
     /// An indented JSON document, with Content-Type "application/json".
     HttpRequest &jsonBody(const QJsonObject &object);
 
-    /// Bytes as they are. The content type is the caller's to set.
+    /// Bytes that are sent as they are. The content type is the caller's to set.
     HttpRequest &rawBody(const QByteArray &bytes);
 
     /// Bytes that are form-encoded already, with Content-Type "application/x-www-form-urlencoded".
@@ -109,25 +111,28 @@ public:
     /// devices are read once: what a retry or a repeat sends of it is empty.
     HttpRequest &multiPartBody(QHttpMultiPart *multiPart);
 
-    /// Limits the whole exchange to @p ms milliseconds, which progress does not prolong; then it
-    /// fails with OperationCanceledError. 0 and less: no limit.
+    /// Limits each attempt as a whole to @p ms milliseconds, which progress does not prolong; then
+    /// it fails with OperationCanceledError. 0 and less: no limit.
     HttpRequest &timeout(int ms);
 
     /// Whether send() waits, in an event loop of its own, until the reply has finished. Callbacks
     /// run before it returns, and so may anything else on the thread.
     HttpRequest &block(bool block);
 
-    /// How often a request that failed is sent again before its failure is reported.
+    /// How often a request that failed is sent again before its failure is reported; 0 and less:
+    /// never.
     HttpRequest &retry(int count);
 
-    /// How often the request is sent in all, retries apart.
+    /// How often the request is sent in all, retries apart, whatever its outcomes are; 1 and less:
+    /// once.
     HttpRequest &repeat(int count);
 
-    /// Credentials that are given to a server which asks for them. Qt sends a line break in the
-    /// user name as it is where the server asks for a digest; keeping it out is the caller's.
+    /// Credentials that are given to a server which asks for them. The caller keeps line breaks out
+    /// of the user name: Qt sends it as it is where the server asks for a digest.
     HttpRequest &authenticator(const QAuthenticator &authenticator);
 
-    /// How many times the server is given credentials; negative: no limit.
+    /// How many times a server that asks is given credentials, those of the request or of a
+    /// receiver; 0: never; negative: no limit.
     HttpRequest &maxAuthenticationTimes(int count);
 
     /// Bytes that the reply buffers before it stops receiving; 0: no bound; negative: no bound, but
@@ -145,12 +150,13 @@ public:
     /// Whether a download continues a partial file, if the server serves ranges.
     HttpRequest &enableResume(bool enable);
 
-    /// What is logged: what HttpLogLevel names with @p level and below.
+    /// Logs to Qt's message stream what HttpLogLevel names with @p level and below; 0: nothing.
     HttpRequest &logLevel(int level);
 
-    /// Appends a callback: a slot text ("1name(arguments)", as SLOT() makes it) with its receiver
-    /// as a QObject pointer, or the registered name of a std::function type with the function.
-    /// An entry that fits no signal of its kind is reported when the request is sent.
+    /// Appends a callback: as @p key a slot text ("1name(arguments)", as SLOT() makes it) with its
+    /// receiver as a QObject pointer in @p target, or the name of a std::function type of
+    /// httpcallbacktypes.h with the function. An entry that fits no signal of its kind is skipped,
+    /// with a warning, when the request is sent.
     HttpRequest &bind(CallbackKind kind, const QString &key, const QVariant &target);
 
     /// The exchange succeeded. Forms: (), (QByteArray), (QVariantMap), (QNetworkReply *) or
@@ -186,10 +192,9 @@ public:
         return bindTarget<CallbackKind::UploadProgress>(std::forward<Target>(target)...);
     }
 
-    /// The time-out expired and the exchange was aborted: after the error, or, when that was
-    /// retried, after the retry has been sent (if the request blocks: answered). Forms:
-    /// (QNetworkReply *) or (). The reply goes when the callbacks are over, unless onError() has
-    /// handed it over.
+    /// The time-out ended an attempt. Called after the error; when the attempt is retried, after
+    /// the retry has been sent (if the request blocks: answered). Forms: (QNetworkReply *) or ().
+    /// The reply goes when the callbacks are over, unless onError() has handed it over.
     template <typename... Target>
     HttpRequest &onTimeout(Target &&...target)
     {
@@ -203,15 +208,16 @@ public:
         return bindTarget<CallbackKind::ReadyRead>(std::forward<Target>(target)...);
     }
 
-    /// The file of a download is complete. Forms: () or (QString). The file's name.
+    /// The file of a download is complete, unless onDownloadFileError() was called before. Forms:
+    /// () or (QString). The file's name as it was given.
     template <typename... Target>
     HttpRequest &onDownloadFileFinished(Target &&...target)
     {
         return bindTarget<CallbackKind::DownloadFileFinished>(std::forward<Target>(target)...);
     }
 
-    /// A download failed or its file cannot be written. Forms: () or (QString). What went wrong,
-    /// with address and file.
+    /// A download failed, or its file cannot be written, in which case the exchange goes on. Forms:
+    /// () or (QString). What went wrong, with address and file.
     template <typename... Target>
     HttpRequest &onDownloadFileError(Target &&...target)
     {
@@ -241,14 +247,15 @@ public:
             std::forward<Target>(target)...);
     }
 
-    /// A redirect that the caller verifies was allowed. Forms: ().
+    /// A redirect was allowed by the caller, who verifies each (UserVerifiedRedirectPolicy). Forms:
+    /// ().
     template <typename... Target>
     HttpRequest &onRedirectAllowed(Target &&...target)
     {
         return bindTarget<CallbackKind::RedirectAllowed>(std::forward<Target>(target)...);
     }
 
-    /// The server redirects. Forms: (QUrl). The new address.
+    /// The server redirects a request that follows redirects. Forms: (QUrl). The new address.
     template <typename... Target>
     HttpRequest &onRedirected(Target &&...target)
     {
@@ -262,7 +269,7 @@ public:
         return bindTarget<CallbackKind::SslErrors>(std::forward<Target>(target)...);
     }
 
-    /// A request that was sent again has its outcome. Forms: ().
+    /// A retry has its outcome, whose callbacks follow. Forms: ().
     template <typename... Target>
     HttpRequest &onRetried(Target &&...target)
     {
@@ -276,16 +283,16 @@ public:
         return bindTarget<CallbackKind::Repeated>(std::forward<Target>(target)...);
     }
 
-    /// The server asks for credentials and the request brought none. Forms: (QAuthenticator *). To
-    /// be filled in before the callback returns.
+    /// The server asks for credentials and the request has none. Forms: (QAuthenticator *). To be
+    /// filled in before the callback returns.
     template <typename... Target>
     HttpRequest &onAuthenticationRequired(Target &&...target)
     {
         return bindTarget<CallbackKind::AuthenticationRequired>(std::forward<Target>(target)...);
     }
 
-    /// The server asked again: the credentials did not do. Forms: () or (QNetworkReply *). The
-    /// reply stays the toolkit's.
+    /// The server asks again: it did not accept the credentials. Forms: () or (QNetworkReply *).
+    /// The reply stays the toolkit's.
     template <typename... Target>
     HttpRequest &onAuthenticationRequireFailed(Target &&...target)
     {
@@ -293,16 +300,17 @@ public:
             std::forward<Target>(target)...);
     }
 
-    /// The headers of the reply, once. Forms: (QList<QNetworkReply::RawHeaderPair>) or
-    /// (QMap<QString, QString>).
+    /// The headers of the reply, once, as soon as there is a body or an end. Forms:
+    /// (QList<QNetworkReply::RawHeaderPair>) or (QMap<QString, QString>). The map has the last
+    /// value of a name that is repeated.
     template <typename... Target>
     HttpRequest &onHead(Target &&...target)
     {
         return bindTarget<CallbackKind::Head>(std::forward<Target>(target)...);
     }
 
-    /// Part of the reply's body arrived, for every request. Forms: (qint64, qint64). Bytes received
-    /// and in all (-1: unknown).
+    /// Part of the body arrived, of a download or not. Forms: (qint64, qint64). Bytes received and
+    /// in all (-1: unknown) in this exchange: what a continued file had before is not counted.
     template <typename... Target>
     HttpRequest &onDownloadFileProgress(Target &&...target)
     {
@@ -316,8 +324,8 @@ public:
         return bindTarget<CallbackKind::DownloadFileNameChanged>(std::forward<Target>(target)...);
     }
 
-    /// Sends a copy of the request from the client's thread and returns the response, which belongs
-    /// to its reply and goes with it: at once, or after the exchange if the request blocks.
+    /// Sends a copy of the request; called on the client's thread. Returns the response, which
+    /// belongs to its reply and goes with it: at once, or after the exchange if the request blocks.
     /// Deleting the response ends the exchange without a further callback. Null when nothing could
     /// be sent (an unknown method, no client, a multi-part body without an object): no callback
     /// runs then, and a critical message says why. Null also after a wait in which the response was

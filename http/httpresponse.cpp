@@ -48,8 +48,8 @@ constexpr auto replyError = &QNetworkReply::errorOccurred;
 constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error);
 #endif
 
-// Bytes. Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
-constexpr qint64 downloadBufferSize = 65536;
+// Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
+constexpr qint64 downloadBufferSize = 65536; // bytes
 
 /// A signal of the reply and the slot that answers it, by their places in the meta-objects.
 struct Wire
@@ -66,8 +66,9 @@ Wire wire(Signal signal, const char *slot)
     return {QMetaMethod::fromSignal(signal).methodIndex(), index};
 }
 
-// By index and worked out once: these connections are made for every request. onFinished() comes
-// before onHandleHead(), which answers the same finished().
+// The connections of a reply to its response, in the order in which they are made: onFinished()
+// comes before onHandleHead(), which answers the same signal. They are made for every request, so
+// the indices are looked up once.
 const std::vector<Wire> &replyWires()
 {
     using Reply = QNetworkReply;
@@ -128,7 +129,7 @@ HttpResponse::HttpResponse(HttpRequest request, QObject *parent)
 
 HttpResponse::~HttpResponse()
 {
-    // Null when it is the reply's own end that leads here.
+    // The reply is null when its own destruction destroys this child.
     if (!m_reply || m_isTaken)
         return;
     disconnect(m_reply, nullptr, this, nullptr);
@@ -183,14 +184,15 @@ bool HttpResponse::deliver(Values &&...values)
     if (!hasReceivers<Signal>())
         return true;
     const QPointer<HttpResponse> self(this);
-    // Qt goes on using the reply when its signal has been emitted. Somebody may have it deleted
-    // later in an event loop that a receiver runs: who has taken it, the client, another receiver.
+    // Qt uses the reply after its signal has returned. In an event loop that a receiver runs, a
+    // deleteLater() of the reply would take effect before that, whoever has asked for it: who has
+    // taken the reply, the client, another receiver.
     const ReplyKeeper keeper(m_reply);
     Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
     return !self.isNull();
 }
 
-/// Whoever is connected to @p Signal owns the reply from here on.
+/// Emits @p Signal with the reply, which its receivers own from then on.
 template <auto Signal>
 bool HttpResponse::handOver()
 {
@@ -214,7 +216,7 @@ void HttpResponse::onFinished()
     using R = HttpResponse;
     if (m_reply->error() != QNetworkReply::NoError || m_outcome)
         return;
-    // Some is left when the exchange has ended inside a receiver of the first data.
+    // Data is left to write when the exchange has ended while a receiver of the first data ran.
     if (!writeAvailable())
         return;
     if (m_file && m_file->isCutOff(*m_reply))
@@ -229,15 +231,15 @@ void HttpResponse::onFinished()
 void HttpResponse::onError(QNetworkReply::NetworkError code)
 {
     using R = HttpResponse;
-    // Aborting the reply from inside a callback makes Qt report a second error for it.
+    // Qt reports a second error for a reply that is aborted from inside a callback.
     if (m_outcome)
         return;
     m_outcome = code;
     if (m_request.fields.logLevel >= HttpLogLevel::NetworkErrors)
         qDebug().noquote() << QStringLiteral("%1 error: %2")
                                   .arg(m_reply->url().toString(), QString::number(int(code)));
-    // The head belongs to either: Qt says that a reply is finished some time after its error, when
-    // this response may be gone.
+    // Both tables end with the head, because Qt emits finished() some time after the error, and
+    // this response may be gone by then.
     if (m_retriesLeft >= 1)
         run({&R::sendRetry, &R::tellHead, &R::releaseReply});
     else
@@ -280,7 +282,7 @@ bool HttpResponse::tellBody()
     const QByteArray body = m_reply->readAll();
     if (!deliver<finishedPlain>() || !deliver<finishedBytes>(body))
         return false;
-    // Text and map cost a copy of the body each: they are made for receivers that are there.
+    // Text and map cost a copy of the body each, so they are made only for receivers.
     if (hasReceivers<finishedText>() && !deliver<finishedText>(QString::fromUtf8(body)))
         return false;
     return !hasReceivers<finishedMap>()
@@ -394,9 +396,9 @@ qint64 HttpResponse::readBufferBound() const
                                                           : fields.readBufferSize;
 }
 
-// Qt forgets the bound when its network thread takes up the request, and at each redirect that it
-// follows; one that is set after the first data does not hold any more. So it is set once more by
-// an event, which comes after those that Qt has posted to itself for that.
+// Qt loses the bound when its network thread takes up the request and at each redirect that it
+// follows, and a bound that is set after the first data has no effect. So the bound is set at once
+// and again by a queued call, which comes after the calls that Qt has queued for those steps.
 void HttpResponse::boundReadBuffer()
 {
     const qint64 bytes = readBufferBound();

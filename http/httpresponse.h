@@ -22,11 +22,11 @@ class DownloadFile;
 /// it later, or destroy the client (HttpClient says when not), also in an event loop that it runs
 /// there: the reply stays until the receiver has returned.
 ///
-/// Exactly one outcome is reported for each attempt at the request, but none for one that is
-/// retried: either the finished() family or the error() family. Whoever is connected to
-/// finished(QNetworkReply*) or error(QNetworkReply*) owns the reply and deletes it later;
-/// timeout(QNetworkReply*) hands over a reply that is about to go unless error(QNetworkReply*) has
-/// handed it over before.
+/// Each attempt at the request has exactly one outcome, either the finished() family or the error()
+/// family; an attempt that is retried has none. Whoever is connected to finished(QNetworkReply*) or
+/// error(QNetworkReply*) owns the reply and deletes it later. The reply that
+/// timeout(QNetworkReply*) carries goes after the signal, unless error(QNetworkReply*) has handed
+/// it over before.
 class HttpResponse : public QObject
 {
     Q_OBJECT
@@ -34,15 +34,15 @@ class HttpResponse : public QObject
 
 public:
     /// Serves the reply of @p request, if it has one, and attaches its callbacks. The time-out
-    /// begins in any case.
+    /// begins in any case. Hosts have their responses from HttpRequest::send().
     HttpResponse(HttpRequest request, QObject *parent);
 
     /// Ends an exchange that is under way; no callback follows.
     ~HttpResponse() override;
 
-    /// Serves the reply of @p request from now on, and waits for it if the request asks for that.
-    /// The toolkit's, for a response that was handed to a caller before its reply existed: hosts
-    /// have no use for it. The time-out begins once more.
+    /// Serves the reply of @p request from now on, and waits for it if the request blocks. The
+    /// time-out begins once more. The toolkit's own, for the response of a download, which a caller
+    /// has before there is a reply; hosts have no use for it.
     void setRequest(const HttpRequest &request);
 
     /// The copy of the request that was sent. One that may go out again has its receivers as
@@ -50,11 +50,11 @@ public:
     const HttpRequest &request() const;
 
 Q_SIGNALS:
-    /// Another reply is served than before.
+    /// Another reply is served than before; it stays the toolkit's.
     void replyChanged(QNetworkReply *reply);
 
-    /// Success. Emitted in the order reply, nothing, bytes, text, map; a form without a receiver
-    /// is not made. The receiver of the reply owns it.
+    /// Success. Emitted in the order reply, nothing, body as bytes, text, map. The receiver of the
+    /// reply owns it; what it reads from it is missing in the other forms.
     void finished(QNetworkReply *reply);
     void finished();
     void finished(QByteArray result);
@@ -68,14 +68,15 @@ Q_SIGNALS:
     /// Bytes sent and in all; -1 where the total is unknown.
     void uploadProgress(qint64, qint64);
 
-    /// Final failure, in the order reply, nothing, code, text; the text is in the local 8-bit
-    /// encoding. The receiver of the reply owns it.
+    /// Final failure. Emitted in the order reply, nothing, code, text; the text is in the local
+    /// 8-bit encoding. The receiver of the reply owns it.
     void error(QByteArray error);
     void error();
     void error(QNetworkReply::NetworkError error);
     void error(QNetworkReply *reply);
 
-    /// The time-out ended the exchange; follows the error() family.
+    /// The time-out ended the attempt; follows the error() family. Emitted in the order reply,
+    /// nothing.
     void timeout();
     void timeout(QNetworkReply *reply);
 
@@ -84,13 +85,16 @@ Q_SIGNALS:
 
     /// Declared for callbacks to attach to; never emitted to a caller.
     void downloadFileNameChanged(QString fileName);
-    /// The file side of downloads.
+    /// The file of a download is complete, unless an error was reported before; precedes the
+    /// finished() family. @p file is its name as it was given.
     void downloadFileFinished();
     void downloadFileFinished(QString file);
+    /// The file cannot be opened or written, in which case the exchange goes on, or the download
+    /// failed; precedes the error() family. The text names address, file and fault.
     void downloadFileError();
     void downloadFileError(QString errorString);
 
-    /// What the reply reports, passed on.
+    /// The events of the reply that have the same names, passed on.
     void encrypted();
     void metaDataChanged();
     void preSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator *authenticator);
@@ -103,18 +107,19 @@ Q_SIGNALS:
     /// No further attempt follows; only timeout() may come after it.
     void repeated();
 
-    /// The server asks for credentials and the request has none to give.
+    /// The server asks for credentials and the request has none. To be filled in before the
+    /// receiver returns.
     void authenticationRequired(QAuthenticator *authentication);
-    /// The server asks for the second time or later.
+    /// The server asks for the second time or later. The reply stays the toolkit's.
     void authenticationRequireFailed();
     void authenticationRequireFailed(QNetworkReply *);
 
     /// The reply's headers, once, as soon as there is a body or an end.
     void head(QList<QNetworkReply::RawHeaderPair>);
-    /// By name; a repeated name keeps its last value.
+    /// The same by name; a repeated name keeps its last value.
     void head(QMap<QString, QString>);
 
-    /// Bytes received and in all of every request, download or not; -1 where unknown.
+    /// Bytes received and in all of every request, download or not; -1 where the total is unknown.
     void downloadFileProgress(qint64 bytesReceived, qint64 bytesTotal);
 
 private Q_SLOTS:
@@ -135,7 +140,8 @@ private Q_SLOTS:
     void onHandleHead();
 
 private:
-    /// False once a receiver has destroyed this response.
+    /// What an outcome does, a piece at a time. Returns false once a receiver has destroyed this
+    /// response.
     using Step = bool (HttpResponse::*)();
 
     template <auto Signal>
@@ -171,5 +177,5 @@ private:
     qint32 m_retriesLeft = 0;
     qint32 m_authenticationCount = 0;
     bool m_headHandled = false;
-    std::optional<QNetworkReply::NetworkError> m_outcome; ///< Set when it is about to be reported.
+    std::optional<QNetworkReply::NetworkError> m_outcome; ///< Set just before it is reported.
 };

@@ -8,7 +8,7 @@
 HttpResponseTimeout::HttpResponseTimeout(int ms, HttpResponse *response)
     : QObject(response)
 {
-    // A thread that Qt did not start has no timers until an event loop was made in it.
+    // A thread that Qt did not start has no timers before an event loop was made in it.
     const QEventLoop loop;
     auto *timer = new QTimer(this);
     timer->setSingleShot(true);

@@ -2,10 +2,10 @@
 
 #include <QByteArray>
 
-/// The verb of a request. Any value outside this list has no verb text and is never sent.
+/// The verb of a request. Unknown, and any value outside this list, is never sent.
 enum class HttpMethod : qint32 {
-    Unknown = 0,
-    Head = 1, ///< May never finish; see docs/http-toolkit.md, "Known surprises".
+    Unknown = 0, ///< No verb.
+    Head = 1,    ///< May never finish; see docs/http-toolkit.md, "Known surprises".
     Get = 2,
     Put = 3,
     Post = 4,
@@ -14,17 +14,17 @@ enum class HttpMethod : qint32 {
 
 /// How the body of a request is held and sent.
 enum class BodyType : qint32 {
-    None = 0,
-    Raw = 1,                   ///< Bytes.
-    RawJson = 2,               ///< A serialised JSON document.
-    x_www_form_urlencoded = 3, ///< Bytes, already encoded.
-    FileMap = 4,               ///< Part name to file path, sent as a multi-part form.
-    MultiPart = 5,             ///< A multi-part object built by the caller.
-    FormData = 6,              ///< Part name to value, sent as a multi-part form.
+    None = 0,                  ///< Nothing.
+    Raw = 1,                   ///< A QByteArray, sent as it is.
+    RawJson = 2,               ///< A QByteArray with a serialised JSON document, sent as it is.
+    x_www_form_urlencoded = 3, ///< A QByteArray with an encoded form, sent as it is.
+    FileMap = 4,   ///< A QMap<QString, QString>, part name to file path; sent as a multi-part form.
+    MultiPart = 5, ///< A QHttpMultiPart *, built by the caller.
+    FormData = 6,  ///< A QVariantMap, part name to value; sent as a multi-part form.
 };
 
-/// The family of HttpResponse signals that a callback is attached to. The operation of HttpRequest
-/// with the same name, onFinished() and so on, says what each reports.
+/// The family of HttpResponse signals that a callback is attached to. Each is described at the
+/// operation of HttpRequest that has its name: onFinished() for Finished, and so on.
 enum class CallbackKind : qint32 {
     Finished = 0,
     Error = 1,
@@ -49,17 +49,18 @@ enum class CallbackKind : qint32 {
     DownloadFileNameChanged = 20,
 };
 
-/// The log level of a request from which on something is logged.
+/// What a request logs to Qt's message stream. Each line names the lowest log level of the request
+/// at which it is logged.
 namespace HttpLogLevel {
-constexpr qint32 Critical = 2;      ///< What could not be sent.
+constexpr qint32 Critical = 2;      ///< Requests that could not be sent.
 constexpr qint32 BadBindings = 3;   ///< Callbacks that fit no signal of their kind.
 constexpr qint32 Dumps = 4;         ///< Requests and responses in full, credentials included.
 constexpr qint32 NetworkErrors = 5; ///< Each error that Qt reports, retried or not.
 } // namespace HttpLogLevel
 
-/// The text of @p method on the wire; empty for Unknown and for every value outside the list.
-/// May be called from any thread.
+/// The text of @p method as it is sent; empty for Unknown and for every value outside the list. May
+/// be called from any thread.
 QByteArray httpVerb(HttpMethod method);
 
-/// The name of @p type as dumps print it; empty for a value outside the list.
+/// The name of @p type as dumps print it; empty for a value outside the list. Never null.
 const char *bodyTypeName(BodyType type);

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Keepers answer it, replies do not.
+/// The event that asks a reply whether it is kept: a keeper answers it, the reply itself does not.
 QEvent::Type question()
 {
     static const int type = QEvent::registerEventType();
