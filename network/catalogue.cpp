@@ -17,6 +17,7 @@ constexpr ServiceOperation getDubList{HttpMethod::Get, convertServicePrefix, "as
 constexpr ServiceOperation getBgmList{HttpMethod::Get, convertServicePrefix,
                                       "asr/getBackgroundMusic", "GetBgmList"};
 
+// What the service calls the two kinds of synthesis among the features of a voice.
 constexpr QStringView shortSynthesis = u"语音合成";
 constexpr QStringView longSynthesis = u"长文本语音合成";
 
@@ -40,7 +41,7 @@ constexpr struct
 
 constexpr char defaultPicture[] = "women_01.png";
 
-// The stock pictures: where the service keeps them and what the host calls them.
+// The stock pictures: their paths on the storage host, and the host's files for them.
 constexpr struct
 {
     const char *path; // percent-encoded as the service sends it
@@ -99,7 +100,7 @@ QList<BgmInfo *> VoNetworker::GetBgmList()
 void VoNetworker::slotGetBgmListSuc(QByteArray jsonStr)
 {
     if (const auto data = ServiceEnvelope::read(jsonStr, getBgmList)) {
-        const QJsonArray tracks = data->toArray(); // not in a "list", as voices are
+        const QJsonArray tracks = data->toArray(); // voices are a level deeper, in "list"
         for (const QJsonValue &track : tracks)
             bgmList.append(bgmInfoFrom(track.toObject()));
     }
@@ -158,7 +159,7 @@ QString VoNetworker::DownloadAvt(QString url, QString savePath)
     ServiceLog::beginDownload(tag, "url=", url, ",savePath=", savePath);
     const QPointer<VoNetworker> self(this);
     const FileFetch::Result picture = FileFetch::fetch(url, tag);
-    // A picture that cannot be fetched is told by the signal for sign-in codes, whichever it is.
+    // The signal of sign-in codes reports every picture that cannot be fetched, this one too.
     if (self && picture.error != QNetworkReply::NoError)
         Q_EMIT signalGetLoginQrCodeEnd(nullptr);
     return FileFetch::save(picture.body, savePath, tag, "open file error,") ? savePath : QString();

@@ -28,7 +28,7 @@ FileFetch::Result FileFetch::fetch(const QString &address, const char *tag)
         reply->abort();
     if (reply->error() != QNetworkReply::NoError)
         qDebug() << "[error]" << tag << errorName(reply->error());
-    // An aborted reply is closed; any goes with its manager.
+    // An aborted reply is closed and cannot be read. Every reply goes with its manager.
     return {reply->error(), reply->isOpen() ? reply->readAll() : QByteArray()};
 }
 

@@ -6,7 +6,7 @@
 
 qint64 JsonNumber::toInt64(const QJsonValue &value)
 {
-    // 2^63: the least double above all 64-bit numbers. Its negative is the smallest of them.
+    // 2^63, the least double above all 64-bit numbers. Its negative is the smallest of them.
     constexpr double limit = 9223372036854775808.0;
     const double number = value.toDouble();
     if (number >= limit)

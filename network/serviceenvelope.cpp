@@ -18,7 +18,7 @@ std::optional<QJsonValue> ServiceEnvelope::read(const QByteArray &reply,
     const QJsonValue code = envelope.value(QLatin1String("code"));
     if (code.isUndefined() || code.isNull())
         return std::nullopt;
-    // A code that is no whole number reads as 0 and so is a success.
+    // A code that is no whole number, such as a text, reads as 0: such a reply is a success.
     if (code.toInt() != 0) {
         ServiceLog::refusal(operation, code.toInt(),
                             envelope.value(QLatin1String("message")).toString());

@@ -7,12 +7,13 @@
 class QByteArray;
 struct ServiceOperation;
 
-/// Every reply of the service is a JSON object {"code", "message", "data"}.
+/// The envelope of the service's replies: a JSON object {"code", "message", "data"}, whose code 0
+/// means success.
 namespace ServiceEnvelope {
 
-/// The member "data" of @p reply to @p operation when its code is 0, undefined when it has none.
-/// Nothing for any other reply: one that is not JSON and a refusal are logged, one without an
-/// object or a code is not.
+/// The member "data" of @p reply, a success; undefined when it has none. No value when the reply to
+/// @p operation is no success: it is not JSON or has another code, both of which are logged, or it
+/// is no object or has no code, which are not.
 std::optional<QJsonValue> read(const QByteArray &reply, const ServiceOperation &operation);
 
 } // namespace ServiceEnvelope

@@ -15,8 +15,8 @@ QLatin1String loggedStem(const ServiceOperation &operation)
 
 } // namespace
 
-// The debug stream puts quotation marks around a QString or a QByteArray, and none around a plain
-// array of characters: texts go into it as what their line wants.
+// The debug stream puts quotation marks around a QString or a QByteArray, and none around a char
+// array. The type in which a text goes into the stream decides whether its line has them.
 
 void ServiceLog::begin(const char *name) { qDebug() << name; }
 

@@ -9,27 +9,28 @@ struct ServiceOperation;
 /// The debug lines that the operations share.
 namespace ServiceLog {
 
-/// The start of the operation that is called @p name.
+/// Logs the start of the operation @p name.
 void begin(const char *name);
 
-/// The same of an operation that sends @p body.
+/// Logs the start of the operation @p name, which sends @p body.
 void begin(const char *name, const QJsonObject &body);
 
-/// The same of an operation about @p subject.
+/// Logs the start of the operation @p name, which is about @p subject.
 void begin(const char *name, const QString &subject);
 
-/// The start of a file's download, with what the two places are called.
+/// Logs the start of a download by the operation @p name. @p from and @p to are the labels of
+/// @p address and @p path in the line.
 void beginDownload(const char *name, const char *from, const QString &address, const char *to,
                    const QString &path);
 
-/// A request that failed on the network. @p failInfo is read as UTF-8: where the local encoding, in
-/// which the toolkit writes it, is another one, letters beyond ASCII are lost.
+/// Logs a request that failed on the network. @p failInfo is read as UTF-8. The toolkit writes it
+/// in the local encoding: where that is another, letters beyond ASCII are lost.
 void failure(const ServiceOperation &operation, const QByteArray &failInfo);
 
-/// A reply that is not JSON.
+/// Logs a reply that is not JSON.
 void parseError(const ServiceOperation &operation, const QJsonParseError &error);
 
-/// A reply with a code other than 0.
+/// Logs a refusal: a reply with a code other than 0.
 void refusal(const ServiceOperation &operation, int code, const QString &message);
 
 } // namespace ServiceLog

@@ -14,7 +14,7 @@ namespace {
 
 constexpr ServiceOperation getLoginQrCode{HttpMethod::Get, ucenterServicePrefix,
                                           "login/getMpQrCode", "GetLoginQrCode"};
-// The slash at its front is doubled in the address; the service expects it so.
+// The slash at the front of the path is doubled in the address. The service expects it so.
 constexpr ServiceOperation getLoginQrCodeStatus{HttpMethod::Get, ucenterServicePrefix,
                                                 "/login/getMpStatus?business_code=%1",
                                                 "GetLoginQrCodeStatus"};
@@ -28,7 +28,7 @@ constexpr ServiceOperation refreshAccessToken{HttpMethod::Get, ucenterServicePre
 constexpr int smsSceneSignIn = 1;
 constexpr int scanConfirmed = 1;
 
-// Put together as they stand, with the slash doubled.
+// The path of the picture is put together as these stand, with the slash doubled.
 constexpr char qrImageFolder[] = "/VoTTS/";
 constexpr char qrImageFile[] = "/login_qr_code.png";
 
@@ -37,7 +37,7 @@ QDateTime localTime(const QJsonValue &text)
     return QDateTime::fromString(text.toString(), QStringLiteral("yyyy-MM-dd hh:mm:ss"));
 }
 
-// Of the two ways to sign in, one has the objects "base" and "token" a level deeper.
+// Both ways to sign in bring these objects; a reply about a code has them a level deeper.
 UserInfo *userInfoFrom(const QJsonObject &user)
 {
     const QJsonObject base = user.value(QLatin1String("base")).toObject();
@@ -65,7 +65,7 @@ void VoNetworker::slotGetLoginQrCodeSuc(QByteArray jsonStr)
         return;
     }
     const QJsonObject data = reply->toObject();
-    loginQrCode = new LoginQrCode; // the receiver's; this object only goes on pointing to it
+    loginQrCode = new LoginQrCode; // the receiver's; the pointer is kept for the signal
     loginQrCode->expire_time =
         QDateTime::fromSecsSinceEpoch(data.value(QLatin1String("expire_time")).toInt());
     loginQrCode->business_code = data.value(QLatin1String("business_code")).toString();
@@ -85,11 +85,11 @@ void VoNetworker::DownloadLoginQrCode(QString qrUrl, QString savePath)
     constexpr const char *tag = "VoNetworker::DownloadLoginQrCode";
     ServiceLog::beginDownload(tag, "qrUrl=", qrUrl, ",saveDir=", savePath);
     loginQrCode->qrImagePath = savePath;
-    const QPointer<VoNetworker> self(this); // the host may give it back meanwhile
+    const QPointer<VoNetworker> self(this); // the host may release it during the fetch
     const FileFetch::Result picture = FileFetch::fetch(qrUrl, tag);
     if (self && picture.error != QNetworkReply::NoError)
-        Q_EMIT signalGetLoginQrCodeEnd(nullptr); // and yet the record follows, if it can
-    // Another reply may have brought a newer record meanwhile.
+        Q_EMIT signalGetLoginQrCodeEnd(nullptr); // the record follows all the same
+    // The record may be a newer one, if another reply has come during the fetch.
     if (self && FileFetch::save(picture.body, savePath, tag, ",open file error,"))
         Q_EMIT signalGetLoginQrCodeEnd(loginQrCode);
 }
@@ -177,7 +177,7 @@ void VoNetworker::slotRefreshTokenSuc(QByteArray jsonStr)
     if (const auto reply = ServiceEnvelope::read(jsonStr, refreshAccessToken)) {
         const QJsonObject data = reply->toObject();
         newToken = JsonNumber::toInt64(data.value(QLatin1String("token")));
-        // A text here, a number in the reply about a code.
+        // The member of the same name in the reply about a code is a number of seconds.
         expireTime = localTime(data.value(QLatin1String("expire_time")));
         qDebug() << "slotRefreshTokenSuc:" << newToken << "expireTime:" << expireTime;
     }
@@ -187,6 +187,6 @@ void VoNetworker::slotRefreshTokenSuc(QByteArray jsonStr)
 void VoNetworker::slotRefreshTokenFail(QByteArray failInfo)
 {
     ServiceLog::failure(refreshAccessToken, failInfo);
-    // The time, where a refusal has none: hosts look at the token.
+    // The current time, though a refusal has an invalid one: hosts go by the token alone.
     Q_EMIT signalRefreshTokenEnd(-1, QDateTime::currentDateTime());
 }

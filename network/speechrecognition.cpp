@@ -25,7 +25,7 @@ QJsonObject shortSTTBody(const QString &fileLink, const QString &pageFeature)
             {QStringLiteral("pageFeature"), pageFeature}};
 }
 
-// The service reads its options as words, not as JSON booleans.
+// The service reads its options as texts, not as JSON booleans.
 QJsonObject createSTTTaskBody(const QString &fileLink, const QString &pageFeature)
 {
     const QString yes = QStringLiteral("true");
@@ -44,7 +44,7 @@ QJsonObject createSTTTaskBody(const QString &fileLink, const QString &pageFeatur
             {QStringLiteral("pageFeature"), pageFeature}};
 }
 
-// Sentences bring their own blanks: nothing is put between them.
+// The service's sentences have their own blanks, so nothing is put between them.
 QString joinedSentences(const QJsonObject &data)
 {
     const QJsonArray sentences =

@@ -66,7 +66,7 @@ void VoNetworker::slotTTSFail(QByteArray failInfo)
 void VoNetworker::LongTTSTask(TTSParams *params, qint64 token)
 {
     QJsonObject body = synthesisBody(longSynthesis, *params);
-    body.insert(QStringLiteral("enable_subtitle"), QStringLiteral("false")); // a word, no boolean
+    body.insert(QStringLiteral("enable_subtitle"), QStringLiteral("false")); // a text, no boolean
     ServiceLog::begin("VoNetworker::LongTTSTask", body);
     issue(longTTSTask, authorizedHeaders(token), body);
 }

@@ -7,22 +7,21 @@
 
 class QJsonObject;
 
-/// How a task on the service is getting on. The values are those of STT_STATUS and of
-/// LONG_TTS_STATUS.
+/// The state of a task on the service. The values are those of STT_STATUS and LONG_TTS_STATUS.
 enum class TaskState : int {
     Succeeded = 0,
     Processing = 1, ///< Queued or running.
-    Failed = 2,     ///< Also every state that the service is not known to report.
+    Failed = 2,     ///< Failed, or in a state that is not known.
 };
 
 /// What the service says of a recognition or a synthesis task.
 struct TaskReply
 {
-    /// Takes the texts of the result out of the member "data" of a reply.
+    /// Reads the result of a task that has succeeded from the member "data" of the reply.
     using ReadResult = QString (*)(const QJsonObject &data);
 
-    /// Of @p data, the member of a reply that was a success; nothing counts as failed, without
-    /// identifiers.
+    /// Reads @p data, as ServiceEnvelope::read() gives it. Without a value the task counts as
+    /// failed and has no identifiers.
     TaskReply(const std::optional<QJsonValue> &data, ReadResult readResult);
 
     TaskState state = TaskState::Failed;

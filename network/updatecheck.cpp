@@ -9,7 +9,7 @@
 
 namespace {
 
-// Replies that are no success are logged under the voice list's name: searches of logs rely on it.
+// Failed replies are logged under the name of GetDubList. Searches of logs rely on that.
 constexpr ServiceOperation getUpdateInfo{HttpMethod::Get, appServicePrefix, "app/upgrade",
                                          "GetUpdateInfo", refusalWithNames, "GetDubList"};
 
@@ -24,7 +24,7 @@ QString indentedLines(const QJsonArray &changes)
 UpdateInfo *updateInfoFrom(const QJsonObject &data)
 {
     const QJsonObject version = data.value(QLatin1String("versionInfo")).toObject();
-    auto *info = new UpdateInfo; // the networker's, until it asks again
+    auto *info = new UpdateInfo; // owned by the networker, which deletes it at the next call
     info->upgradeStatus = data.value(QLatin1String("upgradeStatus")).toInt();
     info->currentVersion = QLatin1String(BuildConstants::libraryVersion);
     info->version_code = version.value(QLatin1String("version_code")).toString();

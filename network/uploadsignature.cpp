@@ -8,7 +8,7 @@
 
 namespace {
 
-// A refusal is logged by its message alone.
+// The log line of a refusal has the message alone, without the code.
 constexpr ServiceOperation getOssSign{HttpMethod::Get,
                                       convertServicePrefix,
                                       "upload/getsignsts",
@@ -34,7 +34,7 @@ OSS_SIGN_INFO *signInfoFrom(const QJsonObject &data)
 void VoNetworker::GetOssSign()
 {
     ServiceLog::begin("get oss sign begin");
-    // The one request without any header of the library's own.
+    // This is the one request without the common headers.
     issue(getOssSign, {}, {});
 }
 

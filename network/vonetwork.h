@@ -7,7 +7,7 @@
 
 class VoNetworkIntf;
 
-/// Creates and releases service objects.
+/// Creates and releases service objects. All functions are static; no instance is needed.
 class VONETWORK_EXPORT VoNetwork : public QObject
 {
     Q_OBJECT
@@ -17,15 +17,16 @@ public:
     VoNetwork();
     ~VoNetwork() override;
 
-    /// A new service object with no parent, which the caller owns until it hands it to
-    /// ReleaseVoNetwork(). To be called on a thread that runs a Qt event loop; returns once the
-    /// command that prints the device identifier has ended.
+    /// A new service object, never null and without a parent. The caller owns it until it hands it
+    /// to ReleaseVoNetwork(). To be called on a thread that runs a Qt event loop. Returns once the
+    /// command that prints the device identifier has ended, which has no time-out.
     static VoNetworkIntf *CreateVoNetworkIntf();
 
-    /// Destroys @p intf when control returns to its thread's event loop; it must not be null.
-    /// Operations that are pending then are not answered.
+    /// Destroys @p intf, which must not be null, when control returns to the event loop of its
+    /// thread. Operations that are pending then are not answered.
     static void ReleaseVoNetwork(VoNetworkIntf *intf);
 
-    /// The version of this library, which every request names.
+    /// The version of this library, four numbers with dots between them. Needs no service object
+    /// and may be called from any thread.
     static QString GetAppVersion();
 };

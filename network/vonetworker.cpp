@@ -15,15 +15,14 @@ namespace {
 constexpr int applicationCode = 40000000;
 constexpr char channelCode[] = "channel_360";
 
-// A request depends on nothing that an earlier reply has left behind.
+// The service sees no cookies: a request does not depend on what an earlier reply left behind.
 void keepNoCookies(QNetworkRequest *request)
 {
     request->setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request->setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
 }
 
-// Qt 5.15 deprecates the overload that splits the command line itself and gives its splitting a
-// name.
+// Qt 5.15 deprecates the overload that splits a command line, and offers the splitting by itself.
 void startCommandLine(QProcess *process, const QString &command)
 {
 #if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
@@ -35,7 +34,7 @@ void startCommandLine(QProcess *process, const QString &command)
 #endif
 }
 
-// The 1 marks a slot in a string connection.
+// "1" is what the SLOT macro puts in front of a signature.
 QString slotKey(const ServiceOperation &operation, const char *outcome)
 {
     return QStringLiteral("1slot%1%2(QByteArray)")
@@ -61,7 +60,7 @@ QString VoNetworker::runCommand(QString command)
     QProcess process;
     startCommandLine(&process, command);
     process.waitForFinished(-1);
-    if (!process.isOpen()) // there is no program in the command
+    if (!process.isOpen()) // the command names no program
         return QString();
     QString output = QString::fromLocal8Bit(process.readAllStandardOutput());
     const QString title = command.split(QLatin1Char(' ')).last();
@@ -105,12 +104,12 @@ void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &he
         .send();
 }
 
-// False when the host has given this object back meanwhile: nothing of it is left.
+// False when the host has released this object during the wait: nothing of it is left then.
 bool VoNetworker::waitForAnswer()
 {
     const QPointer<VoNetworker> self(this);
     QEventLoop loop;
-    connect(client, &QObject::destroyed, &loop, &QEventLoop::quit); // it goes with this object
+    connect(client, &QObject::destroyed, &loop, &QEventLoop::quit); // the client goes with this
     blockingLoop = &loop;
     loop.exec();
     if (!self)

@@ -40,30 +40,34 @@ public:
     void RefreshToken(qint64 refreshToken) override;
 
 protected:
-    /// What the console command @p command prints, on one line and without its own last word (the
-    /// title above the value); empty when it cannot be run. Waits for it without a time-out.
+    /// What the console command @p command prints, as one line. Every occurrence of the command's
+    /// own last word, which such commands print as a title above the value, is left out. Empty when
+    /// the command cannot be run. Waits for its end without a time-out.
     QString runCommand(QString command);
 
-    /// The kind of voice that the service calls @p category, to the letter.
+    /// The kind of voice that the service calls @p category, which has to match to the letter;
+    /// DUB_TYPE_GENERAL for any other text.
     DubType ConvertServerToClientDubType(QString category);
 
-    /// The name of the picture file that stands for the stock picture at @p url, compared to the
-    /// letter; "women_01.png" for any other.
+    /// The name of the picture file that stands for the service's stock picture at @p url, which
+    /// has to match to the letter; "women_01.png" for any other address.
     QString ConvertAvtUrlToClient(QString url);
 
-    /// Fetches the picture at @p url into the file @p savePath, whose folder must exist; returns
-    /// the path, or an empty text when the file cannot be opened. A picture that cannot be fetched
-    /// leaves what came instead, normally nothing, and emits signalGetLoginQrCodeEnd() with null.
-    /// Waits in a nested event loop, without a time-out.
+    /// Fetches the picture at @p url into the file @p savePath, whose folder must exist. Returns
+    /// @p savePath, or an empty text when the file cannot be opened. When the picture cannot be
+    /// fetched, the file holds what came instead, normally nothing, and signalGetLoginQrCodeEnd()
+    /// is emitted with null. Waits in a nested event loop, without a time-out.
     QString DownloadAvt(QString url, QString savePath);
 
-    /// Fetches the picture of the newest code, which must be there, into the file @p savePath and
-    /// emits signalGetLoginQrCodeEnd(): null if the picture cannot be fetched, then the newest
-    /// record if the file can be opened. Waits in a nested event loop, without a time-out.
+    /// Fetches the picture at @p qrUrl of the newest code, of which there must be one, into the
+    /// file @p savePath, whose folder must exist. Emits signalGetLoginQrCodeEnd(): with null when
+    /// the picture cannot be fetched, and then, fetched or not, with the newest record when the
+    /// file can be opened. Waits in a nested event loop, without a time-out.
     void DownloadLoginQrCode(QString qrUrl, QString savePath);
 
 protected Q_SLOTS:
-    // The answers to the operations: a reply's body, or the text of a network failure.
+    // Called by the toolkit: jsonStr is the body of a reply, failInfo the text of a network error.
+    // Requests are bound to these slots by their names.
     void slotGetOssSignSuc(QByteArray jsonStr);
     void slotGetOssSignFail(QByteArray failInfo);
     void slotShortSTTSuc(QByteArray jsonStr);
@@ -106,9 +110,9 @@ private:
 
     QString deviceId;
     HttpClient *client; ///< Owned; outlives this object until the event loop is next reached.
-    QEventLoop *blockingLoop = nullptr; ///< Of the synchronous operation that waits.
-    QList<BgmInfo *> bgmList;           ///< The caller's, as all records but the last.
-    LoginQrCode *loginQrCode = nullptr; ///< The newest.
-    QList<DubInfo *> dubList;
-    UpdateInfo *updateInfo = nullptr; ///< Deleted by the next call only.
+    QEventLoop *blockingLoop = nullptr; ///< Of the synchronous operation that waits; else null.
+    QList<BgmInfo *> bgmList;           ///< Of the last reply; the records are the caller's.
+    LoginQrCode *loginQrCode = nullptr; ///< The newest; the receiver's.
+    QList<DubInfo *> dubList;           ///< Of the last reply; the records are the caller's.
+    UpdateInfo *updateInfo = nullptr;   ///< Owned; only the next GetUpdateInfo() deletes it.
 };

@@ -2,7 +2,7 @@
 
 namespace {
 
-// Under the names that the signals use, so that string-based and queued connections carry them.
+// String-based and queued connections carry the types under the names that the signals use.
 bool registerMetaTypes()
 {
     qRegisterMetaType<OSS_SIGN_INFO *>("OSS_SIGN_INFO*");
