@@ -55,10 +55,10 @@ QJsonObject musicDocument(const QList<BgmInfo *> &tracks)
     return {{QStringLiteral("music"), list}};
 }
 
-// What the service and its hosts have agreed on.
+// The values on which the service and its hosts have agreed.
 enum UpgradeStatus : qint32 { UpToDate = 0, NewerIsThere = 1, NewerIsNeeded = 2 };
 
-// The library has indented the changes and put each on a line of its own.
+// The library indents the changes and puts each on a line of its own.
 QStringList changesIn(const UpdateInfo &info)
 {
     QStringList changes = info.external_update_log.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -90,7 +90,7 @@ QJsonObject updateDocument(const UpdateInfo &info)
             {QStringLiteral("url"), info.url}};
 }
 
-// The service object does not say which.
+// A list that is empty may have been refused; the service object does not say.
 QString refusedOrNone()
 {
     return FailureReason::orElse(
@@ -121,7 +121,7 @@ void MusicList::start()
 
 void UpdateCheck::start()
 {
-    // Nobody frees the last record. Static, it stays pointed to, and no leak checker complains.
+    // The library never frees the last record. A leak checker overlooks what a static points to.
     static const UpdateInfo *info;
     info = service()->GetUpdateInfo();
     if (!info)

@@ -2,9 +2,9 @@
 
 #include "command.h"
 
-// What the service can tell anybody. Asking for it waits in a nested event loop.
+// The commands that need no session. Each waits for the service in a nested event loop.
 
-/// The voices that texts can be spoken with.
+/// Lists the voices that texts can be spoken with.
 class VoiceList : public Command
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ public:
     void start() override;
 };
 
-/// The tracks of background music.
+/// Lists the tracks of background music.
 class MusicList : public Command
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
     void start() override;
 };
 
-/// Whether there is a newer version.
+/// Says whether there is a newer version.
 class UpdateCheck : public Command
 {
     Q_OBJECT

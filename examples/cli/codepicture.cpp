@@ -11,20 +11,20 @@
 
 namespace {
 
-constexpr qint64 longestFile = 1048576; // bytes; a code has a few thousand
+constexpr qint64 longestFile = 1048576; // bytes; the picture of a code has a few thousand
 constexpr int largestSide = 2048;       // pixels; a code has 185 modules at most, margin included
 
 constexpr char signature[] = "\x89PNG\r\n\x1a\n";
 constexpr int signatureSize = sizeof(signature) - 1;
-constexpr int frameSize = 12; // of a chunk: its length, its type and a sum
-constexpr int typeSize = 4;
+constexpr int frameSize = 12; // bytes of a chunk's length, type and sum
+constexpr int typeSize = 4;   // bytes
 
-// Those in capitals, and the transparency. The others are small when packed and may unpack to a
-// thousand times that, which the decoder does as soon as it is asked for the size.
+// The chunks that make pixels are those in capitals and the transparency. The decoder unpacks all
+// others, to as much as a thousand times their length, as soon as it is asked for the size.
 bool makesPixels(const QByteArray &type) { return type == type.toUpper() || type == "tRNS"; }
 
-// Empty unless @p png has both ends of a picture: the decoder writes its complaints to standard
-// error by itself.
+// The chunks of @p png that make pixels. Empty unless the picture is there from its beginning to
+// its end: the decoder would write its complaints to standard error.
 QByteArray pixelsOnly(const QByteArray &png)
 {
     if (!png.startsWith(signature))

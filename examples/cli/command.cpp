@@ -25,7 +25,7 @@ QString escaped(uint character)
     return QStringLiteral("\\u%1").arg(character, 4, 16, QLatin1Char('0'));
 }
 
-// What a terminal might obey is escaped: JSON itself asks for that below the blank only.
+// Every character that a terminal might obey is escaped; JSON asks for that only below the blank.
 QString lineOf(const QJsonObject &document)
 {
     QString line;
@@ -93,8 +93,8 @@ Progress *Command::progress() const { return m_tools.progress; }
 
 void Command::finish(const QString &text, const QJsonObject &document)
 {
-    m_tools.progress->clear();  // the terminal may be the same
-    Interrupt::leaveToSystem(); // whoever reads the result may be slow
+    m_tools.progress->clear();  // the result may go to the same terminal
+    Interrupt::leaveToSystem(); // a slow reader of the result keeps this from the event loop
     if (Console::print(m_json ? lineOf(document) : text))
         Q_EMIT succeeded();
     else

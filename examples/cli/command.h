@@ -11,7 +11,7 @@
 
 struct Options;
 
-/// One thing that the user can ask for. Driven by the service's signals, it needs an event loop.
+/// One thing that the user can ask for. It goes on by the service's signals, in the event loop.
 class Command : public QObject
 {
     Q_OBJECT
@@ -21,19 +21,19 @@ public:
     /// The command that @p options ask for.
     static std::unique_ptr<Command> make(const Options &options, const Tools &tools);
 
-    /// What can be said when the service object reports a failure.
+    /// What the user is told when the service object reports a failure and the log has no reason.
     static QString refusedByService();
 
     Command(const Options &options, const Tools &tools);
     ~Command() override;
 
-    /// To be called once, in an event loop; answered by succeeded() or failed().
+    /// To be called once, in an event loop; answered once, by succeeded() or failed().
     virtual void start() = 0;
 
 Q_SIGNALS:
     void succeeded();
 
-    /// The line is for the user.
+    /// @p problem is a line for the user.
     void failed(const QString &problem);
 
 protected:
@@ -41,7 +41,7 @@ protected:
     TokenKeeper *tokens() const;
     Progress *progress() const;
 
-    /// Prints the result, which is @p text or, for a user who wants JSON, @p document.
+    /// Prints the result, @p text or, for a user who wants JSON, @p document, and emits the answer.
     void finish(const QString &text, const QJsonObject &document);
 
 private:

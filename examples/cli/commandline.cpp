@@ -130,7 +130,7 @@ QCommandLineOption parserOption(const OptionWord &word)
     return {names, meaning, QLatin1String(word.value), standard};
 }
 
-// Only a plain name: what an address says does not choose the folder.
+// The name is plain, without folders: an address does not choose where its file goes.
 QString nameIn(const QUrl &address)
 {
     const QString name = address.fileName(QUrl::FullyDecoded);
@@ -204,7 +204,7 @@ void CommandLine::read(const QStringList &arguments)
     }
 }
 
-// Whether there is a command that the rest can be read for.
+// False when no command is named that the other arguments could be read for.
 bool CommandLine::readCommand()
 {
     const QStringList words = m_parser.positionalArguments();
@@ -310,7 +310,7 @@ void CommandLine::readSampleRate()
             QStringLiteral("the rate \"%1\" is no positive number").arg(m_parser.value(rateName)));
 }
 
-// The first problem is the one that is told.
+// Keeps the first problem; those that follow may come of it.
 void CommandLine::complain(const QString &problem)
 {
     if (m_problem.isEmpty())

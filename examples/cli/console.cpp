@@ -46,8 +46,8 @@ bool write(const QString &text, std::FILE *stream)
 
 #else
 
-// A pipe that is full takes no more at once when another program that has it made it non-blocking;
-// stdio would drop the rest.
+// Another program that has the same pipe may have made it non-blocking. When such a pipe is full,
+// this waits for room; stdio would drop the rest.
 bool write(const QString &text, std::FILE *stream)
 {
     const int descriptor = fileno(stream);
@@ -72,7 +72,7 @@ bool write(const QString &text, std::FILE *stream)
 } // namespace
 
 #ifdef Q_OS_WIN
-// Text mode would put a carriage return before each line feed.
+// Standard output is made binary: text mode would put a carriage return before each line feed.
 void Console::setUpStreams()
 {
     _setmode(_fileno(stdout), _O_BINARY);
@@ -95,7 +95,7 @@ QString Console::printingFailed()
 
 void Console::show(const QString &text) { write(text, stderr); }
 
-// The line break that a user types ends the line; elsewhere nobody types.
+// At a terminal the user's own line break ends the line; where nobody types, the question ends it.
 void Console::ask(const QString &question)
 {
     show(question + (Terminal::is(stdin) ? QStringLiteral(" ") : QStringLiteral("\n")));
@@ -132,7 +132,7 @@ QString Console::onOneLine(const QString &text)
 void Console::setUpLog(bool verbose)
 {
     showsAll = verbose;
-    // Whatever QT_LOGGING_RULES says: the reasons are in there.
+    // QT_LOGGING_RULES may have turned the debug lines off, in which the reasons of failures are.
     QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
     defaultHandler = qInstallMessageHandler(onMessage);
 }

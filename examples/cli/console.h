@@ -7,38 +7,38 @@ class QString;
 /// The streams between the program and its user.
 namespace Console {
 
-/// To be called before anything is written. On Windows the streams and the console are not made for
-/// UTF-8, line feeds and colours by themselves.
+/// Prepares the streams for UTF-8, line feeds and colours, which matters on Windows only. To be
+/// called before anything is written.
 void setUpStreams();
 
-/// Writes @p text to standard output, in UTF-8 whatever the locale is: it may well be kept in a
-/// file. False when it did not get there.
+/// Writes @p text to standard output, in UTF-8 whatever the locale is, since files are made of it.
+/// False when not all of it could be written.
 bool print(const QString &text);
 
-/// The line for the user after that.
+/// The line for the user when print() has failed.
 QString printingFailed();
 
-/// Writes @p text to standard error, in UTF-8 as well.
+/// Writes @p text to standard error, in UTF-8.
 void show(const QString &text);
 
 /// Asks the user for a line: writes @p question to standard error.
 void ask(const QString &question);
 
-/// Writes one line to standard error, in UTF-8 as well.
+/// Writes @p problem to standard error as one line with the program's name, in UTF-8.
 void complain(const QString &problem);
 
 /// Whether @p character neither moves the cursor nor turns the direction of writing.
 bool isPlain(uint character);
 
-/// @p text with blanks in place of what is not plain.
+/// @p text with a blank in place of each character that is not plain.
 QString onOneLine(const QString &text);
 
-/// Keeps the log away from standard error except for warnings and worse; with @p verbose all of it
-/// goes there. Either way the reasons of failures are read in it.
+/// Lets warnings and worse of the log go to standard error; with @p verbose all of it. Either way
+/// FailureReason reads the whole log.
 void setUpLog(bool verbose);
 
-/// Nothing is logged from here on. When the application goes, threads of Qt's may still be at work
-/// and complain that it is not there.
+/// Ends the log. Threads of Qt may be at work when the application object goes, and would complain
+/// of that.
 void endLog();
 
 } // namespace Console

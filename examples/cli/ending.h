@@ -2,8 +2,8 @@
 
 #include <QObject>
 
-/// How the program ends. What happens first decides: an operation that fails because the program
-/// was interrupted does not make a failure out of the interruption.
+/// How the program ends. The first call decides: an interruption makes operations fail, and those
+/// failures are not what the user is told.
 class Ending : public QObject
 {
     Q_OBJECT
@@ -15,10 +15,10 @@ public:
     /// Leaves the event loops, also nested ones, with @p status. Must be called inside one.
     void end(int status);
 
-    /// The same with status Failure. The line is for the user.
+    /// Ends with status Failure. @p problem is a line for the user.
     void fail(const QString &problem);
 
-    /// What there is to say to the user; empty: nothing.
+    /// The line for the user; empty: there is none.
     QString problem() const;
 
 private:

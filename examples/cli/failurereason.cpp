@@ -16,12 +16,12 @@ constexpr char proxyRefusesName[] = "ProxyAuthenticationRequiredError";
 constexpr char unknownToProxy[] =
     "the proxy wants a user and a password that it knows (see --proxy)";
 
-// Qt's texts are in English: no translation is loaded. It has one for every kind of TLS failure.
+// Qt's texts are in English, since no translation is loaded. Every failure of TLS has the same one.
 constexpr struct
 {
-    const char *text; // of an error; null: the name alone
-    const char *name; // of the same error, as the log of a fetched file has it
-    const char *words;
+    const char *text;  // Qt's text of an error; null: it is for users already
+    const char *name;  // the enumerator of the error, which the log has of a file
+    const char *words; // for the user
 } reasons[] = {
     {"SSL handshake failed", "SslHandshakeFailedError",
      "TLS: not trusted, or not spoken (--ca adds an authority to trust)"},
@@ -32,7 +32,7 @@ constexpr struct
     {nullptr, "TimeoutError", "it took too long"},
 };
 
-// Part of a text when the server did answer.
+// Texts of errors contain one of these when the server did answer.
 constexpr const char *answers[] = {"server replied:", "Host requires authentication"};
 
 QString &last()
@@ -47,7 +47,7 @@ bool &pictureTrust()
     return isTrusted;
 }
 
-// A server may answer as only a proxy should.
+// A server may answer with the status of a proxy although no proxy is on the way.
 bool isProxyMimicked(const QString &error)
 {
     return (error == QLatin1String(proxyRefuses) || error == QLatin1String(proxyRefusesName))
@@ -74,7 +74,8 @@ QString named(const QString &name)
 
 } // namespace
 
-// Operations log the text in quotation marks, files that are fetched the error's name.
+// The library logs the error's text, in quotation marks, of an operation, and the error's name of a
+// file that it fetches.
 void FailureReason::readLog(const QString &message)
 {
     static const QRegularExpression failure(

@@ -2,24 +2,24 @@
 
 class QString;
 
-/// Why a request failed. The service object itself gives no reason; the library's log has it.
+/// The reason why a request failed. The service object gives none; the library's log has it.
 namespace FailureReason {
 
-/// Takes up what @p message, of the log, tells about a request that had no answer. May be called in
-/// any thread: only the main one has such messages.
+/// Reads in @p message, a line of the log, why a request had no answer. May be called in any
+/// thread: only the main one logs such lines.
 void readLog(const QString &message);
 
-/// The line about the service when it could not be reached, for the last request that failed;
-/// @p otherwise when it answered.
+/// The line for the user about the last request that failed: why the service could not be reached,
+/// or @p otherwise when it did answer.
 QString orElse(const QString &otherwise);
 
-/// Whether the library has taken the picture of a code from a usable address, as the log tells.
+/// Whether the library fetched the last picture of a code from a usable address, as the log says.
 bool isPictureTrusted();
 
 /// What Qt's @p errorText means for the user.
 QString inWords(const QString &errorText);
 
-/// The same for a proxy that refuses the user, or the lack of one.
+/// The words for a proxy that wants a user, or another one.
 QString proxyWantsUser();
 
 } // namespace FailureReason

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr qint64 smallBuffer = 4096; // bytes; nobody reads what the first question brings
+constexpr qint64 smallBuffer = 4096; // bytes; the body of the first request is not read
 constexpr qint64 noBound = 0;
 constexpr qint64 usualBound = -1;
 constexpr int partOfIt = 206;
@@ -30,8 +30,9 @@ bool isSuccess(int status) { return status >= 200 && status < 300; }
 
 bool isRedirect(int status) { return status >= 300 && status < 400; }
 
-// -1 when it is not announced: a transfer coding overrides a length. Behind a redirect Qt may put
-// the length that counts after that of the redirecting answer: "145, 3000".
+// The announced length in bytes; -1 when there is none, as beside a transfer coding, which
+// overrides it. After a redirect Qt may join the length of the redirecting answer with the one that
+// counts, in this order: "145, 3000".
 qint64 lengthIn(const QList<QNetworkReply::RawHeaderPair> &head)
 {
     bool isNumber = false;
@@ -45,7 +46,7 @@ qint64 lengthIn(const QList<QNetworkReply::RawHeaderPair> &head)
     return isNumber ? length : -1;
 }
 
-// Whether @p reply brings the bytes from @p first to the end of @p length.
+// Whether @p reply brings the bytes from @p first on of a resource that has @p length of them.
 bool isRestFrom(qint64 first, qint64 length, const QNetworkReply *reply)
 {
     const QString range = QStringLiteral("bytes %1-%2/").arg(first).arg(length - 1);
@@ -74,8 +75,8 @@ Fetch::Fetch(const Options &options, const Tools &tools)
 {
 }
 
-// Identity: the bytes as the server has them. What is compressed on the way has no length
-// beforehand.
+// The request asks for the bytes as the server has them: a body that is compressed on the way has
+// no announced length.
 HttpRequest Fetch::request()
 {
     HttpRequest request(HttpMethod::Get, &*m_client);
@@ -86,8 +87,8 @@ HttpRequest Fetch::request()
     return request.onError(this, &Fetch::onError);
 }
 
-// A download does not end by itself when there is nothing to download, and appends the whole to a
-// part that is complete. So the server is asked first what there is.
+// The length is asked for first, by a request whose body is not read: a download by the toolkit
+// never ends where the resource is empty, and appends the whole resource to a complete part.
 void Fetch::start()
 {
     progress()->show(QStringLiteral("asking for the file"));
@@ -98,14 +99,14 @@ void Fetch::onFound(const QList<QNetworkReply::RawHeaderPair> &head)
 {
     const QNetworkReply *reply = replyTo(m_response);
     if (reply->error() != QNetworkReply::NoError)
-        return; // onError() has told
+        return; // onError() reports it
     if (!isSuccess(statusOf(reply)) || statusOf(reply) == partOfIt)
         return refuse();
     m_length = lengthIn(head);
     if (m_length < 0 && reply->isFinished() && reply->bytesAvailable() == 0)
         m_length = 0;
     m_source = reply->url().toString(QUrl::FullyEncoded);
-    delete m_response; // that was all
+    delete m_response; // which ends the request before its body is received
     prepare();
     if (m_kept == m_length)
         complete();
@@ -113,7 +114,7 @@ void Fetch::onFound(const QList<QNetworkReply::RawHeaderPair> &head)
         download();
 }
 
-// Only the beginning of what there is can be continued, and only when its length is known.
+// Keeps a part that can be the beginning of the resource, whose length has to be known for that.
 void Fetch::prepare()
 {
     m_kept = m_resume ? QFileInfo(m_part).size() : 0;
@@ -123,8 +124,8 @@ void Fetch::prepare()
         QFile::remove(m_part);
 }
 
-// Without a length the body may come in chunks. One that is larger than the usual bound and is cut
-// off would be waited for without end.
+// Without an announced length the body may come in chunks. Qt waits without end for a chunk that is
+// larger than the buffer's bound and cut off, so there is no bound then.
 void Fetch::download()
 {
     m_response = request()
@@ -138,15 +139,15 @@ void Fetch::download()
                      .send();
 }
 
-// Comes before the part is opened: what is refused here does not touch it. The library appends
-// whatever comes to a part that is there, once the server has said that it serves ranges; that it
-// does was not promised.
+// This runs before the part is opened: an answer that is refused here leaves it alone. The toolkit
+// appends any answer to a part that is there, once the server has said that it serves ranges. A
+// server that says so may send the whole resource all the same.
 void Fetch::onBegin()
 {
     const QNetworkReply *reply = replyTo(m_response);
     const int status = statusOf(reply);
     if (isRedirect(status))
-        return; // it is followed
+        return; // the answer to the redirect follows
     const bool appends = m_kept > 0 && m_response->request().fields.supportsResume;
     if (!isSuccess(status) || (!appends && status == partOfIt))
         return refuse();
@@ -173,7 +174,7 @@ void Fetch::onProgress(qint64 received, qint64 total)
         progress()->show(m_transfer->line(received));
 }
 
-// Also comes before onError(), which has the better words for what ended the transfer.
+// The toolkit reports a failed transfer here too, before onError(), which has better words for it.
 void Fetch::onFileError()
 {
     const QNetworkReply *reply = replyTo(m_response);
@@ -181,7 +182,7 @@ void Fetch::onFileError()
         endWith(QStringLiteral("\"%1\" could not be written").arg(m_part));
 }
 
-// The reply is the library's to end: nothing else comes of it.
+// The last callback of a request that failed; the toolkit ends the reply.
 void Fetch::onError(const QByteArray &text)
 {
     const QNetworkReply *reply = replyTo(m_response);
@@ -189,7 +190,7 @@ void Fetch::onError(const QByteArray &text)
     if (status > 0 && !isSuccess(status) && !isRedirect(status))
         tell(refusalIn(reply));
     else if (reply->error() == QNetworkReply::NoError)
-        tell(QStringLiteral("the connection ended too early")); // seen by the library only
+        tell(QStringLiteral("the connection ended too early")); // Qt takes it for a success
     else
         tell(FailureReason::inWords(QString::fromLocal8Bit(text)));
 }
@@ -207,11 +208,11 @@ void Fetch::complete()
         finish({}, {{QStringLiteral("file"), m_path}, {QStringLiteral("bytes"), size}});
 }
 
-// A page about the failure may be under way; it is not to get into the part.
+// Ends the request, so that a page about the failure that may be under way stays out of the part.
 void Fetch::refuse() { endWith(refusalIn(replyTo(m_response))); }
 
-// With its client the exchange ends for good. After the response alone is deleted, an error that Qt
-// is about to report would still arrive, and Qt warns of a second one.
+// Destroying the client ends the exchange for good. If only the response were deleted, an error
+// that Qt is about to report would still arrive, and Qt would warn of a second one.
 void Fetch::endWith(const QString &problem)
 {
     m_client.reset();

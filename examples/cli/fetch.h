@@ -12,8 +12,8 @@
 
 #include <optional>
 
-/// Downloads an address into a file. It is written under another name (FILE.part) and renamed when
-/// it is complete; what there is of it stays when the download fails or is interrupted.
+/// Downloads an address into a file. The body is written into a part, FILE.part, which is renamed
+/// when it is complete and stays when the download fails or is interrupted.
 class Fetch : public Command
 {
     Q_OBJECT
@@ -40,14 +40,14 @@ private:
     void tell(const QString &problem);
 
     QString m_address; ///< As the user gave it.
-    QString m_source;  ///< Where redirects lead, once that is known.
+    QString m_source;  ///< The address to which redirects lead, once that is known.
     QString m_path;
     OutputFile m_output;
     QString m_part;
     bool m_resume;
     std::optional<HttpClient> m_client{std::in_place};
     QPointer<HttpResponse> m_response; ///< Of the request that is under way.
-    qint64 m_length = -1;              ///< Of the resource; -1 while it is not known.
+    qint64 m_length = -1;              ///< Bytes of the resource; -1: unknown.
     qint64 m_kept = 0;                 ///< Bytes that an earlier run left.
     std::optional<TransferProgress> m_transfer;
 };

@@ -27,7 +27,7 @@ QString InputFile::problem(const QString &path)
         return QStringLiteral("there is no file \"%1\"").arg(path);
     if (info.isDir())
         return QStringLiteral("\"%1\" is a folder").arg(path);
-    // Opening a pipe would wait for somebody to write to it.
+    // Opening a pipe waits until somebody writes to it.
     if (!info.isFile())
         return QStringLiteral("\"%1\" is no ordinary file").arg(path);
     if (info.size() == 0)

@@ -14,7 +14,8 @@ namespace {
 
 Interrupt *current = nullptr;
 
-// Held as long as the handler uses what it found there: the destructor waits for it.
+// The handler, which runs in another thread, holds the mutex while it uses the current object. The
+// destructor waits for it.
 std::mutex &currentMutex()
 {
     static std::mutex mutex;
@@ -27,8 +28,8 @@ void setCurrent(Interrupt *interrupt)
     current = interrupt;
 }
 
-// Runs in a thread that the system makes for it. The pointer is taken, so a second Ctrl-C finds
-// none and the system's own handler ends the program.
+// The system calls this in a thread of its own. It takes the current object away, so a second
+// Ctrl-C finds none, and the system's own handler ends the program.
 BOOL WINAPI onControl(DWORD control)
 {
     if (control != CTRL_C_EVENT && control != CTRL_BREAK_EVENT)
@@ -71,8 +72,8 @@ Interrupt::~Interrupt()
 
 namespace {
 
-// A handler may do next to nothing; it writes the signal's number into a pipe that the event loop
-// watches.
+// The pipe between the signal handler and the event loop. A handler may do next to nothing: it
+// writes the signal's number into the pipe.
 int readEnd = -1;
 int writeEnd = -1;
 
@@ -81,11 +82,11 @@ void onSignal(int number)
     const int savedErrno = errno;
     const auto byte = static_cast<unsigned char>(number);
     if (write(writeEnd, &byte, 1) != 1)
-        _exit(128 + number); // no loop will hear of it
+        _exit(128 + number); // the event loop cannot be told
     errno = savedErrno;
 }
 
-// Once only: when the signal comes again, its default action ends the program.
+// Handles the signal once. When it comes again, its default action ends the program.
 void handle(int number)
 {
     struct sigaction action = {};

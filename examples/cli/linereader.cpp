@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-// A thread: a console of Windows cannot be watched by an event loop.
+// A thread reads, because an event loop cannot watch a console of Windows.
 void LineReader::start()
 {
     const QPointer<LineReader> self(this);

@@ -12,11 +12,11 @@ class LineReader : public QObject
 public:
     using QObject::QObject;
 
-    /// To be called once. A program that ends before the answer must not wait for its threads: the
-    /// one that reads stays until there is a line.
+    /// To be called once; answered by read(). The thread that reads waits for a line even when the
+    /// program ends, so the program must not wait for that thread.
     void start();
 
 Q_SIGNALS:
-    /// The line, which is empty at the end of the input too.
+    /// @p line is without its line break; at the end of the input it is empty.
     void read(const QString &line);
 };

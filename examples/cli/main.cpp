@@ -27,7 +27,7 @@ QString downloadProblem(const OutputFile &file, bool resume)
     return problem.isEmpty() ? file.partProblem(resume) : problem;
 }
 
-// Found out before the service is asked for anything.
+// Files are checked before the service is asked for anything.
 QString fileProblem(const Options &options)
 {
     if (options.action == Options::Action::Say)
@@ -39,7 +39,7 @@ QString fileProblem(const Options &options)
     return {};
 }
 
-// Qt puts other characters in the place of what it cannot read: names of other files.
+// Qt replaces what it cannot read in an argument. The name of a file would be that of another.
 bool isText(const char *argument)
 {
     return QString::fromLocal8Bit(argument).toLocal8Bit() == argument;
@@ -53,12 +53,12 @@ int refuse(const QString &problem, ExitStatus status)
 
 int carryOut(const Options &options)
 {
-    // Released while the loop still deletes what was to be deleted later.
+    // Qt deletes what is to be deleted later once more after aboutToQuit(), and not after that.
     VoNetworkIntf *service = VoNetwork::CreateVoNetworkIntf();
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, service,
                      [service] { VoNetwork::ReleaseVoNetwork(service); });
 
-    // While verbose, the log would run into the progress line.
+    // With --verbose the log goes to the same terminal and would run into the progress line.
     Progress progress(!options.verbose);
     TokenKeeper tokens(options, service);
     const std::unique_ptr<Command> command = Command::make(options, {service, &tokens, &progress});
@@ -103,7 +103,7 @@ int main(int argc, char *argv[])
         if (const QString problem = Trust::add(options.authority); !problem.isEmpty())
             return refuse(problem, WrongUse);
     }
-    if (options.action != Options::Action::Logout) { // which asks nobody
+    if (options.action != Options::Action::Logout) { // a logout asks no server
         if (const QString problem = Proxies::use(options.proxy, options.address);
             !problem.isEmpty())
             return refuse(problem, WrongUse);
@@ -113,7 +113,7 @@ int main(int argc, char *argv[])
 
     const int status = carryOut(options);
     Console::endLog();
-    // A name lookup cannot be cancelled, and the application's destructor would wait for it.
+    // The destructor of the application waits for name lookups, which cannot be cancelled.
     if (status == Interrupted || status == Terminated)
         std::_Exit(status);
     return status;

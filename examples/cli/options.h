@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// What the user asks for.
+/// The user's wishes, as the command line has them.
 struct Options
 {
     enum class Action {
@@ -21,21 +21,21 @@ struct Options
     Q_DECLARE_FLAGS(Actions, Action)
 
     Action action = Action::Say;
-    QString text;      ///< To be said.
-    QString recording; ///< To be recognised: a file or an address.
-    QString address;   ///< To be downloaded.
-    QString output;    ///< The file that gets the audio, or what was downloaded.
-    QString voice;
+    QString text;                 ///< To be said.
+    QString recording;            ///< To be recognised: a file or an address.
+    QString address;              ///< To be downloaded.
+    QString output;               ///< The file that gets the audio, or what was downloaded.
+    QString voice;                ///< DubInfo::voiceParam.
     QString phone;                ///< Gets the sign-in code; empty: sign in by scanning a code.
     QString authority;            ///< Certificate file; empty: the system's authorities only.
-    std::optional<QString> proxy; ///< Empty: none is used; none: as the environment says.
-    qint32 sampleRate = 0;
-    std::optional<qint64> token; ///< None: the session's.
-    bool longForm = false;       ///< As a task that is asked after, not in one reply.
-    bool anonymous = false;
-    bool resume = false; ///< A download goes on where an earlier one ended.
-    bool json = false;   ///< The result is printed as JSON, not as text.
-    bool verbose = false;
+    std::optional<QString> proxy; ///< An address, or empty for none; no value: by the environment.
+    qint32 sampleRate = 0;        ///< Samples per second.
+    std::optional<qint64> token;  ///< No value: the session's.
+    bool longForm = false;        ///< As a task that is asked after, not in one reply.
+    bool anonymous = false;       ///< Without a token.
+    bool resume = false;          ///< A download goes on where an earlier one ended.
+    bool json = false;            ///< The result is printed as JSON, not as text.
+    bool verbose = false;         ///< The whole log goes to standard error.
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Options::Actions)

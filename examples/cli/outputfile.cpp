@@ -22,7 +22,7 @@ std::filesystem::path nativePath(const QString &path)
 #endif
 }
 
-// QFile does not rename over a file that exists.
+// Renames as the system does: QFile refuses when the new name is that of a file.
 bool renameOver(const QString &from, const QString &to)
 {
     std::error_code error;
@@ -30,14 +30,14 @@ bool renameOver(const QString &from, const QString &to)
     return !error;
 }
 
-// A link stays a link: what it points at is replaced.
+// The file to replace is the one that a link leads to; the link stays.
 QString resolved(const QString &path)
 {
     const QString target = QFileInfo(path).canonicalFilePath();
     return target.isEmpty() ? path : target;
 }
 
-// What is written into a file with two names changes both.
+// Whether the file also has another name, whose contents a write would change too.
 bool leadsElsewhere(const QString &path)
 {
     std::error_code error;
@@ -83,7 +83,7 @@ bool OutputFile::replaceBy(const QString &path) const { return renameOver(path, 
 bool OutputFile::take(const std::function<bool(const QString &path)> &fetch) const
 {
     const QFileInfo target(m_path);
-    // A folder of its own, so that the file is made with the permissions of any new file.
+    // In a folder of its own the file can be made anew, with the permissions of any new file.
     const QTemporaryDir folder(target.dir().filePath(QStringLiteral(".vospeak-XXXXXX")));
     const QString fetched = folder.filePath(QStringLiteral("audio"));
     return folder.isValid() && fetch(fetched) && replaceBy(fetched);

@@ -6,32 +6,30 @@
 
 class QByteArray;
 
-/// The file that the user asked for. It appears whole or not at all, and replaces an older
-/// one only then.
+/// The file that the user asked for. It appears whole or not at all; an older one stays until then.
 class OutputFile
 {
 public:
     explicit OutputFile(const QString &path);
 
-    /// Why the file could not be written, as far as can be told beforehand; empty: it could. Leaves
-    /// no trace.
+    /// Why the file cannot be written, as far as that shows without writing it; empty: it can.
     QString problem() const;
 
-    /// Writes @p bytes. Why that failed; empty: it is done.
+    /// Writes @p bytes. Returns why that failed; empty: it is done.
     QString write(const QByteArray &bytes) const;
 
-    /// Where an unfinished output can be kept: beside the file, links followed.
+    /// The path of the part, which keeps an unfinished output: beside the file, links followed.
     QString partPath() const;
 
-    /// Why no output can be kept there or, with @p resume, what is there cannot be gone on with, as
-    /// far as can be told beforehand; empty: it can.
+    /// Why the part cannot be written or, with @p resume, cannot be continued, as far as that shows
+    /// without writing it; empty: it can.
     QString partProblem(bool resume) const;
 
-    /// Takes the file @p path, in the same folder, for the output. False when that failed.
+    /// Renames the file @p path, on the same disk, to the output. False when that failed.
     bool replaceBy(const QString &path) const;
 
-    /// Calls @p fetch with the path of a file to be made in the same folder; that file becomes the
-    /// output when @p fetch returns true, and is gone otherwise. False when there is no output.
+    /// Calls @p fetch with the path of a file to be made. That file becomes the output when
+    /// @p fetch returns true, and is removed otherwise. False when there is no output.
     bool take(const std::function<bool(const QString &path)> &fetch) const;
 
 private:

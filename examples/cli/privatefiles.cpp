@@ -12,7 +12,7 @@ PrivateFiles::PrivateFiles()
 {
 }
 
-PrivateFiles::~PrivateFiles() = default; // folders of the user are the user's there
+PrivateFiles::~PrivateFiles() = default; // on Windows a user's folders are private by themselves
 
 #else
 
@@ -30,7 +30,7 @@ PrivateFiles::~PrivateFiles() { umask(static_cast<mode_t>(m_before)); }
 
 namespace {
 
-// Somebody else's folder could hold links that lead elsewhere.
+// A folder of somebody else may hold links that lead elsewhere.
 bool isOwn(const QFileInfo &folder)
 {
 #ifdef Q_OS_WIN

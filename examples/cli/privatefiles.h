@@ -2,7 +2,7 @@
 
 class QString;
 
-/// While this lives, what the process makes is for its user only, from the moment it is made.
+/// Makes the files that the process makes while this lives readable by its user only.
 class PrivateFiles
 {
 public:
@@ -12,10 +12,10 @@ public:
     PrivateFiles(const PrivateFiles &) = delete;
     PrivateFiles &operator=(const PrivateFiles &) = delete;
 
-    /// Makes the folder @p path when it is missing, and the user's own and nobody else's in any
-    /// case. Why that is impossible; empty: it is done.
+    /// Makes the folder @p path if it is missing, and lets nobody but the user into it. Returns why
+    /// that is impossible; empty: it is done.
     static QString claimFolder(const QString &path);
 
 private:
-    unsigned m_before;
+    unsigned m_before; ///< The mask of permissions that is put back.
 };

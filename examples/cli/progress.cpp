@@ -16,7 +16,7 @@ void Progress::show(const QString &text)
 {
     if (!m_enabled)
         return;
-    // Blanks and not an escape sequence: not every console knows those.
+    // Blanks clear the rest of the line. Not every console knows the escape sequence for that.
     Console::show(QLatin1Char('\r') + text.leftJustified(m_width));
     m_width = text.size();
 }

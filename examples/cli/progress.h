@@ -2,14 +2,14 @@
 
 #include <QString>
 
-/// One line on the terminal that is rewritten as work goes on, and gone in the end. Nothing is
-/// shown to anything but a terminal.
+/// One line on the terminal that is rewritten as work goes on, and gone in the end. Where standard
+/// error is no terminal, nothing is written.
 class Progress
 {
     Q_DISABLE_COPY(Progress)
 
 public:
-    /// With @p enabled false nothing is shown there either.
+    /// With @p enabled false nothing is written to a terminal either.
     explicit Progress(bool enabled);
     ~Progress();
 
@@ -18,5 +18,5 @@ public:
 
 private:
     bool m_enabled;
-    int m_width = 0; ///< Of what is on the line.
+    int m_width = 0; ///< Characters on the line.
 };

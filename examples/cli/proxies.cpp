@@ -13,8 +13,8 @@
 
 namespace {
 
-// The first that is there and not empty counts. HTTP_PROXY is none: a web server that starts
-// programs sets it to what a client of its sent.
+// The names of variables; the first that is set and not empty counts. HTTP_PROXY is not among them:
+// a web server that runs programs sets it to what one of its clients has sent.
 using Names = std::initializer_list<const char *>;
 constexpr Names httpsNames = {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
 constexpr Names httpNames = {"http_proxy", "all_proxy", "ALL_PROXY"};
@@ -36,7 +36,7 @@ Variable firstOf(Names names)
     return {};
 }
 
-// None when @p address is not one of a proxy.
+// No value when @p address is not the address of a proxy.
 std::optional<QNetworkProxy> proxyAt(const QString &address)
 {
     if (address.isEmpty())
@@ -64,8 +64,9 @@ QString refused(const QString &source)
         .arg(source);
 }
 
-// A name stands for itself and all below it, with or without a dot before it; an asterisk for all;
-// a number, which may have a mask, for addresses that are written as numbers.
+// Whether @p entry of NO_PROXY covers @p host. A name, with or without a dot before it, stands for
+// itself and all names below it; an asterisk for every host; a number, which may have a mask, for
+// hosts that are written as numbers.
 bool isException(const QString &entry, const QString &host)
 {
     if (entry == QLatin1String("*"))
@@ -77,7 +78,7 @@ bool isException(const QString &entry, const QString &host)
     return (QLatin1Char('.') + host).endsWith(suffix, Qt::CaseInsensitive);
 }
 
-/// Chooses as the variables say.
+/// The proxies that the environment variables name.
 class VariableProxies : public QNetworkProxyFactory
 {
 public:
@@ -111,13 +112,12 @@ QString useVariables(const QString &destination)
     const Variable https = firstOf(httpsNames);
     const Variable http = firstOf(httpNames);
     if (https.name.isEmpty() && http.name.isEmpty())
-        return {}; // the system's settings are Qt's own default
+        return {}; // Qt goes by the system's settings then
     const auto httpsProxy = proxyAt(https.value);
     const auto httpProxy = proxyAt(isHttp ? http.value : QString());
     if (!httpsProxy || !httpProxy)
         return refused(QStringLiteral("the value of %1").arg(httpsProxy ? http.name : https.name));
-    // Qt takes it.
-    QNetworkProxyFactory::setApplicationProxyFactory(
+    QNetworkProxyFactory::setApplicationProxyFactory( // which owns it
         std::make_unique<VariableProxies>(*httpsProxy, *httpProxy).release());
     return {};
 }

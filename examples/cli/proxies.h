@@ -7,16 +7,16 @@ class QString;
 /// The proxies on the way to servers. Qt itself never uses one for addresses of this machine.
 namespace Proxies {
 
-/// Sends every request from now on through the proxy @p address; empty: through none. Without an
-/// address the usual environment variables say which, or the system's settings when none of them is
-/// there. Why that is impossible, without repeating an address, which may hold a password; empty:
-/// it is done.
+/// Sends every request from now on through the proxy @p address; empty: through none. Without a
+/// value the usual environment variables decide, or the system's settings when none of these is
+/// set. Returns why that is impossible, without the address, which may hold a password; empty: it
+/// is done.
 ///
-/// What the environment says for http counts when @p destination, the first to be asked, begins
-/// with it; from https nothing leads there.
+/// The variables for http count only when @p destination, the first address to be asked, has that
+/// scheme: no redirect leads from https to http.
 QString use(const std::optional<QString> &address, const QString &destination);
 
-/// Whether any is on the way to servers elsewhere.
+/// Whether a proxy is on the way to servers on other machines.
 bool areUsed();
 
 } // namespace Proxies

@@ -16,7 +16,7 @@ bool isDark(const QImage &picture, const QPoint &point)
     return qAlpha(pixel) > 127 && qGray(pixel) < 128;
 }
 
-// What is left without the quiet zone: the finder patterns reach every edge.
+// The picture without its quiet zone. The finder patterns reach every edge of what is left.
 QRect darkArea(const QImage &picture)
 {
     QRect area;
@@ -29,7 +29,8 @@ QRect darkArea(const QImage &picture)
     return area;
 }
 
-// The upper edge of the first finder pattern is its first run of dark pixels.
+// The width of a module in pixels. The first run of dark pixels is the upper edge of a finder
+// pattern, whose width in modules is known.
 int moduleWidth(const QImage &picture, const QRect &area)
 {
     int run = 0;

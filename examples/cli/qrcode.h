@@ -10,13 +10,14 @@ class QImage;
 class QrCode
 {
 public:
-    /// What @p picture shows upright, dark on light and undistorted; nothing when it does not.
+    /// The code that @p picture shows upright, dark on light and undistorted; no value when it
+    /// shows none in this way.
     static std::optional<QrCode> read(const QImage &picture);
 
     /// Modules a side.
     int size() const;
 
-    /// Every module outside of the code is light.
+    /// Whether a module is dark. Those outside of the code are light.
     bool isDark(int column, int row) const;
 
 private:

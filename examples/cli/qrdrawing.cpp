@@ -8,7 +8,7 @@ namespace {
 
 constexpr int margin = 4; // modules
 
-// Of the 256 colours, whose meaning is fixed: users choose the first sixteen themselves.
+// Two of the 256 colours. The first sixteen of those are for users to choose; these two are not.
 const QLatin1String blackOnWhite("\x1b[38;5;16;48;5;231m");
 const QLatin1String asBefore("\x1b[0m");
 

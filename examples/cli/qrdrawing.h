@@ -5,9 +5,9 @@ class QrCode;
 
 namespace QrDrawing {
 
-/// @p code in block characters, two modules one above the other in each, with the light margin that
-/// scanners need. With @p coloured it is black on white whatever the terminal's colours are;
-/// without, its dark modules are in the colour of text.
+/// @p code in block characters, each of which is two modules high, with the light margin that
+/// scanners need. With @p coloured it is black on white whatever the colours of the terminal are;
+/// without, its dark modules have the colour of text.
 QString draw(const QrCode &code, bool coloured);
 
 } // namespace QrDrawing

@@ -21,19 +21,19 @@ namespace {
 
 constexpr int interval = 1000; // ms between two questions
 
-// Where the library puts the picture.
+// The folder in which the library puts the picture.
 QString folder() { return QDir(QDir::tempPath()).filePath(QStringLiteral("VoTTS")); }
 
 QString picture() { return QDir(folder()).filePath(QStringLiteral("login_qr_code.png")); }
 
-// The library does not answer when it cannot write the picture.
+// Checked beforehand, because the library does not answer when it cannot write the picture.
 QString pictureProblem()
 {
     if (QString problem = PrivateFiles::claimFolder(folder()); !problem.isEmpty())
         return problem;
     const PrivateFiles onlyOurs;
     QFile file(picture());
-    const bool isGone = !file.exists() || file.remove(); // it shows an earlier code
+    const bool isGone = !file.exists() || file.remove(); // the picture of an earlier code
     if (!isGone || !file.open(QIODevice::WriteOnly))
         return QStringLiteral("\"%1\" cannot be written: %2").arg(picture(), file.errorString());
     return {};
@@ -70,7 +70,7 @@ void QrSignIn::signIn()
         service()->GetLoginQrCode();
 }
 
-// May be called twice when the picture could not be fetched: with nothing, then with the record.
+// Called twice when the picture could not be fetched: with null, then with the record.
 void QrSignIn::onCode(LoginQrCode *code)
 {
     m_code.reset(code);
@@ -80,7 +80,8 @@ void QrSignIn::onCode(LoginQrCode *code)
         giveUp(refusedByService());
         return;
     }
-    // The library takes it from anywhere; whoever can put another code there gets the session.
+    // The library fetches the picture from any address. Whoever can replace it by another code on
+    // the way would have the user confirm that one.
     if (!FailureReason::isPictureTrusted()) {
         giveUp(QStringLiteral("the service sent no usable address of the code's picture"));
         return;
@@ -96,7 +97,7 @@ void QrSignIn::onCode(LoginQrCode *code)
     waitForUser();
 }
 
-// The last question is asked when the code has expired.
+// Asks at intervals, and once more when the code has expired.
 void QrSignIn::waitForUser()
 {
     m_expiry.start(millisecondsTo(m_code->expire_time) + interval);
@@ -110,7 +111,7 @@ void QrSignIn::ask()
     service()->GetLoginQrCodeStatus(m_code->business_code);
 }
 
-// A user who has not confirmed and a question that failed look the same.
+// The service object gives null for a user who has not confirmed and for a request that failed.
 void QrSignIn::onStatus(UserInfo *user)
 {
     const std::unique_ptr<UserInfo> owned(user);

@@ -15,7 +15,7 @@ Recognition::Recognition(const Options &options, const Tools &tools)
 
 Recognition::~Recognition() = default;
 
-// The user may write the scheme in capitals; the service may compare it letter by letter.
+// The scheme is put into small letters: a service may compare it letter by letter.
 void Recognition::start()
 {
     if (InputFile::isAddress(m_recording))

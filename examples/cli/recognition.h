@@ -3,8 +3,8 @@
 #include "command.h"
 #include "uploader.h"
 
-/// What short and long recognition have in common: the recording gets an address first, and the
-/// text is the result in the end.
+/// The common part of short and long recognition: the recording is uploaded, unless the user gives
+/// its address, and the recognised text is printed.
 class Recognition : public Command
 {
     Q_OBJECT
@@ -20,9 +20,10 @@ protected:
     /// Asks the service to recognise the recording at @p address.
     virtual void recognize(const QString &address) = 0;
 
+    /// Prints the recognised text as the result.
     void finishWith(const QString &text);
 
 private:
-    QString m_recording;
+    QString m_recording; ///< A file or an address.
     Uploader m_uploader;
 };

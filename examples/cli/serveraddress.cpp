@@ -3,7 +3,7 @@
 #include <QString>
 #include <QUrl>
 
-// Read as the library and the toolkit read it.
+// The address is parsed in the same mode as in the library and the toolkit.
 bool ServerAddress::isUsable(const QString &address)
 {
     const QUrl url(address, QUrl::TolerantMode);

@@ -14,7 +14,7 @@ const QLatin1String refreshTokenKey("refreshToken");
 const QLatin1String tokenExpiresKey("tokenExpires");
 const QLatin1String sessionExpiresKey("sessionExpires");
 
-// As a text: not every number of 64 bits is one that JSON brings back as it was.
+// Numbers are kept as texts, because JSON does not keep every number of 64 bits exactly.
 QJsonValue exactly(qint64 number) { return QString::number(number); }
 
 qint64 numberIn(const QJsonValue &text) { return text.toString().toLongLong(); }
@@ -49,7 +49,7 @@ QJsonObject Session::toJson() const
             {sessionExpiresKey, refreshExpiry.toUTC().toString(Qt::ISODate)}};
 }
 
-// Tokens that the service leaves out are 0.
+// A token that the service has left out is 0.
 bool Session::isValid() const
 {
     return token > 0 && refreshToken > 0 && tokenExpiry.isValid() && refreshExpiry.isValid();

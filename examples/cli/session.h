@@ -6,24 +6,24 @@
 class QJsonObject;
 struct UserInfo;
 
-/// What signing in gave.
+/// What a user gets by signing in, as it is kept from one run to the next.
 struct Session
 {
-    /// What @p user, who has just signed in, brought.
+    /// The session of @p user, who has just signed in.
     static Session from(const UserInfo &user);
 
-    /// What toJson() made. Not valid when it was something else.
+    /// The session that toJson() made @p object of; not valid when @p object is something else.
     static Session from(const QJsonObject &object);
 
     QJsonObject toJson() const;
 
-    /// Whether there is all that is needed to ask for something and to renew the token.
+    /// Whether it has both tokens and their times.
     bool isValid() const;
 
     qint64 userId = 0;
     QString nickname;
-    qint64 token = 0;
-    qint64 refreshToken = 0;
-    QDateTime tokenExpiry;
-    QDateTime refreshExpiry;
+    qint64 token = 0;        ///< Access token; 0: none.
+    qint64 refreshToken = 0; ///< 0: none.
+    QDateTime tokenExpiry;   ///< When the access token ends.
+    QDateTime refreshExpiry; ///< When the refresh token ends.
 };

@@ -25,7 +25,7 @@ QString SessionFile::problem()
 {
     if (QFileInfo(path()).isDir())
         return QStringLiteral("\"%1\" is a folder").arg(path());
-    // A link that the user made leads to where the files really are.
+    // The user may have made a link of the folder.
     const QString target = QFileInfo(folder()).canonicalFilePath();
     return PrivateFiles::claimFolder(target.isEmpty() ? folder() : target);
 }
@@ -33,7 +33,7 @@ QString SessionFile::problem()
 Session SessionFile::load()
 {
     QFile file(path());
-    // Opening a pipe would wait for somebody to write to it.
+    // Opening a pipe waits until somebody writes to it.
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
         return {};
     return Session::from(QJsonDocument::fromJson(file.read(longest)).object());

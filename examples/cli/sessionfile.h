@@ -3,22 +3,22 @@
 class QString;
 struct Session;
 
-/// The file that keeps the session from one run to the next, for the user only.
+/// The file that keeps the session from one run to the next, readable by the user only.
 namespace SessionFile {
 
-/// Why a session could not be kept, as far as can be told beforehand; empty: it could. Makes the
-/// folder.
+/// Makes the folder, and returns why a session cannot be kept, as far as that shows without the
+/// file; empty: it can.
 QString problem();
 
 /// The session; not valid when the file holds none.
 Session load();
 
-/// Replaces the file, whole or not at all. Why that failed; empty: it is done.
+/// Replaces the file, whole or not at all. Returns why that failed; empty: it is done.
 QString save(const Session &session);
 
 bool exists();
 
-/// False when there is a file still.
+/// False when the file could not be removed.
 bool remove();
 
 } // namespace SessionFile

@@ -16,7 +16,7 @@ QString text(const Session &session)
 
 QString inUtc(const QDateTime &time) { return time.toUTC().toString(Qt::ISODate); }
 
-// Without the tokens: what is printed may be seen by others.
+// The printed document has no tokens: others may see it.
 QJsonObject document(const UserInfo &user)
 {
     return {{QStringLiteral("userId"), user.user_id},
@@ -28,7 +28,7 @@ QJsonObject document(const UserInfo &user)
 
 } // namespace
 
-// Whether the session can be kept is found out before the user is troubled.
+// Checks that the session can be kept before the user is asked for anything.
 void SignIn::start()
 {
     if (const QString problem = SessionFile::problem(); !problem.isEmpty())

@@ -4,7 +4,7 @@
 
 struct UserInfo;
 
-/// What the ways to sign in have in common: a session comes of it, which is kept.
+/// The common part of the ways to sign in: they bring a session, which is kept.
 class SignIn : public Command
 {
     Q_OBJECT
@@ -16,8 +16,9 @@ public:
 protected:
     using Command::Command;
 
+    /// Begins to sign in; answered by finishWith() or failed().
     virtual void signIn() = 0;
 
-    /// The service knows the user now.
+    /// Keeps the session of @p user, who has signed in, and ends the command.
     void finishWith(const UserInfo &user);
 };

@@ -2,7 +2,7 @@
 
 #include "command.h"
 
-/// Forgets the session. The service is not told: its tokens run out by themselves.
+/// Removes the session. The service is not told; the tokens expire by themselves.
 class SignOut : public Command
 {
     Q_OBJECT

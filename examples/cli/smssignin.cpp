@@ -16,7 +16,7 @@ SmsSignIn::SmsSignIn(const Options &options, const Tools &tools)
 
 void SmsSignIn::signIn() { service()->SendSmsVerifyCode(m_phone); }
 
-// The service object does not say whether a code was sent.
+// The user is asked for the code in any case: the service object does not say whether one was sent.
 void SmsSignIn::askForCode()
 {
     if (const QString problem = FailureReason::orElse({}); !problem.isEmpty()) {

@@ -20,22 +20,23 @@ TTSParams paramsFrom(const Options &options)
     params.format = QStringLiteral("wav");
     params.sample_rate = options.sampleRate;
     params.voice = options.voice;
-    params.volume = 50; // of 100; the rates are deviations from the voice's own
+    params.volume = 50; // of 100; the rates stay at 0, which is the voice's own
     params.pageFeature = QStringLiteral("vospeak");
     return params;
 }
 
-// Empty unless every character is right: Qt's decoder skips what it cannot read.
+// Empty when @p base64 has any other character: Qt's decoder would skip it.
 QByteArray decoded(const QByteArray &base64)
 {
     const QByteArray bytes = QByteArray::fromBase64(base64);
     return bytes.toBase64() == base64 ? bytes : QByteArray();
 }
 
-// More than any file system hands out at a time: what ended a write keeps this out as well.
+// File systems give out room in blocks. Where there is none for a write of more than the largest
+// block, the disk may have been full before.
 constexpr int largestBlock = 65536; // bytes
 
-// Whether more could be written behind what the file @p path has.
+// Whether the disk takes more behind the contents of the file @p path, which are left as they are.
 bool hasRoomBehind(const QString &path)
 {
     QFile file(path);
@@ -94,8 +95,8 @@ void ShortSpeech::onAudio(TTS_STATUS status, const QString &audioBase64)
         finishWithFile();
 }
 
-// From the event loop and not from inside the service's signal: fetching waits in a nested loop,
-// and the reply that the status came with should be over by then.
+// The audio is fetched from the event loop and not from inside the service's signal: fetching waits
+// in a nested loop, and the reply that brought the status has to end before that.
 LongSpeech::LongSpeech(const Options &options, const Tools &tools)
     : Speech(options, tools)
     , m_task(tools)
@@ -126,8 +127,8 @@ void LongSpeech::fetch(const QString &address)
             "the audio could not be fetched or written (run with --verbose to see why)")));
 }
 
-// The service object does not notice when a disk fills up while it writes; one that is all but full
-// counts as full.
+// The service object does not notice a disk that is full after a part of the file. The file is
+// refused when it is shorter than it says, and when the disk is all but full afterwards.
 bool LongSpeech::fetchInto(const QString &address, const QString &path)
 {
     return service()->DownloadLongTTSRet(address, path) && !WavFile::isCutShort(path)

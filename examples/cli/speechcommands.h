@@ -5,7 +5,7 @@
 #include "outputfile.h"
 #include "task.h"
 
-/// What short and long speech have in common: the audio goes into a file.
+/// The common part of short and long speech: the settings, and the file that gets the audio.
 class Speech : public Command
 {
     Q_OBJECT
@@ -17,10 +17,10 @@ public:
 protected:
     Speech(const Options &options, const Tools &tools);
 
-    TTSParams *params();
+    TTSParams *params(); ///< Owned.
     const OutputFile &output() const;
 
-    /// The file is written.
+    /// Prints the name of the file, which is written, as the result.
     void finishWithFile();
 
 private:

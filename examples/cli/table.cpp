@@ -7,7 +7,7 @@
 
 namespace {
 
-// The characters that take two columns of a terminal: those of East Asia and pictures.
+// The characters that take two columns of a terminal: East Asian ones and pictures.
 constexpr struct
 {
     uint first;

@@ -11,7 +11,7 @@ public:
 
     void add(const QStringList &cells);
 
-    /// One line a row, the heads first. Two blanks are between columns, none after the last.
+    /// One line a row, the heads first, with two blanks between columns and none at the end.
     QString text() const;
 
 private:

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int firstInterval = 200; // ms
-constexpr int longestInterval = 5000;
+constexpr int firstInterval = 200;    // ms
+constexpr int longestInterval = 5000; // ms
 
 static_assert(int(STT_SUCCESS) == int(LONG_TTS_SUCCESS)
               && int(STT_PROCESSING) == int(LONG_TTS_PROCESSING));

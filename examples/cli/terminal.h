@@ -4,7 +4,7 @@
 
 namespace Terminal {
 
-/// Whether @p stream is shown to, or typed by, somebody and is no file or pipe.
+/// Whether @p stream is a terminal, and no file or pipe.
 bool is(std::FILE *stream);
 
 } // namespace Terminal

@@ -11,7 +11,7 @@
 
 namespace {
 
-// A token that expires sooner is renewed first: a request takes its time.
+// A token that has less than this left is renewed first, since a request takes its time.
 constexpr qint64 margin = 60; // seconds
 
 const QLatin1String waysIn("vospeak login --qr, or vospeak login --sms NUMBER");
@@ -65,7 +65,7 @@ void TokenKeeper::give(const Use &use)
     }
 }
 
-// The new token is used however soon it expires: there is none that is better.
+// A new token is used however soon it expires: there is no better one.
 void TokenKeeper::onRenewed(qlonglong token, const QDateTime &expiry)
 {
     if (token <= 0 || !expiry.isValid()) {
@@ -79,8 +79,8 @@ void TokenKeeper::onRenewed(qlonglong token, const QDateTime &expiry)
     std::exchange(m_use, {})(token);
 }
 
-// Unless the user has signed out or in again meanwhile. A file that cannot be written is no
-// failure: it has what the next run needs to renew the token once more.
+// Keeps the session, unless the user has signed out or in again meanwhile. That the file cannot be
+// written is no failure: the old session in it lets the next run renew the token.
 void TokenKeeper::keep() const
 {
     if (SessionFile::load().refreshToken != m_session.refreshToken)

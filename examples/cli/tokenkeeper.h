@@ -9,8 +9,8 @@
 class VoNetworkIntf;
 struct Options;
 
-/// Gives every request a token that is good: the one that the user names, or the session's, which
-/// it renews in time and keeps.
+/// Gives requests a valid token: the one that the user names, or that of the session, which it
+/// renews before it expires, and keeps.
 class TokenKeeper : public QObject
 {
     Q_OBJECT
@@ -19,18 +19,18 @@ class TokenKeeper : public QObject
 public:
     using Use = std::function<void(qint64 token)>;
 
-    /// Why no request can have a token; empty: one can, or none needs it.
+    /// Why no request can have a token; empty: one can, or the command needs none.
     static QString problem(const Options &options);
 
     TokenKeeper(const Options &options, VoNetworkIntf *service);
     ~TokenKeeper() override;
 
-    /// Calls @p use with a token, at once or when it has been renewed, or emits refused(). One at a
-    /// time.
+    /// Calls @p use with a token, at once or after renewing it, or emits refused(). Must not be
+    /// called again before that.
     void give(const Use &use);
 
 Q_SIGNALS:
-    /// The line is for the user.
+    /// @p problem is a line for the user.
     void refused(const QString &problem);
 
 private:
@@ -39,7 +39,7 @@ private:
 
     VoNetworkIntf *m_service;
     bool m_usesSession;
-    qint64 m_given = 0; ///< The token that the user named.
+    qint64 m_given = 0; ///< The token that the user names.
     Session m_session;
     Use m_use;
 };

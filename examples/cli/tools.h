@@ -4,7 +4,7 @@ class Progress;
 class TokenKeeper;
 class VoNetworkIntf;
 
-/// What a command works with. All of it outlives the command.
+/// What a command works with. The objects are owned by main() and outlive the command.
 struct Tools
 {
     VoNetworkIntf *service;

@@ -3,14 +3,14 @@
 #include <QElapsedTimer>
 #include <QString>
 
-/// The line about a transfer: how much is there, how fast it goes, how long it will take.
+/// The line about a transfer: how much has come, how fast it goes, how long it will take.
 class TransferProgress
 {
 public:
-    /// The transfer begins now, with @p kept bytes there of @p length (-1: not known).
+    /// For a transfer that begins now; @p kept bytes are there of @p length (-1: unknown).
     TransferProgress(qint64 kept, qint64 length);
 
-    /// The line after @p received more bytes.
+    /// The line once @p received more bytes have come.
     QString line(qint64 received) const;
 
 private:

@@ -14,7 +14,8 @@ QString Trust::add(const QString &path)
     if (authorities.isEmpty())
         return QStringLiteral("there is no certificate in \"%1\"").arg(path);
 
-    // A list that is set stops Qt from loading the system's authorities on demand: they are added.
+    // Qt loads the system's authorities on demand, but not beside a list that is set. The list has
+    // to have them.
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     configuration.setCaCertificates(QSslConfiguration::systemCaCertificates() + authorities);
     QSslConfiguration::setDefaultConfiguration(configuration);

@@ -16,7 +16,7 @@
 
 namespace {
 
-// The storage gives no address: it is made of what the credentials say.
+// The address is made of the credentials: the storage itself gives none.
 QString newAddress(const OSS_SIGN_INFO &credentials)
 {
     const QString name = QUuid::createUuid().toString(QUuid::WithoutBraces);

@@ -10,7 +10,7 @@ class Progress;
 class VoNetworkIntf;
 struct OSS_SIGN_INFO;
 
-/// Puts a recording into the service's object storage, where the service can read it.
+/// Uploads a recording to the service's object storage, where the service can read it.
 class Uploader : public QObject
 {
     Q_OBJECT
@@ -19,14 +19,14 @@ class Uploader : public QObject
 public:
     Uploader(VoNetworkIntf *service, Progress *progress, QObject *parent = nullptr);
 
-    /// Answered by uploaded() or failed().
+    /// Uploads the file @p path; answered by uploaded() or failed(). One file at a time.
     void upload(const QString &path);
 
 Q_SIGNALS:
-    /// The recording has the address @p address now.
+    /// @p address is where the service finds the recording.
     void uploaded(const QString &address);
 
-    /// The line is for the user.
+    /// @p problem is a line for the user.
     void failed(const QString &problem);
 
 private:

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int headSize = 8;                // "RIFF" and the number of bytes that follow
-constexpr quint32 openLength = 0xffffffff; // of a stream
+constexpr quint32 openLength = 0xffffffff; // whoever streams a file does not know its length
 
 } // namespace
 

@@ -3,9 +3,8 @@
 #include <QByteArray>
 #include <QSaveFile>
 
-// A few bytes wait in a buffer until the file is flushed. In Qt 5.15 commit() does so too, but
-// takes no notice of the outcome, and puts an empty file in place of the old one when the disk is
-// full.
+// The file is flushed before commit(), because commit() of Qt 5.15 does not notice when that fails:
+// on a full disk it would put an empty file in place of the old one.
 QString WholeFile::write(const QString &path, const QByteArray &bytes,
                          std::optional<QFileDevice::Permissions> permissions)
 {
