@@ -1,8 +1,8 @@
-// What a request costs over the bare network access manager. The program only performs requests;
-// scripts/benchmark.sh runs it under an instruction counter and works out the difference.
+// Sends requests in several ways. scripts/benchmark.sh counts the instructions of each way and
+// works out what a request costs over the bare network access manager.
 //
-//   request-cost serve               answer on a free port of loopback, printed first
-//   request-cost bare PORT COUNT     COUNT requests through the access manager alone
+//   request-cost serve               answers on a free port of loopback, which it prints first
+//   request-cost bare PORT COUNT     sends COUNT requests through the access manager alone
 //   request-cost toolkit PORT COUNT  the same through HttpRequest, body and error bound to slots
 //   request-cost strings PORT COUNT  the access manager with string connections, every body form
 #include "http/httpclient.h"
@@ -30,7 +30,7 @@ void serve(QTcpServer *server)
         QTcpSocket *socket = server->nextPendingConnection();
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         QObject::connect(socket, &QIODevice::readyRead, socket, [socket, reply] {
-            // Requests without a body, one at a time: each ends with an empty line.
+            // The requests come one at a time and have no body: each ends with an empty line.
             if (socket->readAll().endsWith("\r\n\r\n"))
                 socket->write(reply);
         });
@@ -44,14 +44,14 @@ void serve(QTcpServer *server)
 } // namespace
 
 /// Sends one request after the other and quits after the last.
-class Performer : public QObject
+class Sender : public QObject
 {
     Q_OBJECT
 
 public:
     enum class Way { Bare, Toolkit, Strings };
 
-    Performer(Way way, const QString &address, int count)
+    Sender(Way way, const QString &address, int count)
         : m_way(way)
         , m_address(address)
         , m_left(count)
@@ -156,15 +156,15 @@ int main(int argc, char **argv)
         serve(&server);
         return QCoreApplication::exec();
     }
-    const QHash<QString, Performer::Way> ways{{QStringLiteral("bare"), Performer::Way::Bare},
-                                              {QStringLiteral("toolkit"), Performer::Way::Toolkit},
-                                              {QStringLiteral("strings"), Performer::Way::Strings}};
+    const QHash<QString, Sender::Way> ways{{QStringLiteral("bare"), Sender::Way::Bare},
+                                           {QStringLiteral("toolkit"), Sender::Way::Toolkit},
+                                           {QStringLiteral("strings"), Sender::Way::Strings}};
     if (arguments.size() != 4 || !ways.contains(arguments.at(1)))
         qFatal("usage: request-cost serve | (bare|toolkit|strings) PORT COUNT");
-    Performer performer(ways.value(arguments.at(1)),
-                        QStringLiteral("http://127.0.0.1:%1/").arg(arguments.at(2)),
-                        arguments.at(3).toInt());
-    performer.next();
+    Sender sender(ways.value(arguments.at(1)),
+                  QStringLiteral("http://127.0.0.1:%1/").arg(arguments.at(2)),
+                  arguments.at(3).toInt());
+    sender.next();
     return QCoreApplication::exec();
 }
 

@@ -8,9 +8,9 @@ function(vonetwork_compile_settings target)
         CXX_STANDARD 17
         CXX_STANDARD_REQUIRED ON
         CXX_EXTENSIONS OFF
-        UNITY_BUILD OFF) # sources have helpers of the same name, each in an unnamed namespace
+        UNITY_BUILD OFF) # unnamed namespaces of several sources have helpers of the same name
     if(MSVC)
-        # Sources are UTF-8; without /utf-8 the compiler reads them in the machine's code page.
+        # Sources are UTF-8, which this compiler takes for the machine's code page otherwise.
         target_compile_options(${target} PRIVATE /W4 /utf-8)
     else()
         target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
@@ -21,7 +21,7 @@ function(vonetwork_compile_settings target)
     vonetwork_harden(${target})
 endfunction()
 
-# The same for a target that uses Qt: no keywords, no silent conversions between bytes and text.
+# The settings of a target that uses Qt: no keywords, no silent conversions between bytes and text.
 function(vonetwork_qt_settings target)
     vonetwork_compile_settings(${target})
     set_target_properties(${target} PROPERTIES AUTOMOC ON)

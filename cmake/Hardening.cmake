@@ -7,7 +7,7 @@ if(VONETWORK_HARDENING)
     check_pie_supported(LANGUAGES CXX)
 endif()
 
-# For gcc and clang; the checked functions of the C library need an optimising build.
+# Hardens a target built by gcc or clang. The checked C functions need an optimising build.
 function(vonetwork_harden target)
     if(NOT VONETWORK_HARDENING OR NOT UNIX)
         return()

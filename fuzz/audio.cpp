@@ -1,4 +1,4 @@
-// Recordings that are sent to the local service.
+// Fuzzes how the local service reads recordings. The input is a recording.
 
 #include "localservice/speech/audio.h"
 #include "input.h"

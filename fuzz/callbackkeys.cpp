@@ -1,5 +1,5 @@
-// Keys and targets of callbacks. The first byte is the kind, the second the target; the rest is the
-// key.
+// Fuzzes how the toolkit attaches callbacks. The first byte of the input is the kind, the second
+// the target; the rest is the key.
 
 #include "callbackreceiver.h"
 #include "http/httpcallbackbinder.h"
@@ -109,7 +109,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     qInstallMessageHandler(countWarnings);
     warnings = 0;
     Input input(data, size);
-    const int kind = int(input.byte() % 32) - 1; // 21 of them are kinds
+    const int kind = int(input.byte() % 32) - 1; // -1 to 30; kinds are 0 to 20
     CallbackReceiver receiver;
     const unsigned choice = input.byte();
     const QString key = QString::fromStdString(input.rest());

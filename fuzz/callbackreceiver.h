@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVariantMap>
 
-/// Members of many forms for callback keys to name; counts the calls of its slots.
+/// A receiver whose members have many forms, for callback keys to name. It counts the calls.
 class CallbackReceiver : public QObject
 {
     Q_OBJECT

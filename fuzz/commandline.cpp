@@ -1,4 +1,4 @@
-// Command lines of vospeak: a line for each argument.
+// Fuzzes how vospeak reads its command line. Each line of the input is an argument.
 
 #include "examples/cli/commandline.h"
 #include "input.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Also within letters that stand together.
+// Whether the option @p letter is given, by itself or among letters that stand together.
 bool isGiven(QChar letter, const QStringList &arguments)
 {
     return std::any_of(arguments.cbegin(), arguments.cend(), [letter](const QString &argument) {

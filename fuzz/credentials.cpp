@@ -1,6 +1,6 @@
-// What gives access to objects and sign-ins of the local service. The lines are: a path, a security
-// token, a phone number, a code. @ stands for a directory that the token allows, # for the token,
-// $ for the code that was sent.
+// Fuzzes what gives access to the objects and sign-ins of the local service. The lines of the input
+// are a path, a security token, a phone number and a code. In them @ stands for a directory that
+// the token allows, # for the token, $ for the code that was sent.
 
 #include "localservice/storage/credentials.h"
 #include "input.h"
@@ -49,7 +49,7 @@ std::string contents(const OpenObject &object)
     return std::string(std::istreambuf_iterator<char>(*object.stream), {});
 }
 
-/// Whether @p call returns; refused as forbidden is the only other thing that it may be.
+/// Whether @p call returns. If it does not, it must be refused as forbidden.
 template <typename Call>
 bool isAllowed(Call call)
 {

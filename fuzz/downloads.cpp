@@ -1,5 +1,5 @@
-// What a download makes of its address and of the headers that announce it. The first line is the
-// address, each further one a header.
+// Fuzzes how a download reads its address and the headers that announce it. The first line of the
+// input is the address, each further line a header.
 
 #include "fakereply.h"
 #include "http/httpclient.h"
@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr int kept = 10; // bytes of the file "a.bin", which is there before
+constexpr int kept = 10; // bytes of the file "a.bin", which is there before the download
 
-// Names from a server are looked for where no other files are.
+// Works in a folder of its own, so that a name from a server meets no other file than "a.bin".
 bool prepare(const QtHost &host)
 {
     host.folder().write("a.bin", std::string(kept, 'x'));
@@ -30,7 +30,7 @@ bool isWeb(const QUrl &address)
     return address.scheme() == QLatin1String("http") || address.scheme() == QLatin1String("https");
 }
 
-/// The request as it is sent after an announcement by @p reply.
+/// The request as it is sent once @p reply, of the probe, has announced the resource.
 HttpRequestFields announced(const QUrl &address, FakeReply *reply)
 {
     static HttpClient client;

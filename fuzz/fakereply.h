@@ -8,7 +8,8 @@
 class FakeReply : public QNetworkReply
 {
 public:
-    /// Each line up to an empty one, "name: value", joined with what is there as Qt does it.
+    /// Takes its headers from lines "name: value" up to an empty one. A header that comes again is
+    /// joined with the first as Qt does it.
     void readHeaders(Input *input)
     {
         while (!input->isAtEnd()) {

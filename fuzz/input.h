@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-/// What each fuzzer defines: one execution with these bytes.
+/// Executes a fuzzer once with these bytes. Each fuzzer defines it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 /// The bytes of one execution, taken piece by piece.
@@ -24,7 +24,7 @@ public:
         return m_position < m_bytes.size() ? static_cast<unsigned char>(m_bytes[m_position++]) : 0;
     }
 
-    /// What is left up to the next line feed, which is taken too.
+    /// The rest of the line; its line feed is taken too.
     std::string line()
     {
         const std::size_t end = std::min(m_bytes.size(), m_bytes.find('\n', m_position));
@@ -33,7 +33,7 @@ public:
         return text;
     }
 
-    /// All that is left.
+    /// The bytes that are left.
     std::string rest()
     {
         const std::size_t begin = m_position;
@@ -48,7 +48,7 @@ private:
     std::size_t m_position = 0;
 };
 
-/// Ends the program unless @p holds, as a finding is reported; @p what names the broken promise.
+/// Ends the program with a finding unless @p holds; @p what names the broken promise.
 inline void require(bool holds, const char *what)
 {
     if (holds)

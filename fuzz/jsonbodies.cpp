@@ -1,4 +1,4 @@
-// JSON in the bodies of requests to the local service.
+// Fuzzes how the local service reads JSON bodies. The input is a body.
 
 #include "input.h"
 #include "localservice/base/jsonbody.h"
@@ -27,20 +27,20 @@ int depthOf(const json &value)
     return value.is_structured() ? deepest + 1 : 0;
 }
 
-/// Deeper documents are not even read here: a reader needs a stack for them.
+/// Whether a document may be so deep that reading it here would need too much of the stack.
 bool mayBeDeep(const std::string &bytes)
 {
     return std::count_if(bytes.begin(), bytes.end(), [](char c) { return c == '[' || c == '{'; })
            > mostBrackets;
 }
 
-/// Whether it is one that the service takes, found out in another way.
+/// Whether the service should take @p document, found out without the service's own code.
 bool isUsable(const json &document)
 {
     return document.is_object() && depthOf(document) <= deepestNesting;
 }
 
-/// Whether @p read returned; the only way that it may not is a refusal.
+/// Whether @p read returns. If it does not, it must be refused.
 template <typename Read>
 bool succeeds(Read read)
 {

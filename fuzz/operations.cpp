@@ -1,7 +1,7 @@
-// Requests for operations of the local service, and who may make them. The first line is the
-// method, the path without its prefix and the value of the query; the second the Authorization
-// header, in which # stands for a valid access token; the rest is the body. Everything is there
-// but for the engines, which are stopping.
+// Fuzzes the operations of the local service. The first line of the input is the method, the path
+// without its prefix and the value of the query; the second is the Authorization header, in which #
+// stands for a valid access token; the rest is the body. The engines are told to stop, so that no
+// execution waits for them.
 
 #include "localservice/server/operations.h"
 #include "input.h"
@@ -42,15 +42,15 @@ class Service
 public:
     Service()
     {
-        (void)!std::freopen("/dev/null", "w", stdout); // codes go there
+        (void)!std::freopen("/dev/null", "w", stdout); // the service prints sign-in codes
     }
 
-    /// The token that stands for #, and that is accepted.
+    /// The valid access token for which # stands.
     std::string token() const { return m_token; }
 
     Operations operations{m_speech, m_signIn, m_catalogue, m_upgrade};
 
-    /// Forgets what limits how often something may be asked.
+    /// Forgets the codes that were sent, which limit how soon another one may be.
     void forget()
     {
         m_database.transaction(
@@ -106,7 +106,7 @@ bool needsToken(const std::string &method, const std::string &path)
     return method == "POST" && (path == "asr/process" || path == "asr/getProcessResult");
 }
 
-// What nobody can do who knows no secret of the service.
+// Checks that nothing succeeds for which a secret of the service is needed.
 void checkSecrets(const std::string &path, const Outcome &outcome)
 {
     if (outcome.code != Code::Ok)

@@ -7,7 +7,7 @@
 
 namespace {
 
-// An access manager that is given nothing but a proxy that does not suit ends every request.
+// Gives every request a proxy that cannot serve it, upon which an access manager fails the request.
 class NoWayOut : public QNetworkProxyFactory
 {
 public:
@@ -21,7 +21,7 @@ public:
 
 } // namespace
 
-// In place of the C library's: this machine itself is asked without a proxy.
+// Replaces the connect() of the C library: requests to this machine itself go without a proxy.
 extern "C" int connect(int, const sockaddr *, socklen_t)
 {
     errno = ECONNREFUSED;
@@ -32,7 +32,7 @@ QtHost::QtHost()
     : m_application(m_argumentCount, m_arguments)
 {
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    QNetworkProxyFactory::setApplicationProxyFactory(new NoWayOut); // takes it
+    QNetworkProxyFactory::setApplicationProxyFactory(new NoWayOut); // which owns it
     const QString home = QString::fromStdString(m_folder.path().string());
     for (const char *name : {"HOME", "TMPDIR", "XDG_CONFIG_HOME"})
         qputenv(name, home.toLocal8Bit());

@@ -4,17 +4,18 @@
 
 #include <QCoreApplication>
 
-/// What a part that uses Qt needs around it: an application, a log that nobody reads, a home of
-/// its own, and no network: every request fails at once. One, for as long as the program runs.
+/// The surroundings of code that uses Qt: an application object, a log that is dropped, a home
+/// folder of its own, and no network, so that every request fails at once. One lives as long as the
+/// program.
 class QtHost
 {
 public:
     QtHost();
 
-    /// Where the home and the temporary files are.
+    /// The folder that is the home and the place of temporary files.
     const TemporaryFolder &folder() const { return m_folder; }
 
-    /// Delivers what was posted, and deletes what was to be deleted later.
+    /// Delivers the events that are posted, and destroys the objects that are to be deleted later.
     static void settle();
 
 private:

@@ -1,4 +1,4 @@
-// The main function of a fuzzer where there is no libFuzzer: executes each file of a folder once.
+// The main function of a fuzzer without libFuzzer. It executes each file of a folder once.
 
 #include "input.h"
 
@@ -14,7 +14,7 @@ int main(int argc, char *argv[])
     int count = 0;
     for (const auto &entry : std::filesystem::directory_iterator(folder, error)) {
         std::cerr << entry.path().filename().string()
-                  << std::endl; // the last is the one that ended it
+                  << std::endl; // flushed: the last name is that of the file that ended the program
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string bytes(std::istreambuf_iterator<char>(file), {});
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());

@@ -1,5 +1,5 @@
-// Replies of the service: the envelope, the records, and what the host is told of them. The first
-// byte names the slot, a capital letter the one for failures; the rest is the body.
+// Fuzzes how the library reads replies, and what it tells the host of them. The first byte of the
+// input names the operation, with a capital letter its slot for failures; the rest is the body.
 
 #include "input.h"
 #include "network/vonetwork.h"
@@ -23,7 +23,7 @@ struct Operation
 {
     const char *name = nullptr;                   ///< Of its slots, without "slot" and "Suc".
     const char *signal = nullptr;                 ///< That answers it; null: it returns a result.
-    QString (*result)(VoNetworkIntf *) = nullptr; ///< Calls it.
+    QString (*result)(VoNetworkIntf *) = nullptr; ///< Calls a synchronous operation.
 };
 
 template <typename Record>
@@ -55,15 +55,15 @@ const std::array<Operation, 15> operations{{
     {"RefreshToken", "signalRefreshTokenEnd"},
 }};
 
-/// A service object that is never given back: making one starts a process, and it still has the
-/// last record about a newer version.
+/// A service object that is never released: it keeps the last UpdateInfo, and making another would
+/// start a process each time.
 VoNetworkIntf *makeService()
 {
     QDir::temp().mkpath(QStringLiteral("VoTTS"));
     return VoNetwork::CreateVoNetworkIntf();
 }
 
-/// Every signal that @p body brings, or the result.
+/// The signals that are emitted for @p body, or the result of a synchronous operation.
 QStringList outcomeOf(const Operation &operation, const char *ending, const QByteArray &body)
 {
     static VoNetworkIntf *const service = makeService();
@@ -101,15 +101,15 @@ int membersIn(const QByteArray &json)
     return members;
 }
 
-// Qt 5.15.8 leaks an object or array whose key comes again. Of a reply that cannot be read no
-// record is made.
+// Whether Qt may leak when it reads @p body: Qt 5.15.8 leaks an object or array whose key comes
+// again. A document that does not parse may have such a key too.
 bool mayLeak(const QByteArray &body)
 {
     const QJsonDocument document = QJsonDocument::fromJson(body);
     return document.isNull() || membersIn(document.toJson()) != membersIn(body);
 }
 
-// Files of this machine are none of the fuzzer's business, and some have no end.
+// Whether @p body has the address of a file of this machine: some files have no end.
 bool namesFile(const QByteArray &body)
 {
     const QString text = QJsonDocument::fromJson(body)[QLatin1String("data")]
@@ -122,7 +122,7 @@ bool namesFile(const QByteArray &body)
 
 void checkCount(const Operation &operation, const QStringList &outcome, bool succeeded)
 {
-    // A code whose picture cannot be had is announced by null and the record.
+    // A code whose picture cannot be fetched is answered by null and then the record.
     const bool mayBeTwo =
         succeeded && qstrcmp(operation.name, "GetLoginQrCode") == 0 && outcome.size() == 2;
     require(outcome.size() == 1 || mayBeTwo, "there is exactly one answer");

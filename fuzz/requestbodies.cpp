@@ -1,4 +1,4 @@
-// Whole requests, as the local service reads their bodies.
+// Fuzzes how the local service reads the bodies of requests. The input is what a client sends.
 
 #include "input.h"
 #include "localservice/base/refusal.h"
@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t largest = 1000; // bytes
 
-/// The bytes of one connection; what is answered is dropped.
+/// The bytes of one connection. The answer is dropped.
 class Connection : public httplib::Stream
 {
 public:
@@ -40,7 +40,7 @@ private:
     std::size_t m_position = 0;
 };
 
-/// The library's server without a socket.
+/// The HTTP library's server, without a socket.
 class Reader : public httplib::Server
 {
 public:

@@ -1,4 +1,4 @@
-// Command lines of the local service: a line for each argument.
+// Fuzzes how the local service reads its command line. Each line of the input is an argument.
 
 #include "input.h"
 #include "localservice/options.h"

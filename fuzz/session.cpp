@@ -1,4 +1,4 @@
-// The file in which vospeak keeps its session.
+// Fuzzes how vospeak reads the file of its session. The input is the file.
 
 #include "examples/cli/session.h"
 #include "examples/cli/sessionfile.h"
@@ -40,7 +40,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const Session session = SessionFile::load();
     if (!session.isValid())
         return 0;
-    const Session kept = Session::from(session.toJson()); // without what is less than a second
+    const Session kept = Session::from(session.toJson()); // its times are in whole seconds
     require(kept.isValid() && isSame(Session::from(kept.toJson()), kept),
             "a session is read as it was written");
     require(SessionFile::save(session).isEmpty() && isSame(SessionFile::load(), kept),

@@ -1,4 +1,4 @@
-// Texts that the local service is asked to speak.
+// Fuzzes how the local service prepares texts to speak. The input is a text.
 
 #include "input.h"
 #include "localservice/speech/speechtext.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <string>
 
-/// A folder of a fuzzer's own, which goes with its contents.
+/// A folder of a fuzzer's own. It is removed with its contents.
 class TemporaryFolder
 {
 public:

@@ -1,4 +1,4 @@
-// Files that may be recordings, as vospeak looks at them before it sends them.
+// Fuzzes how vospeak checks a WAV file for completeness. The input is the file.
 
 #include "examples/cli/wavfile.h"
 #include "input.h"

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Prints what a GET of 200 bytes costs, in instructions of all threads per request: through the
-# bare network access manager, through the toolkit, and with string connections on the manager.
-# Instructions are counted by valgrind, so the figures do not depend on what else the machine does.
+# Prints what a GET of 200 bytes costs, in instructions per request of all threads: through the bare
+# network access manager, through the toolkit, and with string connections on the manager. Valgrind
+# counts the instructions, so the figures do not depend on what else the machine does.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh build valgrind

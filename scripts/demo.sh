@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# Shows the whole way on this machine: builds vospeak and the local service, signs in, lists what
-# there is, speaks a sentence, recognises it again, at once and as tasks, and compares. Keeps the
-# audio in demo-output/. For a fresh Debian 12, as root or with sudo.
+# Shows VoNetwork at work on this machine: builds vospeak and the local service, signs in, lists
+# voices, music and updates, speaks a sentence and recognises it again, in one reply and as a task,
+# and compares. Keeps the audio in demo-output/. For a fresh Debian 12, as root or with sudo.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "$(dirname "$0")/.."
 . scripts/service-port.sh
 
 sentence="Go forward ten meters."
-phone=+447700900123 # from a range that is nobody's
+phone=+447700900123 # of a range that is kept for examples
 build=build/gcc
 vospeak=$build/examples/cli/vospeak
 localservice=$build/localservice/vo-localservice
 output=demo-output
 work=$(mktemp -d)
-export XDG_CONFIG_HOME=$work/config # a session of the user's own stays as it is
+export XDG_CONFIG_HOME=$work/config # the user's own session is left alone
 service_pid=
 
 finish() {
@@ -36,7 +36,7 @@ fail() {
     exit 1
 }
 
-# Does one thing and says how long it took; what it printed is shown when it fails.
+# Runs a command and says how long it took. Its output is shown only when it fails.
 step() { # TEXT COMMAND...
     local text=$1 begin=${EPOCHREALTIME//./} took
     shift
@@ -50,7 +50,7 @@ step() { # TEXT COMMAND...
     printf '%5d.%02d s\n' $((took / 100)) $((took % 100))
 }
 
-# Shows what the last step printed for its reader.
+# Shows the output of the last step.
 show_last() { sed 's/^/      /' "$work/out"; }
 
 configure() { cmake --preset gcc; }
@@ -60,7 +60,7 @@ build() { cmake --build --preset gcc --target vospeak vo-localservice; }
 # Returns when the service says that it listens.
 start_service() {
     local line
-    # Its descriptors are copied: bash closes its own as soon as the service ends.
+    # The service's descriptors are copied, because bash closes them as soon as the service ends.
     coproc "$localservice" --port "$port" --data "$work/data" 2>"$work/service.log"
     service_pid=$!
     exec {service_out}<&"${COPROC[0]}"
@@ -71,7 +71,7 @@ start_service() {
     authority=${line##*, authority }
 }
 
-# What the service would send to the phone is in a line that it prints.
+# The service prints a line with the code that it would send to the phone.
 code_from_service() {
     local line
     while read -r -t 60 line <&"$service_out"; do
@@ -100,7 +100,7 @@ hear() { # FILE [OPTION]
     "$vospeak" recognize "$1" --ca "$authority" "${@:2}" >"$work/text"
 }
 
-# Case and punctuation cannot be heard.
+# Compares without case and punctuation, which cannot be heard.
 words() { tr '[:upper:]' '[:lower:]' | tr -cs "a-z'\n" ' ' | sed 's/^ *//; s/ *$//'; }
 
 compare() { # FILE

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the fuzzers with clang and lets each look for findings. What they learn is kept in
-# build/fuzz/corpus and used the next time.
+# Builds the fuzzers with clang and runs each. The inputs that they find useful are kept in
+# build/fuzz/corpus for the next time.
 # Usage: scripts/fuzz.sh [SECONDS [NAME ...]]   for each fuzzer, 60 by default; all by default
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -14,7 +14,7 @@ echo "== ${#names[@]} fuzzers, $seconds seconds each: $(((${#names[@]} * seconds
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
 
-# In memory where there is such a place: some write a file in each execution.
+# Temporary files are in memory where the system allows it: some fuzzers write one per execution.
 temporary=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp}")")
 trap 'rm -rf "$temporary"' EXIT
 

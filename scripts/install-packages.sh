@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Installs, on Debian 12, what is missing of the packages that are named. As root or with sudo.
+# Installs, on Debian 12, those of the named packages that are missing. As root or with sudo.
 # Usage: scripts/install-packages.sh [build | test | check | fuzz | PACKAGE ...]
-#   build (the default)  what building and running everything needs
-#   test                 the same, the programs that the tests start, and what saves building twice
-#   check                what building needs and the tools that check the sources
-#   fuzz                 what building needs and clang with its run-time libraries
+#   build (the default)  for building and running everything
+#   test                 build, the programs that the tests start, and ccache
+#   check                build, and the tools that check the sources
+#   fuzz                 build, and clang with its run-time libraries
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
@@ -76,7 +76,7 @@ for package in "${missing[@]}"; do
 done
 echo "install-packages: installing ${missing[*]}"
 if ! install; then
-    # The lists may name versions that the archive has replaced since.
+    # The lists may be older than the archive and name versions that are gone.
     [ -z "${updated:-}" ] || fail "cannot install ${missing[*]}"
     update
     install || fail "cannot install ${missing[*]}"

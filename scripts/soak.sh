@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Keeps the toolkit and the local service busy for longer than a test may, and prints what that did to
-# their memory and speed: many requests through one client, with aborts and deletions from inside
-# callbacks, and 200 clients of the local service. Takes about two minutes after the build.
+# Keeps the toolkit and the local service busy for longer than a test may, and prints their memory and
+# speed: many requests through one client, with aborts and deletions from inside callbacks, and 200
+# clients of the local service. Takes about two minutes after the build.
 # Usage: scripts/soak.sh [REQUESTS [SECONDS]]   50000 requests, 60 seconds of clients by default
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -6,8 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/service-port.sh
 
-# The tests answer at the built-in address themselves, and at the port after it; in networks of their
-# own, if they may have some.
+# The tests listen at the port of the built-in address and at the next. Where each has a network of
+# its own, these are free; elsewhere this fails and names a port that is taken.
 need_free_ports() { # BUILD
     local address port
     ! tests/own-network.sh true 2>/dev/null || return 0
@@ -29,5 +29,5 @@ for preset in "${@:-gcc}"; do
     cmake --preset "$preset" >/dev/null
     need_free_ports "build/$preset"
     cmake --build --preset "$preset"
-    ctest --preset "$preset" -j "$(($(nproc) + 2))" # many of them mostly wait
+    ctest --preset "$preset" -j "$(($(nproc) + 2))" # many tests mostly wait
 done

@@ -1,4 +1,4 @@
-# Reads FILE as the loader and a debugger see it, and fails unless it has what hardening gives.
+# Fails unless readelf finds in FILE everything that hardening gives.
 function(expect what pattern)
     if(NOT output MATCHES "${pattern}")
         message(SEND_ERROR "${FILE} has no ${what}")

@@ -1,4 +1,4 @@
-# The source that a page shows is the one that is compiled.
+# Fails unless PAGE shows the file SOURCE, which is compiled, to the letter.
 file(READ ${PAGE} page)
 file(READ ${SOURCE} source)
 string(FIND "${page}" "${source}" place)

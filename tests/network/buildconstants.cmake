@@ -1,5 +1,5 @@
-# Tries what a product build may set for the library's constants. Every row that is not answered as
-# it should be is reported.
+# Tries values that a product build may set for the library's constants, and reports every row that
+# is not taken or refused as it says.
 
 function(configure_with variable value)
     execute_process(
@@ -59,7 +59,7 @@ refuses(VONETWORK_AVATAR_STORAGE_HOST
     "files example com"
     "")
 
-# A project around this one sets plain variables.
+# The variables are plain ones here, as a project around this one sets them.
 function(obeys_plain_variables)
     set(VONETWORK_SERVICE_BASE_ADDRESS https://api.example.com)
     set(VONETWORK_AVATAR_STORAGE_HOST files.example.com)
@@ -72,7 +72,7 @@ function(obeys_plain_variables)
 endfunction()
 obeys_plain_variables()
 
-# The constant is the command that was set, whatever characters that is made of.
+# The constant has to be the command, whatever characters that is made of.
 function(spells_command command)
     set(VONETWORK_DEVICE_ID_COMMAND "${command}")
     include(${ROOT}/cmake/BuildConstants.cmake)

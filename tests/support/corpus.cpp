@@ -4,7 +4,7 @@
 
 namespace {
 
-// "0D0A": two bytes; "20*100": a hundred of them.
+// The bytes that a code of the file stands for: "0D0A" for two, "20*100" for a hundred.
 QByteArray spelled(const QByteArray &code)
 {
     const QList<QByteArray> parts = code.split('*');

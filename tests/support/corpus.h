@@ -3,14 +3,14 @@
 #include <QByteArray>
 #include <QList>
 
-/// One piece of input that is kept in a file, with what is known of it.
+/// One input for tests that is kept in a file.
 struct CorpusCase
 {
-    QByteArray kind; ///< Empty where the file says none.
+    QByteArray kind; ///< What the input is expected to be; empty where the file has no kinds.
     QByteArray name;
     QByteArray bytes;
 };
 
-/// The cases of the file @p name in tests/corpora, which says itself what its columns are.
-/// Ends the program when the file is not as it should be.
+/// The cases of the file @p name in tests/corpora, whose head says what its columns are. Ends the
+/// program when a line of the file is malformed.
 QList<CorpusCase> readCorpus(const QByteArray &name);

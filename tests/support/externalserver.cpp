@@ -33,7 +33,7 @@ ExternalServer::ExternalServer(const QString &program)
 
 ExternalServer::~ExternalServer()
 {
-    m_process.terminate(); // so that it ends its own children
+    m_process.terminate(); // the server ends its own children then
     if (!m_process.waitForFinished(patienceMs))
         kill();
 }
@@ -51,7 +51,7 @@ bool ExternalServer::start(const QStringList &arguments, quint16 port)
     QElapsedTimer clock;
     clock.start();
     if (m_process.waitForStarted()) {
-        // Each turn waits for news of the process before it tries again.
+        // Each turn waits a little, or until the process has ended, and tries to connect.
         while (clock.elapsed() < patienceMs && !m_process.waitForFinished(20)) {
             if (takesConnections(port))
                 return true;

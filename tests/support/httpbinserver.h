@@ -2,7 +2,7 @@
 
 #include "tests/support/externalserver.h"
 
-/// httpbin in a process of its own: it tells what it was asked, in JSON.
+/// httpbin in a process of its own: a server that answers with the request it got, in JSON.
 class HttpbinServer
 {
 public:

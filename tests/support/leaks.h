@@ -14,8 +14,8 @@
 #include <sanitizer/lsan_interface.h>
 #endif
 
-/// What this thread allocates while such an object lives is not reported as leaked. For records
-/// that by contract nobody can delete.
+/// Keeps the leak checker from reporting what this thread allocates while the object lives. For
+/// records that by contract nobody can delete.
 class LeaksAllowed
 {
     Q_DISABLE_COPY(LeaksAllowed)
@@ -25,7 +25,7 @@ public:
     LeaksAllowed() { __lsan_disable(); }
     ~LeaksAllowed() { __lsan_enable(); }
 #else
-    // Not trivial, so that an object of which nothing else is used is no unused variable.
+    // The constructor is not trivial, so that compilers do not call such an object unused.
     LeaksAllowed() {}  // NOLINT(modernize-use-equals-default)
     ~LeaksAllowed() {} // NOLINT(modernize-use-equals-default)
 #endif

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QtGlobal>
 
-/// Collects what goes through Qt's message logger while it lives. One at a time.
+/// Collects the lines that go through Qt's message logger while it lives. One object at a time.
 class LogCapture
 {
     Q_DISABLE_COPY(LogCapture)
@@ -20,7 +20,7 @@ public:
     LogCapture();
     ~LogCapture();
 
-    /// Everything since construction or the last clear().
+    /// The lines since construction or the last clear(), in order.
     QList<Line> lines() const;
 
     /// The texts of one type, in order.

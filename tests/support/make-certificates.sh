@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Makes, in the folder given: authority.pem, and a NAME.pem and NAME.key for each of
+# Makes the certificates for tests: authority.pem, and NAME.pem and NAME.key for each of these names.
+# Usage: make-certificates.sh FOLDER
 #   localhost   for localhost and 127.0.0.1, signed by the authority
-#   elsewhere   signed by it for another name
-#   commonname  signed by it for localhost, without alternative names
-#   expired     as localhost, but over since yesterday
+#   elsewhere   signed by the authority, for another name
+#   commonname  signed by the authority, for localhost, without alternative names
+#   expired     as localhost, but expired since yesterday
 #   foreign     as localhost, but signed by an authority that is not kept
 #   stranger    as localhost, but signed by itself
 set -euo pipefail
@@ -36,4 +37,4 @@ openssl req -x509 "${new_key[@]}" -keyout stranger.key -out stranger.pem -days 3
     -subj "/CN=localhost" -addext "$here" 2>/dev/null
 
 rm authority.key other.key other.new
-mv authority.new authority.pem # last: the build takes it as the sign that all is there
+mv authority.new authority.pem # last: the build takes this file as the sign that all are there

@@ -44,7 +44,7 @@ bool NginxServer::start()
 {
     const QString name = m_folder.path(QStringLiteral("nginx.conf"));
     TestFolder::write(name, configuration());
-    const QString log = m_folder.path(QStringLiteral("early.log")); // before it knows its own
+    const QString log = m_folder.path(QStringLiteral("early.log")); // until its settings are read
     return m_process.start({QStringLiteral("-p"), m_folder.path(), QStringLiteral("-e"), log,
                             QStringLiteral("-c"), name},
                            m_port);

@@ -6,7 +6,7 @@
 /// nginx in a process of its own, in the clear and over TLS as Identity::Localhost. It serves the
 /// files of a folder:
 ///  - /NAME           with ranges
-///  - /noranges/NAME  without
+///  - /noranges/NAME  without ranges
 ///  - /gzip/NAME      compressed
 ///  - /moved/NAME     a redirect to /NAME
 class NginxServer
@@ -14,12 +14,12 @@ class NginxServer
 public:
     NginxServer();
 
-    /// False when it does not start; errorText() says why. It may be started again after kill().
+    /// False when it cannot be started; errorText() says why. May be called again after kill().
     bool start();
     void kill() { m_process.kill(); }
     QString errorText() const { return m_process.errorText(); }
 
-    /// Where the file that it serves as @p name is.
+    /// The path of the file that it serves as @p name.
     QString file(const QString &name) const { return m_folder.path(QStringLiteral("www/") + name); }
 
     QString address(const QString &path) const;

@@ -24,7 +24,7 @@ int completeLength(const QByteArray &bytes)
     return bytes.size() >= length ? length : -1;
 }
 
-/// How many bytes wait for the socket of this process that is at @p port of its own.
+/// How many bytes the socket of this process whose own port is @p port has not read yet.
 int unreadAt(quint16 port)
 {
     const QStringList descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList();
@@ -71,7 +71,7 @@ void ScriptedServer::greet(const QByteArray &bytes, Then then) { m_greeting = {b
 
 void ScriptedServer::speakOldTls()
 {
-    // What OpenSSL itself does not do any more unless it is told to.
+    // OpenSSL speaks old versions only when its level of security is lowered.
     m_configuration.setProtocol(QSsl::TlsV1_0OrLater);
     m_configuration.setBackendConfigurationOption("CipherString", QByteArray("DEFAULT@SECLEVEL=0"));
     m_configuration.setBackendConfigurationOption("MaxProtocol", QByteArray("TLSv1.1"));
@@ -169,7 +169,7 @@ void ScriptedServer::end(QTcpSocket *socket, Then then)
     } else if (then == Then::Reset) {
         while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten())
             ;
-        // A socket that lingers for no time at all sends a reset when it is closed.
+        // A socket whose linger time is 0 sends a reset when it is closed.
         const linger none{1, 0};
         ::setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
         socket->abort();

@@ -25,7 +25,7 @@ public:
     /// What follows the bytes of an answer.
     enum class Then {
         Close,         ///< The connection ends in order.
-        CloseOnceRead, ///< The same when the client, of this process, has read all that came.
+        CloseOnceRead, ///< The same once the client, of this process, has read all that came.
         KeepOpen,      ///< The connection waits for the next request.
         Reset,         ///< The connection is cut off, once the bytes are out.
     };
@@ -51,17 +51,17 @@ public:
     /// Adds an answer to the script.
     void answer(const QByteArray &bytes, Then then = Then::Close);
 
-    /// Gives every connection these bytes as soon as it is made, in the clear, and reads nothing of
-    /// what it sends.
+    /// Sends these bytes to every connection as soon as it is made, in the clear, and reads nothing
+    /// from it.
     void greet(const QByteArray &bytes, Then then);
 
-    /// Speaks TLS 1.1 and what is older, which clients of today refuse.
+    /// Speaks TLS 1.1 and older only, which clients of today refuse.
     void speakOldTls();
 
-    /// Sends more to whoever asked last; nothing when that connection is gone.
+    /// Sends more bytes to the client that asked last, if its connection is still there.
     void push(const QByteArray &bytes);
 
-    /// Ends the connection of whoever asked last.
+    /// Ends the connection of the client that asked last.
     void hangUp(Then then = Then::Close);
 
     /// Forgets the script and the requests.

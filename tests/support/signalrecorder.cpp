@@ -26,7 +26,7 @@ SignalRecorder::SignalRecorder(QObject *object, const QStringList &signatures, Q
             QMetaObject::normalizedSignature(signature.toLatin1().constData()).constData());
         if (index < 0)
             qFatal("no signal %s", qPrintable(signature));
-        // Delivered to qt_metacall() below, counted from the end of QObject's own methods.
+        // The signals arrive in qt_metacall() below, as methods behind those of QObject.
         QMetaObject::connect(object, index, this,
                              QObject::staticMetaObject.methodCount() + m_signals.size(),
                              Qt::DirectConnection);

@@ -4,16 +4,15 @@
 #include <QStringList>
 #include <QVector>
 
-/// Writes down the order and the values of chosen signals of one object, each as
-/// "name(argument, argument)". Only what is chosen is connected, so an object that looks at its
-/// receivers behaves as it would for a host that is connected to just these.
+/// Records chosen signals of one object in their order, each as "name(argument, argument)". It
+/// connects to no other signals, because some objects behave by which signals have receivers.
 class SignalRecorder : public QObject
 {
 public:
     /// @p signatures as the meta-object has them, for example "finished(QByteArray)".
     SignalRecorder(QObject *object, const QStringList &signatures, QObject *parent = nullptr);
 
-    /// What was emitted so far.
+    /// The signals that were emitted so far.
     QStringList calls() const;
 
     int qt_metacall(QMetaObject::Call call, int id, void **arguments) override;

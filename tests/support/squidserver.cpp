@@ -4,7 +4,7 @@
 
 namespace {
 
-// Nothing is kept, and nothing is written outside of the folder.
+// The settings: no copies are kept, and nothing is written outside of the server's folder.
 const char pattern[] = R"(http_port 127.0.0.1:%1
 visible_hostname localhost
 hosts_file %4
@@ -26,7 +26,7 @@ logformat short %>Hs %rm %ru %un
 access_log stdio:%3 logformat=short asked
 )";
 
-// What "openssl passwd -apr1" makes of SquidServer::password().
+// The user, and the password as "openssl passwd -apr1" prints it.
 const char passwords[] = "reader:$apr1$voproxy1$FYQCMrmiFp6vCbTtpbmyH.\n";
 
 void write(const QString &fileName, const QByteArray &bytes)
@@ -40,7 +40,7 @@ void write(const QString &fileName, const QByteArray &bytes)
 
 bool SquidServer::start()
 {
-    // Started by root it goes on as another user, who must get into the folder.
+    // A squid that root starts goes on as another user, who has to get into the folder.
     QFile::setPermissions(m_folder.path(), QFile::permissions(m_folder.path())
                                                | QFileDevice::ReadOther | QFileDevice::ExeOther);
     const QString configuration = m_folder.path(QStringLiteral("squid.conf"));
@@ -53,7 +53,7 @@ bool SquidServer::start()
     write(
         configuration,
         QString::fromLatin1(pattern).arg(QString::number(m_port), users, log, hosts).toLocal8Bit());
-    // The name keeps its shared memory apart from that of others.
+    // Its name keeps its shared memory apart from that of other squids.
     return m_process.start({QStringLiteral("-N"), QStringLiteral("-d"), QStringLiteral("1"),
                             QStringLiteral("-n"), QStringLiteral("test%1").arg(m_port),
                             QStringLiteral("-f"), configuration},

@@ -5,9 +5,9 @@
 
 #include <QNetworkProxy>
 
-/// squid in a process of its own: a proxy for HTTP and, by CONNECT, for HTTPS that serves none but
-/// user() with password(), and keeps no copies. To it elsewhere.example is this machine: Qt sends
-/// nothing that is for localhost through an application's proxy.
+/// squid in a process of its own: a proxy for HTTP and, by CONNECT, for HTTPS that serves only
+/// user() with password(), and keeps no copies. It takes elsewhere.example for this machine,
+/// because Qt uses no proxy for localhost.
 class SquidServer
 {
 public:
@@ -18,14 +18,14 @@ public:
     static QString user() { return QStringLiteral("reader"); }
     static QString password() { return QStringLiteral("secret"); }
 
-    /// As an address without credentials.
+    /// Its address, without credentials.
     QString address() const;
 
-    /// As what Qt sends its requests through, with the credentials given, if any.
+    /// The proxy as Qt takes it, with the credentials if any are given.
     QNetworkProxy proxy(const QString &user = QString(), const QString &password = QString()) const;
 
-    /// The requests that it has answered, and tunnels that have ended, in order:
-    /// "STATUS METHOD ADDRESS USER", the user "-" where nobody was named.
+    /// The requests that it has answered and the tunnels that have ended, in order, each as
+    /// "STATUS METHOD ADDRESS USER"; the user is "-" where none was named.
     QStringList log() const;
 
 private:

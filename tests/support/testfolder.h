@@ -4,7 +4,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// A folder of a test's own, removed with its contents.
+/// A folder of a test's own. It is removed with its contents.
 class TestFolder
 {
     Q_DISABLE_COPY(TestFolder)
@@ -12,13 +12,13 @@ class TestFolder
 public:
     TestFolder();
 
-    /// Where @p name is in the folder.
+    /// The path of @p name in the folder.
     QString path(const QString &name = QString()) const;
 
-    /// Writes a file, which replaces one that is there.
+    /// Writes the file @p fileName, a full path; one that is there is replaced.
     static void write(const QString &fileName, const QByteArray &bytes);
 
-    /// The whole of a file; "<unreadable>" when there is none.
+    /// The contents of the file @p fileName, a full path; "<unreadable>" when it cannot be read.
     static QByteArray contents(const QString &fileName);
 
 private:

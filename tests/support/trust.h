@@ -19,7 +19,7 @@ enum class Identity {
 QSslCertificate certificateOf(Identity identity);
 QSslKey keyOf(Identity identity);
 
-/// The same as files, for servers in other processes.
+/// The certificate and the key as files, for servers in other processes.
 QString certificateFile(Identity identity);
 QString keyFile(Identity identity);
 
