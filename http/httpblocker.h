@@ -6,8 +6,8 @@ class HttpResponse;
 class QNetworkReply;
 
 /// The nested event loop in which a blocking request waits. A reply has one as its child while
-/// somebody waits for it. The wait itself has no limit: the reply ends it, by its time-out if by
-/// nothing else.
+/// somebody waits for it. The wait has no limit of its own: a reply without a time-out may never
+/// end it.
 class HttpBlocker : public QEventLoop
 {
     Q_OBJECT

@@ -56,6 +56,7 @@ struct FormOf<Result (Class::*)(Parameters...) const noexcept>
 {
 };
 
+/// The form of @p Callable, references and const apart.
 template <typename Callable>
 using FormOfT = typename FormOf<std::decay_t<Callable>>::Type;
 
@@ -99,6 +100,7 @@ struct Entry
     QVariant target;
 };
 
+/// The entry of a std::function; its key is the registered name of its type.
 template <typename Function>
 Entry functionEntry(const Function &function)
 {
@@ -106,6 +108,7 @@ Entry functionEntry(const Function &function)
     return {QString::fromLatin1(target.typeName()), target};
 }
 
+/// The entry of a slot text; the receiver is not owned.
 inline Entry slotEntry(const QObject *receiver, const QString &slot)
 {
     return {slot, QVariant::fromValue(const_cast<QObject *>(receiver))};
@@ -128,12 +131,14 @@ std::function<void(Parameters...)> guarded(Receiver *receiver, Method method,
     };
 }
 
+/// The entry of a callable that fits.
 template <typename Callable>
 Entry entry(Callable &&callable)
 {
     return functionEntry(std::function<FormOfT<Callable>>(std::forward<Callable>(callable)));
 }
 
+/// The entry of a receiver with a slot text or with a member that fits.
 template <typename Receiver, typename Target>
 Entry entry(Receiver *receiver, Target &&target)
 {

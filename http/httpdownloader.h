@@ -30,6 +30,7 @@ public:
     /// the response was deleted.
     static HttpResponse *start(const HttpRequest &request);
 
+    /// Ends the probe if it is under way.
     ~HttpDownloader() override;
 
 private Q_SLOTS:

@@ -70,8 +70,8 @@ struct HttpRequestFields
 class HttpRequest
 {
 public:
-    /// A request without address, headers and body. @p client is not owned; it has to live for as
-    /// long as what it sends.
+    /// A request without address, headers and body. @p client sends it and is not owned; without a
+    /// client nothing is sent.
     HttpRequest(HttpMethod method, HttpClient *client);
     HttpRequest(const HttpRequest &) = default;
     HttpRequest(HttpRequest &&) = default;

@@ -180,6 +180,8 @@ class VONETWORK_EXPORT VoNetworkIntf : public QObject
     Q_DISABLE_COPY(VoNetworkIntf)
 
 public:
+    /// Registers the records and enumerations with the meta-type system, so that string-based and
+    /// queued connections carry them.
     VoNetworkIntf();
     ~VoNetworkIntf() override;
 

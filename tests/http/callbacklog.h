@@ -4,8 +4,8 @@
 
 #include <QStringList>
 
-/// Writes down, over all attempts of a request, which callbacks run and with what values. Binds
-/// no form that would take the reply over. Must outlive the exchange.
+/// Records which callbacks run, and with what values, over all attempts of a request. Binds no form
+/// that would take the reply over. Must outlive the exchange.
 class CallbackLog
 {
     Q_DISABLE_COPY(CallbackLog)
@@ -23,7 +23,7 @@ public:
     /// Binds the time-out without its reply.
     HttpRequest &bindTimeout(HttpRequest &request);
 
-    /// Appends a line, so that what the test does itself has its place in the order.
+    /// Appends a line of the test's own, to see its place in the order.
     void add(const QString &line) { m_lines.append(line); }
 
     QStringList lines() const { return m_lines; }

@@ -5,8 +5,8 @@
 #include <QNetworkReply>
 #include <QPointer>
 
-/// A reply whose every event the test makes: for what no server on loopback can bring about, and
-/// for exact orders.
+/// A reply whose every event is made by the test. For events that no server on loopback can bring
+/// about, and for exact orders.
 class ControlledReply : public QNetworkReply
 {
     Q_OBJECT
@@ -15,21 +15,21 @@ public:
     ControlledReply(QNetworkAccessManager::Operation operation, const QNetworkRequest &request,
                     QObject *parent);
 
-    /// More of the body is there.
+    /// Receives more of the body.
     void receive(const QByteArray &bytes);
 
-    /// What is known of an answer before its body changes.
+    /// Receives the head of an answer.
     void begin(int status, const QList<RawHeaderPair> &headers);
 
     void setHeader(const QByteArray &name, const QByteArray &value);
 
-    /// The exchange ends without an error.
+    /// Ends without an error.
     void succeed();
 
-    /// The exchange ends with an error; @p text is what errorString() gives.
+    /// Ends with an error; @p text is what errorString() gives.
     void fail(NetworkError code, const QString &text);
 
-    /// Only sets what error() and errorString() give.
+    /// Sets what error() and errorString() give, and nothing else.
     void setErrorOnly(NetworkError code, const QString &text) { setError(code, text); }
 
     void abort() override;

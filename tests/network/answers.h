@@ -6,13 +6,13 @@
 #include <QObject>
 #include <QStringList>
 
-/// A host that is connected to every signal of a service object. It writes each of them down as
+/// A host that is connected to every signal of a service object. It records each of them as
 /// "signalShortSTT(0, "text")": statuses as numbers, texts in quotation marks, a record by its
 /// fields in their order, the temporary folder's path as "<temporary>", a local time as "now"
-/// when it lies between the making of this object and the signal.
+/// when it lies between the construction of this object and the signal.
 ///
-/// Records are the receiver's to delete, which this host does once they are written down. Only
-/// those of codes to sign in with go with this object: the service object may emit one again.
+/// It deletes the records that it receives once they are recorded, except those of sign-in codes,
+/// which the service object may emit again: these go with this object.
 class Answers : public QObject
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
     explicit Answers(VoNetworkIntf *service);
     ~Answers() override;
 
-    /// What was emitted so far, in order.
+    /// The signals that were emitted so far, in order.
     QStringList calls() const;
 
     /// Runs the event loop until @p count signals were emitted in all; false when they were not.

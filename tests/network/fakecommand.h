@@ -10,11 +10,11 @@ class FakeCommand
     Q_DISABLE_COPY(FakeCommand)
 
 public:
-    /// @p script: what a shell makes of the command.
+    /// A shell runs @p script as the command.
     FakeCommand(const QString &name, const QByteArray &script);
     ~FakeCommand();
 
-    /// The folder that the command is in.
+    /// The folder of the command.
     QString folder() const;
 
 private:

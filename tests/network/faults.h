@@ -14,16 +14,16 @@ struct Fault
 {
     const char *name;
 
-    /// Whether the request gets to somebody who claims to be the service.
+    /// Whether the request arrives at a server.
     bool asked;
 
-    /// What Qt says of it; NoError: it hands a body over.
+    /// The error that Qt reports; NoError: it hands a body over.
     QNetworkReply::NetworkError error;
 
-    /// A server that would answer with @p body and is about to be started; null: nobody listens.
+    /// Makes the server, which would answer with @p body and is not started yet; null: no server.
     std::function<std::unique_ptr<ScriptedServer>(const QByteArray &body)> server;
 
-    /// The body that is handed over in place of @p body, where there is no error.
+    /// The body that Qt hands over in place of @p body, where there is no error.
     std::function<QByteArray(const QByteArray &body)> received = nullptr;
 };
 

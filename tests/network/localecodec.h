@@ -2,7 +2,7 @@
 
 #include <QTextCodec>
 
-/// Makes @p name the code page of the machine while it lives.
+/// Makes a codec the one of the locale while it lives.
 class LocaleCodec
 {
     Q_DISABLE_COPY(LocaleCodec)

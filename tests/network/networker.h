@@ -2,7 +2,7 @@
 
 #include "network/vonetworker.h"
 
-/// Reaches what is protected.
+/// A networker whose protected operations a test can call.
 class Networker : public VoNetworker
 {
 public:

@@ -8,8 +8,8 @@
 
 #include <functional>
 
-/// One operation with sample arguments, and everything that must follow from it. What is said of
-/// its signals is said of the written result when it is a synchronous one.
+/// One operation with sample arguments, and everything that must follow from it. For a synchronous
+/// operation, its recorded result stands where others have their signals.
 struct Operation
 {
     QString name;
@@ -57,8 +57,8 @@ Operation getUpdateInfo();
 /// Every synchronous operation that asks the service, once, in the interface's order.
 QList<Operation> synchronous();
 
-/// Calls GetUpdateInfo(). The record is the library's, which leaves the last one behind: that is
-/// deleted after @p service is gone.
+/// Calls GetUpdateInfo(). The library never deletes the last record: this does so after @p service
+/// is gone.
 UpdateInfo *updateInfo(VoNetworkIntf *service);
 
 /// The bytes of a GET of the service without any header of the library's own.
@@ -67,11 +67,11 @@ QByteArray bareGet(const QByteArray &path);
 /// The bytes of a GET of the service with the common headers.
 QByteArray get(const QByteArray &path, const QByteArray &deviceId = QByteArray());
 
-/// The bytes of a POST to the service. @p authorization: the header's value, none when empty.
+/// The bytes of a POST to the service. @p authorization is the header's value; empty: no header.
 QByteArray post(const QByteArray &path, const QByteArray &authorization, const QByteArray &body,
                 const QByteArray &deviceId = QByteArray());
 
-/// The line logged when @p operation sends @p body.
+/// The log line of @p operation when it sends @p body.
 QString started(const char *operation, const QByteArray &body);
 
 /// An envelope of code 0 with @p data.

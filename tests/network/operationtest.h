@@ -3,8 +3,8 @@
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
 
-/// What holds for every operation that asks the service; a test of one family says which are its
-/// own and adds what is particular to them.
+/// The common part of the tests of a family of operations: the tests of what holds for every
+/// operation. A test of a family names its operations and adds what is particular to them.
 class OperationTest : public ServiceTest
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ protected:
     /// The columns for rows that differ in the member "data" of a successful reply.
     static void addDataColumns();
 
-    /// Compares what @p operation makes of the current row.
+    /// Compares what @p operation does with the current row.
     void exchangeData(const Operation &operation);
 
 private Q_SLOTS:

@@ -16,21 +16,21 @@
 #include <functional>
 #include <memory>
 
-/// Around every test: a server that plays the service where the library looks for it, a service
-/// object, a host that writes down its answers, the log, and a temporary folder in which the host
-/// has made the folder "VoTTS". On this machine the service object finds no device-identifier
-/// command unless a test makes one.
+/// The surroundings of each test: a server that answers where the library looks for the service, a
+/// service object, a host that records its answers, the log, and a temporary folder in which the
+/// host has made the folder "VoTTS". The service object finds no command for the device identifier
+/// unless a test makes one.
 class ServiceTest : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The texts of the network and the headers of the toolkit below follow the locale, the dates
-    /// the time zone: 05:30 hours before UTC's.
+    /// Fixes the locale, on which texts of errors and headers of Qt depend, and the time zone of
+    /// local times, which is 05:30 hours ahead of UTC.
     static void initMain();
 
 protected:
-    /// Ends the wait of a test for what a server or a service object does.
+    /// Runs the event loop until @p condition holds; false when that takes too long.
     static bool waitUntil(const std::function<bool()> &condition);
 
     /// The answers once @p count of them have come and the service object is gone with all that it
@@ -38,14 +38,14 @@ protected:
     QStringList outcome(int count = 1);
 
     /// Calls @p operation, and releases the service object once @p count signals have come or the
-    /// result is there. The result, written, and every signal.
+    /// result is there. Returns the recorded result and every signal.
     QStringList outcomeOf(const Operation &operation, int count = 1);
 
     /// Releases the service object and waits until it and its requests are gone.
     void release();
 
-    /// All log lines; those that are no debug lines have their kind in front of them, and the
-    /// temporary folder's path is "<temporary>".
+    /// All log lines. A line that is no debug line has its kind in front, and the temporary
+    /// folder's path stands as "<temporary>".
     QStringList logged() const;
 
     /// The server's connections that have not ended, in the order in which they were made.

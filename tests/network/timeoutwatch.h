@@ -4,8 +4,8 @@
 #include <QSet>
 #include <QString>
 
-/// Looks, while it lives, at every network reply of this thread that an event reaches, and writes
-/// down what would end it after a time.
+/// Records, for every network reply of this thread that an event reaches while it lives, what would
+/// end the reply after a time.
 class TimeoutWatch : public QObject
 {
     Q_OBJECT

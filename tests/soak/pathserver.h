@@ -7,8 +7,8 @@
 
 class QTcpSocket;
 
-/// A server on loopback whose paths each misbehave in a way of their own. It keeps nothing of what
-/// it was asked.
+/// A server on loopback each of whose paths misbehaves in a way of its own. It keeps no requests,
+/// so its memory does not grow.
 class PathServer : public QTcpServer
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ public:
 
     PathServer();
 
-    /// Those that leave the connection as it should be come first.
+    /// The paths; those that leave the connection in order come first.
     static const std::vector<Path> &paths();
     static constexpr int wellBehaved = 6;
 

@@ -4,7 +4,7 @@
 
 #include <random>
 
-/// What is done to a request, or to what it needs, while it is under way.
+/// What the soak does to a request, or to what it needs, while it is under way.
 enum class Deed {
     Nothing,
     Abort,
@@ -28,11 +28,11 @@ enum class Moment {
     Timeout,
 };
 
-/// What a request is to go through.
+/// What is planned for one request.
 struct ToolkitPlan
 {
-    /// The time-out of a request that is to be answered. Longer than any answer takes: what waits
-    /// so long waits for a client that serves the host no more.
+    /// The time-out of a request that is to be answered, longer than any answer takes. A request
+    /// that reaches it was sent through a client that does not serve the host any more.
     static constexpr int patienceMs = 3000;
 
     static ToolkitPlan draw(std::mt19937 &chance);

@@ -18,7 +18,7 @@
 
 class HttpRequest;
 
-/// What a request reports its outcome to.
+/// The receiver of a request's outcome.
 class Receiver : public QObject
 {
     Q_OBJECT
@@ -47,8 +47,8 @@ class ToolkitSoak : public QObject
     Q_DISABLE_COPY(ToolkitSoak)
 
 public:
-    /// @p server: scheme, host and port. The event loop ends when all is over, or when no request
-    /// has come to an end for half a minute.
+    /// @p server is a scheme, a host and a port. The event loop ends when all requests have ended,
+    /// or when none has for half a minute.
     ToolkitSoak(QByteArray server, int requests, unsigned seed);
     ~ToolkitSoak() override;
 

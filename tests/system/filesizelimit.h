@@ -4,7 +4,7 @@
 
 #include <sys/resource.h>
 
-/// The largest file that programs may write which are started while such an object lives.
+/// Limits the size of the files that programs may write which are started while it lives.
 class FileSizeLimit
 {
     Q_DISABLE_COPY(FileSizeLimit)

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// Folders for a user of its own: the programs that are started from now on keep their settings and
+/// The home of a user of its own: programs that are started from now on keep their settings and
 /// their temporary files there.
 class Home
 {

@@ -23,17 +23,17 @@ public:
     /// called again after stop(): the data folder stays.
     bool start(const QStringList &furtherArguments = {});
 
-    /// The same, with no token but those that signing in brings.
+    /// Starts without the development token: only signing in brings tokens then.
     bool startWithoutDevelopmentToken(const QStringList &furtherArguments = {});
 
-    /// Sends the signal and waits for the end. The exit status; -1: a crash or no end.
+    /// Sends the signal and waits for the end. Returns the exit status; -1: a crash or no end.
     int stop(int signal);
 
     /// The line that says that it is ready, with its newline.
     QByteArray readyLine() const;
 
-    /// Waits for the next line with @p part on its standard output and takes what is there up to
-    /// that line's end. The line, without its newline; empty: there was none.
+    /// Waits for the next line with @p part on its standard output and takes the output up to the
+    /// end of that line. Returns the line without its newline; empty: there was none.
     QByteArray takeLine(const QByteArray &part);
 
     /// The file of the authority that signed its certificate.

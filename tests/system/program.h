@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-/// What a program did.
+/// How a program ended, and its output.
 struct Outcome
 {
     int status = -1; ///< Exit status; -1: it crashed or did not end.
@@ -25,7 +25,7 @@ public:
                      const QString &outFile = QString());
     ~Program();
 
-    /// Waits in an event loop for the end.
+    /// Waits in an event loop until the program has ended.
     Outcome outcome(int timeoutMs = 120000);
 
     void signal(int number) const;

@@ -8,7 +8,7 @@
 
 class QNetworkRequest;
 
-/// Talks to the service straight over HTTPS, as a client of another make would.
+/// A client of the service that does without the library: it sends its own HTTPS requests.
 class ServiceClient
 {
     Q_DISABLE_COPY(ServiceClient)
@@ -22,7 +22,7 @@ public:
 
         /// The value of a header, whatever the case of its name; empty if there is none.
         QByteArray header(const QByteArray &name) const;
-        /// Of the envelope; -1: there is none.
+        /// The code of the envelope; -1: there is none.
         int code() const;
         /// Whether this is the service's way to refuse: a code, and a message that says why.
         bool isRefusal() const;
@@ -39,19 +39,19 @@ public:
     Reply post(const QString &name, const QJsonObject &body,
                const QByteArray &authorization = QByteArray());
 
-    /// The same to any address.
+    /// POST of @p body to any address.
     Reply postTo(const QString &address, const QByteArray &body = QByteArray());
 
     /// The credentials for an upload.
     QJsonObject credentials();
 
-    /// To the storage, with a security token if one is given.
+    /// PUT to the storage, with a security token if one is given.
     Reply put(const QString &address, const QByteArray &body, const QString &securityToken);
     Reply get(const QString &address, const QString &securityToken = QString());
 
     Reply head(const QString &address);
 
-    /// A request line that is sent as it is: no client in between tidies its path.
+    /// Sends a request line as it is; an HTTP client would tidy its path.
     Reply verbatim(const QByteArray &requestLine, const QByteArray &headers,
                    const QByteArray &body = QByteArray());
 

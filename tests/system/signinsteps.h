@@ -7,7 +7,7 @@
 
 class LocalService;
 
-/// What a client does to sign in, step by step, over HTTPS.
+/// The steps in which a client signs in, over HTTPS.
 class SignInSteps
 {
     Q_DISABLE_COPY(SignInSteps)
@@ -27,7 +27,7 @@ public:
     /// The code that the service printed for @p phone: the oldest that was not taken.
     QString takeCode(const QString &phone);
     Reply enterCode(const QString &phone, const QString &code);
-    /// All of them. The "data" of the last reply; empty if one was a refusal.
+    /// Takes all steps. Returns the "data" of the last reply; empty if one was a refusal.
     QJsonObject signIn(const QString &phone);
 
     Reply beginQr();
