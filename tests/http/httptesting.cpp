@@ -1,5 +1,7 @@
 #include "tests/http/httptesting.h"
 
+#include "tests/support/patience.h"
+
 #include <QDebug>
 #include <QNetworkReply>
 #include <QRegularExpression>
@@ -39,7 +41,7 @@ QByteArray WireRequest::header(const QByteArray &name) const
 bool HttpTesting::waitUntilGone(const QObject *object)
 {
     QSignalSpy gone(object, &QObject::destroyed);
-    return gone.wait(60000);
+    return gone.wait(patienceMs);
 }
 
 QByteArray HttpTesting::wire(const QByteArray &verb, const QByteArray &path, quint16 port,

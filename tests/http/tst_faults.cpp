@@ -3,6 +3,7 @@
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 
 #include <QBuffer>
@@ -166,10 +167,10 @@ private Q_SLOTS:
                 })
                 .send();
         }
-        QTRY_COMPARE(server.requests().size(), 6);
+        TRY_COMPARE(server.requests().size(), 6);
         server.answer("", Then::Close); // to what Qt sends once more
         server.hangUp();
-        QTRY_COMPARE(failed.size(), 3);
+        TRY_COMPARE(failed.size(), 3);
         QVERIFY2(failed.contains("7: 2"_s), qPrintable(failed.join(QLatin1Char(' '))));
         for (const QByteArray &request : server.requests())
             QVERIFY2(!request.startsWith("GET /7"), request.constData());
@@ -184,13 +185,13 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         const QPointer<HttpResponse> running =
             log.bindOutcomes(request.url(server.address("/"_s))).send();
-        QTRY_COMPARE(server.requests().size(), 1);
+        TRY_COMPARE(server.requests().size(), 1);
         client.clearConnectionCache();
         server.answer(ScriptedServer::reply("there"));
         QCOMPARE(outcomeOf(HttpRequest(HttpMethod::Get, &client).url(server.address("/"_s))),
                  "finished with 5 bytes"_s);
         // Its connection is gone, and nothing tells it.
-        QTRY_COMPARE(server.findChildren<QTcpSocket *>().size(), 0);
+        TRY_COMPARE(server.findChildren<QTcpSocket *>().size(), 0);
         QVERIFY(running && running->request().fields.reply->isRunning());
         QCOMPARE(log.lines(), QStringList());
     }
@@ -207,8 +208,8 @@ private Q_SLOTS:
         connect(&server, &QTcpServer::newConnection, this, [] {});
         CallbackLog log;
         const QPointer<HttpResponse> response = log.bindOutcomes(request).send();
-        QTRY_VERIFY(!server.findChildren<QTcpSocket *>().isEmpty());
-        QTRY_VERIFY(server.findChildren<QTcpSocket *>().first()->bytesAvailable() == 0);
+        TRY_VERIFY(!server.findChildren<QTcpSocket *>().isEmpty());
+        TRY_VERIFY(server.findChildren<QTcpSocket *>().first()->bytesAvailable() == 0);
         for (QTcpSocket *socket : server.findChildren<QTcpSocket *>())
             socket->abort();
         QVERIFY(!response || waitUntilGone(response));
@@ -395,9 +396,9 @@ private Q_SLOTS:
                 .onReadyRead([&reads](QNetworkReply *) { ++reads; });
             responses.append(log.bindOutcomes(request).send());
         }
-        QTRY_COMPARE(server.requests().size(), 3);
+        TRY_COMPARE(server.requests().size(), 3);
         if (!answer.isEmpty())
-            QTRY_COMPARE(reads, 3);
+            TRY_COMPARE(reads, 3);
         client.reset();
         QCOMPARE(responses.count(nullptr), 3);
         // Another exchange goes all the way, so whatever was to come of the three has come.
@@ -426,7 +427,7 @@ private Q_SLOTS:
         }));
         const QPointer<HttpResponse> response = head.send();
         QNetworkReply *reply = response->request().fields.reply;
-        QTRY_COMPARE(log.lines(), QStringList{"metaDataChanged()"_s}); // all there is has arrived
+        TRY_COMPARE(log.lines(), QStringList{"metaDataChanged()"_s}); // all there is has arrived
         for (int i = 0; i < 5; ++i) {
             HttpClient another;
             QCOMPARE(outcomeOf(HttpRequest(HttpMethod::Get, &another).url(other.address("/"_s))),

@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 
 #include <QTest>
@@ -199,7 +200,7 @@ private Q_SLOTS:
                 reply->abort();
         });
         log.bindOutcomes(request).send();
-        QTRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
+        TRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
         QVERIFY(acts >= 1);
         QCOMPARE(log.outcomes(), 1);
         QCOMPARE(log.lines().count("repeated()"_s), 1);
@@ -222,7 +223,7 @@ private Q_SLOTS:
                 reply->deleteLater();
         });
         log.bindOutcomes(request).send();
-        QTRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
+        TRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
         QVERIFY(acts >= 1);
         QVERIFY(log.outcomes() <= 1);
         const QStringList before = log.lines();
@@ -252,7 +253,7 @@ private Q_SLOTS:
             before = log.lines();
         });
         const QPointer<HttpResponse> response = log.bindOutcomes(request).send();
-        QTRY_COMPARE(acts, 1);
+        TRY_COMPARE(acts, 1);
         QVERIFY(anotherExchangeWorks());
         QVERIFY(response.isNull());
         QCOMPARE(acts, 1);
@@ -272,7 +273,7 @@ private Q_SLOTS:
                 gone = true;
             });
         log.bindOutcomes(request).send();
-        QTRY_VERIFY(gone);
+        TRY_VERIFY(gone);
         QVERIFY(anotherExchangeWorks());
         QCOMPARE(log.lines(), QStringList{"error()"_s});
     }
@@ -288,7 +289,7 @@ private Q_SLOTS:
             .onTimeout([&log] { log.add("timeout()"_s); })
             .onError([&client](QNetworkReply::NetworkError) { client.reset(); });
         const QPointer<HttpResponse> response = log.bindOutcomes(request).send();
-        QTRY_COMPARE(server.requests().size(), 1);
+        TRY_COMPARE(server.requests().size(), 1);
         QVERIFY(QMetaObject::invokeMethod(response, "onTimeout"));
         QVERIFY(response.isNull());
         QVERIFY(anotherExchangeWorks());
@@ -315,7 +316,7 @@ private Q_SLOTS:
             ++sent;
         });
         log.bindOutcomes(request).send();
-        QTRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
+        TRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
         QVERIFY(sent >= 1);
         QCOMPARE(log.outcomes(), 1);
         QCOMPARE(again.outcomes(), sent);
@@ -335,8 +336,8 @@ private Q_SLOTS:
                 request.send();
         }));
         request.send();
-        QTRY_COMPARE(log.lines().count("repeated()"_s), 5);
-        QTRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
+        TRY_COMPARE(log.lines().count("repeated()"_s), 5);
+        TRY_VERIFY(client.findChildren<QNetworkReply *>().isEmpty());
         QCOMPARE(log.outcomes(), 5);
         QCOMPARE(server.requests().size(), 5);
     }
@@ -379,9 +380,9 @@ private Q_SLOTS:
             isThere = anotherExchangeWorks() && reply; // runs the event loop
         });
         request.send();
-        QTRY_VERIFY(acts > 0);
+        TRY_VERIFY(acts > 0);
         QVERIFY(isThere);
-        QTRY_VERIFY(reply.isNull());
+        TRY_VERIFY(reply.isNull());
     }
 
     void theReplyStaysWhileACallbackRunsAnEventLoopInWhichItIsDeletedLater_data()
@@ -405,7 +406,7 @@ private Q_SLOTS:
             first = reply;
             if (!taken)
                 reply->deleteLater();
-            QTRY_VERIFY(isOver || !taken); // runs the event loop
+            TRY_VERIFY(isOver || !taken); // runs the event loop
             isThere = anotherExchangeWorks() && first;
         });
         if (taken)
@@ -414,9 +415,9 @@ private Q_SLOTS:
                 isOver = true;
             });
         request.send();
-        QTRY_VERIFY(first || isThere);
+        TRY_VERIFY(first || isThere);
         QVERIFY(isThere);
-        QTRY_VERIFY(first.isNull());
+        TRY_VERIFY(first.isNull());
     }
 
     void aReplyThatWasTakenStaysWhileItsTakerRunsAnEventLoop()
@@ -433,9 +434,9 @@ private Q_SLOTS:
             isThere = anotherExchangeWorks() && taken;
         });
         request.send();
-        QTRY_VERIFY(taken || isThere);
+        TRY_VERIFY(taken || isThere);
         QVERIFY(isThere);
-        QTRY_VERIFY(taken.isNull()); // it was the client's as well
+        TRY_VERIFY(taken.isNull()); // it was the client's as well
     }
 
     void theReplyStaysWhileTheErrorOfATimeoutRunsAnEventLoop_data()
@@ -465,7 +466,7 @@ private Q_SLOTS:
             isThere = anotherExchangeWorks() && reply;
         });
         response = request.send();
-        QTRY_COMPARE(server.requests().size(), 1);
+        TRY_COMPARE(server.requests().size(), 1);
         QVERIFY(QMetaObject::invokeMethod(response, "onTimeout"));
         QVERIFY(isThere);
     }
@@ -483,7 +484,7 @@ private Q_SLOTS:
             done = works;
         });
         log.bindOutcomes(request).send();
-        QTRY_VERIFY(done);
+        TRY_VERIFY(done);
         QVERIFY(anotherExchangeWorks());
         QCOMPARE(log.lines(), QStringList());
     }

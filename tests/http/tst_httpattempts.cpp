@@ -4,6 +4,7 @@
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 
 #include <QTest>
@@ -110,8 +111,8 @@ private Q_SLOTS:
             else
                 expected.append("repeated()"_s);
         }
-        QTRY_VERIFY(log.lines().contains("repeated()"_s));
-        QTRY_COMPARE(client.findChildren<QNetworkReply *>().size(), 0);
+        TRY_VERIFY(log.lines().contains("repeated()"_s));
+        TRY_COMPARE(client.findChildren<QNetworkReply *>().size(), 0);
         QCOMPARE(log.lines(), expected);
         QCOMPARE(server.requests().size(), answers.size());
         for (const QByteArray &bytes : server.requests()) {

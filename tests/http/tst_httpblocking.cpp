@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
@@ -290,7 +291,7 @@ private Q_SLOTS:
             log.bindTimeout(log.bindOutcomes(request)).send();
             over.release();
         });
-        QTRY_COMPARE_WITH_TIMEOUT(over.available(), 1, 20000);
+        TRY_COMPARE(over.available(), 1);
         thread.join();
         QCOMPARE(log.lines().last(), "timeout()"_s);
         QCOMPARE(log.outcomes(), 1);
@@ -330,9 +331,7 @@ private Q_SLOTS:
             }
         }));
         thread->start();
-        const bool ended = QTest::qWaitFor([&] { return thread->isFinished(); }, 60000);
-        thread->wait();
-        QVERIFY(ended);
+        TRY_VERIFY(thread->isFinished());
         QCOMPARE(log.outcomes(), 2);
         QCOMPARE(log.lines().count("there"_s), 2);
         QCOMPARE(log.lines().mid(log.lines().size() - 6), m_succeeded + QStringList{"there"_s});
@@ -399,9 +398,7 @@ private Q_SLOTS:
         }));
         thread->start();
         thread->quit();
-        const bool ended = QTest::qWaitFor([&] { return thread->isFinished(); }, 60000);
-        thread->wait();
-        QVERIFY(ended);
+        TRY_VERIFY(thread->isFinished());
         QCOMPARE(log.outcomes(), 1);
         QCOMPARE(log.lines().last(), "returned"_s);
     }
@@ -437,9 +434,7 @@ private Q_SLOTS:
         }));
         thread->start();
         thread->quit();
-        const bool ended = QTest::qWaitFor([&] { return thread->isFinished(); }, 60000);
-        thread->wait();
-        QVERIFY(ended);
+        TRY_VERIFY(thread->isFinished());
         QCOMPARE(log.lines(), QStringList{"none"_s});
     }
 

@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
@@ -160,7 +161,7 @@ private Q_SLOTS:
         const QPointer<HttpResponse> response = log.bindOutcomes(request).send();
         QVERIFY(areThere);
         QCOMPARE(replies.size(), 2);
-        QTRY_COMPARE(replies, (QVector<QPointer<QNetworkReply>>(2)));
+        TRY_COMPARE(replies, (QVector<QPointer<QNetworkReply>>(2)));
         QVERIFY(response.isNull());
         QCOMPARE(log.lines(), QStringList{"retried()"_s});
     }

@@ -4,6 +4,7 @@
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 
 #include <QBuffer>
@@ -335,7 +336,7 @@ private Q_SLOTS:
             .retry(1)
             .onFinished([&finished] { finished = true; })
             .send();
-        QTRY_VERIFY(finished);
+        TRY_VERIFY(finished);
         QCOMPARE(m_server.requests().size(), 2);
         for (const QByteArray &bytes : m_server.requests()) {
             const WireRequest got(bytes);
@@ -366,7 +367,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Post, &client);
         log.bindOutcomes(request.url(m_server.address("/"_s)).multiPartBody(multiPart).repeat(2));
         request.send();
-        QTRY_VERIFY(alive.isNull()); // after the second reply
+        TRY_VERIFY(alive.isNull()); // after the second reply
         QCOMPARE(log.outcomes(), 2);
         QCOMPARE(m_server.requests().size(), 2);
         QCOMPARE(WireRequest(m_server.requests().at(0)).body,

@@ -4,6 +4,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/nginxserver.h"
+#include "tests/support/patience.h"
 #include "tests/support/residentmemory.h"
 #include "tests/support/trust.h"
 
@@ -37,7 +38,7 @@ class TestHttpBoundedBody : public QObject
         Outcome outcome;
         const auto body = std::make_shared<QByteArray>();
         HttpRequest request(HttpMethod::Get, &client);
-        collectAtMost(limit, body, request.url(address).timeout(30000))
+        collectAtMost(limit, body, request.url(address).timeout(patienceMs))
             .onReadyRead([&outcome](QNetworkReply *) {
                 outcome.mostMemory = qMax(outcome.mostMemory, residentMemory());
             })

@@ -1,6 +1,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 
 #include <QSemaphore>
 #include <QTest>
@@ -110,12 +111,12 @@ private Q_SLOTS:
                 .send();
             client.replies.first()->receive("body");
             client.replies.first()->succeed();
-            QVERIFY(taken.tryAcquire(1, 10000));
+            QVERIFY(taken.tryAcquire(1, patienceMs));
             QCOMPARE(receiver->body, "body"_s);
             QCOMPARE(receiver->thread, &thread);
         }
         thread.quit();
-        QVERIFY(thread.wait(10000));
+        QVERIFY(thread.wait(patienceMs));
     }
 
     void aSlotOnAnotherThreadGetsEveryKindOfValue()
@@ -144,10 +145,10 @@ private Q_SLOTS:
             .send();
         client.replies.first()->setHeader("a", "1");
         client.replies.first()->succeed();
-        QVERIFY(arrived.tryAcquire(1, 10000));
+        QVERIFY(arrived.tryAcquire(1, patienceMs));
         QCOMPARE(got, sent);
         thread.quit();
-        QVERIFY(thread.wait(10000));
+        QVERIFY(thread.wait(patienceMs));
     }
 
     void aFunctionIsCalledInsideTheEmission()

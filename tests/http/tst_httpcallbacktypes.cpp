@@ -3,6 +3,7 @@
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/patience.h"
 
 #include <QMetaMethod>
 #include <QSignalSpy>
@@ -135,7 +136,7 @@ private Q_SLOTS:
         QMetaObject::metacall(&response, QMetaObject::InvokeMetaMethod, index, arguments.data());
         QCOMPARE(direct.size(), 1);
         QCOMPARE(queued.size(), 0);
-        QVERIFY(queued.wait());
+        QVERIFY(queued.wait(patienceMs));
         QCOMPARE(queued.size(), 1);
         QCOMPARE(queued.first().size(), signal.parameterCount());
         for (int i = 0; i < signal.parameterCount(); ++i)
@@ -168,7 +169,7 @@ private Q_SLOTS:
         Q_EMIT response.head(sentMap);
         Q_EMIT response.error(QNetworkReply::HostNotFoundError);
         Q_EMIT response.sslErrors(sentErrors);
-        QVERIFY(errorsSpy.wait());
+        QVERIFY(errorsSpy.wait(patienceMs));
         QCOMPARE(pairsSpy.first().first().value<QList<QNetworkReply::RawHeaderPair>>(), sentPairs);
         QCOMPARE((mapSpy.first().first().value<QMap<QString, QString>>()), sentMap);
         QCOMPARE(codeSpy.first().first().value<QNetworkReply::NetworkError>(),

@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/corpus.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 
 #include <QNetworkAccessManager>
@@ -53,7 +54,7 @@ class TestHttpCorpus : public QObject
         QNetworkReply *reply = manager.sendCustomRequest(
             QNetworkRequest(QUrl(m_server.address("/"_s))), "GET", QByteArray());
         QSignalSpy finished(reply, &QNetworkReply::finished);
-        if (!finished.wait(60000))
+        if (!finished.wait(patienceMs))
             return {"no end"_s, {}, {}, {}};
         const bool good = reply->error() == QNetworkReply::NoError;
         Learned learned;

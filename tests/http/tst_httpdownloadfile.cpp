@@ -4,6 +4,7 @@
 #include "tests/http/callbacklog.h"
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/signalrecorder.h"
 #include "tests/support/testfolder.h"
@@ -354,7 +355,7 @@ private Q_SLOTS:
         log.bindOutcomes(
             request.url(server.address("/"_s)).onTimeout([&log] { log.add("timeout()"_s); }));
         const QPointer<HttpResponse> response = request.send();
-        QVERIFY(arrived.wait());
+        QVERIFY(arrived.wait(patienceMs));
         expireTimeout(response);
         QCOMPARE(log.lines(),
                  (QStringList{"error()"_s, "error(code 5)"_s, "error(text Operation canceled)"_s,

@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
@@ -253,8 +254,8 @@ private Q_SLOTS:
         HttpRequest request = download(&client, server);
         log.bindOutcomes(log.bindFile(request));
         const std::unique_ptr<HttpResponse> response(request.send());
-        QTRY_COMPARE(server.requests().size(), 1);
-        QTRY_COMPARE(connections(server), 0); // the probe is over
+        TRY_COMPARE(server.requests().size(), 1);
+        TRY_COMPARE(connections(server), 0); // the probe is over
         // A whole exchange later there is still nothing.
         QVERIFY(
             waitUntilGone(HttpRequest(HttpMethod::Get, &client).url(server.address("/"_s)).send()));
@@ -296,13 +297,13 @@ private Q_SLOTS:
         CallbackLog log;
         HttpRequest request = download(client.get(), server);
         const QPointer<HttpResponse> response = log.bindOutcomes(log.bindFile(request)).send();
-        QTRY_COMPARE(server.requests().size(), 1);
+        TRY_COMPARE(server.requests().size(), 1);
         if (byClient)
             client.reset();
         else
             delete response;
         QVERIFY(!response);
-        QTRY_COMPARE(connections(server), 0);
+        TRY_COMPARE(connections(server), 0);
         QCOMPARE(log.lines(), QStringList());
         QVERIFY(!QFile::exists(m_target));
     }
@@ -322,14 +323,14 @@ private Q_SLOTS:
         CallbackLog log;
         HttpRequest request = download(client.get(), server);
         const QPointer<HttpResponse> response = log.bindOutcomes(log.bindFile(request)).send();
-        QTRY_COMPARE(TestFolder::contents(m_target), "01234"_b);
+        TRY_COMPARE(TestFolder::contents(m_target), "01234"_b);
         if (byClient)
             client.reset();
         else
             delete response;
         QVERIFY(!response);
         server.push("56789");
-        QTRY_COMPARE(connections(server), 0);
+        TRY_COMPARE(connections(server), 0);
         QCOMPARE(log.lines(), QStringList());
         QCOMPARE(TestFolder::contents(m_target), "01234"_b);
     }
@@ -362,7 +363,7 @@ private Q_SLOTS:
         HttpResponse *response = nullptr;
         request.onHead([&](const QMap<QString, QString> &) {
             const QNetworkReply *reply = response->request().fields.reply;
-            QTRY_VERIFY(reply->isFinished());
+            TRY_VERIFY(reply->isFinished());
         });
         response = log.bindOutcomes(log.bindFile(request)).send();
         QVERIFY(waitUntilGone(response));

@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
@@ -216,7 +217,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         HttpResponse *response =
             log.bindFile(request.url(server.address("/"_s)).download(target)).send();
-        QTRY_COMPARE(TestFolder::contents(target), "bo"_b);
+        TRY_COMPARE(TestFolder::contents(target), "bo"_b);
         QVERIFY(QFile::remove(target));
         server.push("dy");
         QVERIFY(waitUntilGone(response));

@@ -4,6 +4,7 @@
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/signalrecorder.h"
 
@@ -412,7 +413,7 @@ private Q_SLOTS:
             })
             .onRepeated([&order] { order.append("repeated"_s); })
             .send();
-        QTRY_COMPARE(order, (QStringList{"reply body"_s, "bytes "_s, "repeated"_s}));
+        TRY_COMPARE(order, (QStringList{"reply body"_s, "bytes "_s, "repeated"_s}));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!kept.isNull());
         delete kept;

@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/signalrecorder.h"
 #include "tests/support/testfolder.h"
@@ -252,7 +253,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         log.bindFile(request.url(server.address("/"_s)).download(m_target).retry(1));
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.outcomes(), 1);
+        TRY_COMPARE(log.outcomes(), 1);
         QCOMPARE(log.lines().mid(0, 3),
                  (QStringList{"retried()"_s, "file()"_s, "file "_s + m_target}));
         QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=4-", noHeader, "bytes=6-"}));
@@ -272,7 +273,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         request.url(server.address("/"_s)).download(m_target).retry(1);
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.outcomes(), 1);
+        TRY_COMPARE(log.outcomes(), 1);
         QCOMPARE(log.lines().first(), "retried()"_s);
         QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=4-", noHeader, noHeader}));
         QCOMPARE(TestFolder::contents(m_target), "another"_b);
@@ -302,7 +303,7 @@ private Q_SLOTS:
         request.url(server.address("/"_s)).download(m_target).enableResume(resume).retry(1);
         request.headers({{"Range"_s, QString::fromLatin1(range)}});
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.outcomes(), 1);
+        TRY_COMPARE(log.outcomes(), 1);
         QCOMPARE(ranges(server), (QByteArrayList{noHeader, range, noHeader, range}));
     }
 
@@ -320,7 +321,7 @@ private Q_SLOTS:
         request.url(server.address("/"_s)).download(m_target).retry(1);
         request.headers({{"Range"_s, "bytes=2-"_s}});
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.outcomes(), 1);
+        TRY_COMPARE(log.outcomes(), 1);
         QCOMPARE(ranges(server), (QByteArrayList{noHeader, "bytes=4-", noHeader, "bytes=2-"}));
     }
 
@@ -342,7 +343,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         request.url(server.address("/"_s)).download(m_target).repeat(2);
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.lines().count("repeated()"_s), 1);
+        TRY_COMPARE(log.lines().count("repeated()"_s), 1);
         QCOMPARE(counts, (QVector<QPair<qint64, qint64>>{{10, 10}, {10, 0}}));
     }
 
@@ -356,7 +357,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         request.url(server.address("/"_s)).download(m_target).repeat(2);
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.lines().count("repeated()"_s), 1);
+        TRY_COMPARE(log.lines().count("repeated()"_s), 1);
         QCOMPARE(ranges(server), (QByteArrayList{noHeader, noHeader, noHeader, noHeader}));
         QCOMPARE(TestFolder::contents(m_target), body + body);
     }

@@ -3,6 +3,7 @@
 #include "http/httpresponsetimeout.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
@@ -34,7 +35,7 @@ bool waitFor(int ms)
     timer.setTimerType(Qt::PreciseTimer);
     QSignalSpy over(&timer, &QTimer::timeout);
     timer.start(ms);
-    return over.wait(ms + 60000);
+    return over.wait(patienceMs);
 }
 
 } // namespace
@@ -179,7 +180,7 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         log.bindOutcomes(request).send();
-        QTRY_COMPARE(log.lines(), QStringList({"timeout()"_s, "retried()"_s}) + m_canceled);
+        TRY_COMPARE(log.lines(), QStringList({"timeout()"_s, "retried()"_s}) + m_canceled);
         QVERIFY2(clock.elapsed() >= 300, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(server.requests().size(), 2);
     }
@@ -197,7 +198,7 @@ private Q_SLOTS:
             .onError([&failed](QNetworkReply *reply) { failed = reply; })
             .onTimeout([&late](QNetworkReply *reply) { late = reply; })
             .send();
-        QTRY_VERIFY(late);
+        TRY_VERIFY(late);
         QCOMPARE(late.data(), failed.data());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(late); // whoever was given it deletes it
@@ -218,7 +219,7 @@ private Q_SLOTS:
         log.bindTimeout(request.url(server.address("/"_s)).timeout(1500));
         request.onFinished([&kept](QNetworkReply *reply) { kept = reply; });
         log.bindOutcomes(request).send();
-        QTRY_VERIFY(kept);
+        TRY_VERIFY(kept);
         QVERIFY(waitFor(1500));
         QVERIFY(kept); // and so the response, and so its timer
         QCOMPARE(log.outcomes(), 1);
@@ -239,7 +240,7 @@ private Q_SLOTS:
                                            .send();
         QCOMPARE(armed(response), 1);
         QSignalSpy sent(response, &HttpResponse::replyChanged);
-        QVERIFY(sent.wait());
+        QVERIFY(sent.wait(patienceMs));
         QCOMPARE(armed(response), 2);
     }
 
@@ -255,7 +256,7 @@ private Q_SLOTS:
                                            .download(folder.path("f"_s))
                                            .send();
         QSignalSpy sent(response, &HttpResponse::replyChanged);
-        QVERIFY(sent.wait());
+        QVERIFY(sent.wait(patienceMs));
         QCOMPARE(armed(response), 0);
     }
 
@@ -272,7 +273,7 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         log.bindTimeout(request.url(server.address("/"_s)).download(folder.path("f"_s)));
         HttpResponse *response = log.bindOutcomes(log.bindFile(request.timeout(1000))).send();
-        QVERIFY(asked.wait());
+        QVERIFY(asked.wait(patienceMs));
         QVERIFY(waitFor(1000)); // the one that began with the probe is over
         QCOMPARE(log.lines(), QStringList());
         server.push(ScriptedServer::reply("body"));
@@ -344,7 +345,7 @@ private Q_SLOTS:
         else
             request.onError(leave);
         const QPointer<HttpResponse> response = request.send();
-        QTRY_VERIFY(!client);
+        TRY_VERIFY(!client);
         QVERIFY(!response);
         QCOMPARE(log.lines(), afterTheError ? QStringList{"timeout()"_s} : QStringList());
     }
@@ -362,11 +363,11 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Get, &client);
         log.bindTimeout(request.url(server.address("/"_s)).download(folder.path("f"_s)));
         HttpResponse *response = log.bindOutcomes(request.timeout(2000)).send();
-        QVERIFY(asked.wait());
+        QVERIFY(asked.wait(patienceMs));
         QVERIFY(waitFor(1000)); // the probe takes half of the first limit
         server.push(ScriptedServer::reply("body"));
         QSignalSpy sent(response, &HttpResponse::replyChanged);
-        QVERIFY(sent.wait());
+        QVERIFY(sent.wait(patienceMs));
         QElapsedTimer clock;
         clock.start();
         QVERIFY(waitUntilGone(response));

@@ -1,4 +1,5 @@
 #include "http/httptypes.h"
+#include "tests/support/patience.h"
 
 #include <QTest>
 #include <QThread>
@@ -57,7 +58,7 @@ private Q_SLOTS:
         for (const auto &thread : threads)
             thread->start();
         for (const auto &thread : threads)
-            QVERIFY(thread->wait(10000));
+            QVERIFY(thread->wait(patienceMs));
         QCOMPARE(verbs, std::vector<QByteArray>(8, "DELETE"));
     }
 

@@ -3,6 +3,7 @@
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
 #include "tests/support/nginxserver.h"
+#include "tests/support/patience.h"
 #include "tests/support/testfolder.h"
 #include "tests/support/trust.h"
 
@@ -207,10 +208,10 @@ private Q_SLOTS:
             over = true;
             loop.quit();
         });
-        QTimer::singleShot(120000, &loop, &QEventLoop::quit);
+        QTimer::singleShot(patienceMs, &loop, &QEventLoop::quit);
         request.send();
         if (!over)
-            loop.exec(); // QTRY_VERIFY would sleep between the parts
+            loop.exec(); // TRY_VERIFY would sleep between the parts
         const QStringList expected = {"restarted"_s, "restarted"_s, "the rest"_s, "retried"_s};
         QCOMPARE(log.lines().join(QLatin1Char('\n')),
                  (expected + written()).join(QLatin1Char('\n')));

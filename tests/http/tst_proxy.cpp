@@ -2,6 +2,7 @@
 #include "http/httpresponse.h"
 #include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/squidserver.h"
 #include "tests/support/testfolder.h"
@@ -93,7 +94,7 @@ class TestProxy : public QObject
                  int requests)
     {
         QCOMPARE(calls.lines(), told);
-        QTRY_COMPARE(proxyLog(), log);
+        TRY_COMPARE(proxyLog(), log);
         QCOMPARE(m_server->requests().size(), requests);
     }
 
@@ -197,7 +198,7 @@ private Q_SLOTS:
             bool told = false;
             request.url(m_server->address("/"_s)).retry(2).onRepeated([&told] { told = true; });
             calls.bindOutcomes(request).send();
-            QTRY_VERIFY(told);
+            TRY_VERIFY(told);
         }
         const QString denied = logLine(407, tls, "-"_s);
         compare(calls, QStringList{"retried()"_s} + refused, {denied, denied, denied}, 0);

@@ -1,6 +1,7 @@
 #include "http/httpclient.h"
 #include "http/httpresponse.h"
 #include "tests/http/httptesting.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 
@@ -67,7 +68,7 @@ class TestThreads : public QObject
                 --running;
             });
         }
-        const bool ended = QTest::qWaitFor([&] { return running == 0; }, 60000);
+        const bool ended = QTest::qWaitFor([&] { return running == 0; }, patienceMs);
         for (std::thread &thread : threads)
             thread.join();
         return ended;

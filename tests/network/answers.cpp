@@ -1,6 +1,7 @@
 #include "tests/network/answers.h"
 
 #include "tests/network/records.h"
+#include "tests/support/patience.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -88,7 +89,7 @@ bool Answers::waitFor(int count)
 {
     QSignalSpy arrivals(this, &Answers::arrived);
     while (m_calls.size() < count) {
-        if (!arrivals.wait(30000))
+        if (!arrivals.wait(patienceMs))
             return false;
     }
     return true;

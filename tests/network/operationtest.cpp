@@ -1,5 +1,7 @@
 #include "tests/network/operationtest.h"
 
+#include "tests/support/patience.h"
+
 #include <QTest>
 
 namespace {
@@ -151,7 +153,7 @@ void OperationTest::compareRequest(const std::function<void(VoNetworkIntf *)> &c
 {
     call(service);
     QCOMPARE(logged(), start.isEmpty() ? QStringList() : QStringList{start});
-    QVERIFY(waitUntil([this] { return !server->requests().isEmpty(); }));
+    TRY_VERIFY(!server->requests().isEmpty());
     QCOMPARE(server->requests(), QList<QByteArray>{request});
 }
 

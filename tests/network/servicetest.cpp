@@ -1,5 +1,7 @@
 #include "tests/network/servicetest.h"
 
+#include "tests/support/patience.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QSignalSpy>
@@ -10,11 +12,6 @@ void ServiceTest::initMain()
 {
     qputenv("LC_ALL", "C.UTF-8");
     qputenv("TZ", "TEST-5:30");
-}
-
-bool ServiceTest::waitUntil(const std::function<bool()> &condition)
-{
-    return QTest::qWaitFor(condition, 30000);
 }
 
 void ServiceTest::init()
@@ -66,7 +63,7 @@ void ServiceTest::release()
     QSignalSpy gone(service, &QObject::destroyed);
     VoNetwork::ReleaseVoNetwork(service);
     service = nullptr;
-    QVERIFY(gone.wait());
+    QVERIFY(gone.wait(patienceMs));
     QCoreApplication::processEvents(); // the access manager goes after its owner
 }
 

@@ -13,7 +13,6 @@
 #include <QObject>
 #include <QStringList>
 
-#include <functional>
 #include <memory>
 
 /// The surroundings of each test: a server that answers where the library looks for the service, a
@@ -30,9 +29,6 @@ public:
     static void initMain();
 
 protected:
-    /// Runs the event loop until @p condition holds; false when that takes too long.
-    static bool waitUntil(const std::function<bool()> &condition);
-
     /// The answers once @p count of them have come and the service object is gone with all that it
     /// had going on, so that none can follow.
     QStringList outcome(int count = 1);

@@ -1,5 +1,6 @@
 #include "tests/network/networker.h"
 #include "tests/network/servicetest.h"
+#include "tests/support/patience.h"
 
 #include <QFile>
 #include <QSslSocket>
@@ -265,7 +266,7 @@ void TestAvatars::deliversOtherAnswersWhileItWaits()
     connect(m_files.get(), &ScriptedServer::requestReceived, this,
             [this] { answerLate(0, ScriptedServer::reply(R"({"code":1})")); });
     service->ShortSTT("link"_s, 5, "page"_s);
-    QVERIFY(waitUntil([this] { return !server->requests().isEmpty(); }));
+    TRY_VERIFY(!server->requests().isEmpty());
     QCOMPARE(m_networker->DownloadAvt(m_address, m_path), m_path);
     QCOMPARE(answers->calls(), QStringList{R"(signalShortSTT(1, ""))"_s});
     QCOMPARE(written(), QByteArray("picture"));

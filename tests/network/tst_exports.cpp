@@ -1,4 +1,5 @@
 #include "tests/network/text.h"
+#include "tests/support/patience.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -12,7 +13,7 @@ QSet<QString> exportedSymbols()
 {
     QProcess nm;
     nm.start(QStringLiteral(NM), {"-D"_s, "--defined-only"_s, "-C"_s, QStringLiteral(LIBRARY)});
-    nm.waitForFinished(-1);
+    nm.waitForFinished(patienceMs);
     if (nm.exitStatus() != QProcess::NormalExit || nm.exitCode() != 0)
         qFatal("%s", nm.readAllStandardError().constData());
     QSet<QString> symbols;

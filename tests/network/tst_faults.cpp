@@ -1,6 +1,7 @@
 #include "tests/network/faults.h"
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
+#include "tests/support/patience.h"
 #include "tests/support/testfolder.h"
 
 #include <QNetworkAccessManager>
@@ -98,7 +99,7 @@ void TestFaults::isWhatQtMakesOfIt()
     QNetworkReply *reply =
         manager.get(QNetworkRequest(QUrl("https://localhost:%1/a"_s.arg(SERVICE_PORT))));
     QSignalSpy finished(reply, &QNetworkReply::finished);
-    QVERIFY(finished.wait(30000));
+    QVERIFY(finished.wait(patienceMs));
     QCOMPARE(reply->error(), it.error);
     if (it.error == Error::NoError)
         QVERIFY(reply->readAll() == it.received(body)); // too long to print
@@ -120,7 +121,7 @@ void TestFaults::isNotForWantOfOldTls()
     socket.setSslConfiguration(undemanding);
     socket.connectToHostEncrypted("localhost"_s, old.serverPort());
     QSignalSpy encrypted(&socket, &QSslSocket::encrypted);
-    QVERIFY(encrypted.wait(30000));
+    QVERIFY(encrypted.wait(patienceMs));
     QCOMPARE(socket.sessionProtocol(), QSsl::TlsV1_1);
 }
 

@@ -1,6 +1,7 @@
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
 #include "tests/network/timeoutwatch.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -308,7 +309,7 @@ void TestFileFetch::closesItsConnectionBeforeItReturns()
 {
     m_files->answer(ScriptedServer::reply("audio"), ScriptedServer::Then::KeepOpen);
     QVERIFY(fetch());
-    QVERIFY(waitUntil([this] { return m_files->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(m_files->findChildren<QSslSocket *>().isEmpty());
 }
 
 void TestFileFetch::deliversOtherAnswersWhileItWaits()
@@ -326,7 +327,7 @@ void TestFileFetch::deliversOtherAnswersWhileItWaits()
         answerLate(0, ScriptedServer::reply(R"({"code":0,"data":{"text":"said"}})"));
     });
     service->ShortSTT("link"_s, 5, "page"_s);
-    QVERIFY(waitUntil([this] { return !server->requests().isEmpty(); }));
+    TRY_VERIFY(!server->requests().isEmpty());
     QVERIFY(fetch());
     order.append("returned"_s);
     QCOMPARE(order, (QStringList{"asked for the file"_s, "answered"_s, "returned"_s}));

@@ -1,5 +1,6 @@
 #include "tests/network/networker.h"
 #include "tests/network/servicetest.h"
+#include "tests/support/patience.h"
 #include "tests/support/squidserver.h"
 #include "tests/support/testfolder.h"
 
@@ -97,7 +98,7 @@ void TestProxy::everyOperationGoesThroughTheProxy()
     useProxy(good);
     server->answer(ScriptedServer::reply(Operations::envelope(operation.data)));
     QCOMPARE(outcomeOf(operation), QStringList{good ? operation.answer : operation.networkFailure});
-    QTRY_COMPARE(proxyLog(), tunnelLog(good)); // a tunnel when it has ended
+    TRY_COMPARE(proxyLog(), tunnelLog(good)); // a tunnel when it has ended
     operation.request.replace("localhost", "elsewhere.example");
     QCOMPARE(server->requests(), good ? QList<QByteArray>{operation.request} : QList<QByteArray>());
 }
@@ -127,7 +128,7 @@ void TestProxy::aDownloadGoesThroughTheProxy()
     QStringList log = tunnelLog(good);
     if (!tls)
         log.replaceInStrings("CONNECT <service>"_s, "GET "_s + elsewhere(plain, "/a"_s));
-    QTRY_COMPARE(proxyLog(), log);
+    TRY_COMPARE(proxyLog(), log);
     QCOMPARE(files.requests().size(), good ? 1 : 0);
 }
 
@@ -140,7 +141,7 @@ void TestProxy::thePictureOfACodeGoesThroughTheProxy()
     Operation operation = Operations::getLoginQrCode();
     QCOMPARE(outcomeOf(operation), QStringList{operation.emptyAnswers.last()});
     QCOMPARE(TestFolder::contents(answers->codes().first()->qrImagePath), QByteArray("picture"));
-    QTRY_COMPARE(proxyLog(), tunnelLog(true) + tunnelLog(true));
+    TRY_COMPARE(proxyLog(), tunnelLog(true) + tunnelLog(true));
 }
 
 void TestProxy::aPictureOfAVoiceGoesThroughTheProxy()
@@ -151,7 +152,7 @@ void TestProxy::aPictureOfAVoiceGoesThroughTheProxy()
     Networker networker;
     QCOMPARE(networker.DownloadAvt(elsewhere(*server, "/picture"_s), path), path);
     QCOMPARE(TestFolder::contents(path), QByteArray("picture"));
-    QTRY_COMPARE(proxyLog(), tunnelLog(true));
+    TRY_COMPARE(proxyLog(), tunnelLog(true));
 }
 
 // Qt sees to it that what is on this machine stays there.

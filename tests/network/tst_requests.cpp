@@ -4,6 +4,7 @@
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
 #include "tests/network/timeoutwatch.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -126,7 +127,7 @@ void TestRequests::readTheWholeBodyHoweverItIsSent()
 void TestRequests::readABodyThatComesInPieces()
 {
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return !server->requests().isEmpty(); }));
+    TRY_VERIFY(!server->requests().isEmpty());
     auto *socket = server->findChild<QSslSocket *>();
     const QByteArray reply = replyTo(Operations::shortSTT());
     for (const char byte : reply) {
@@ -229,7 +230,7 @@ void TestRequests::areAnsweredInTheOrderOfTheReplies()
                                  Operations::getOssSign()};
     for (int i = 0; i < order.size(); ++i) {
         order.at(i).call(service);
-        QVERIFY(waitUntil([this, i] { return server->requests().size() == i + 1; }));
+        TRY_VERIFY(server->requests().size() == i + 1);
     }
     QStringList expected;
     for (int i = order.size() - 1; i >= 0; --i) {
@@ -245,7 +246,7 @@ void TestRequests::areAnsweredAlikeWhenTheyAreAlike()
 {
     for (int i = 1; i <= 3; ++i) {
         Operations::shortSTT().call(service);
-        QVERIFY(waitUntil([this, i] { return server->requests().size() == i; }));
+        TRY_VERIFY(server->requests().size() == i);
     }
     answerLate(1, ScriptedServer::reply(R"({"code":0,"data":{"text":"b"}})"));
     QVERIFY(answers->waitFor(1));
@@ -259,7 +260,7 @@ void TestRequests::areAnsweredAlikeWhenTheyAreAlike()
 void TestRequests::waitForAServiceThatIsSlowToAnswer()
 {
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     // Much happens meanwhile; this one stays as it is.
     connect(server.get(), &ScriptedServer::requestReceived, this,
             [this] { answerLate(connections().size() - 1, replyTo(Operations::getOssSign())); });
@@ -326,9 +327,9 @@ void TestRequests::goOnWhileAHandlerWaits()
     QTemporaryDir folder;
     const QString path = folder.filePath("a.mp3"_s);
     Operations::tts().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 2; }));
+    TRY_VERIFY(server->requests().size() == 2);
 
     // The handler of the second waits for a file, which comes once the first is answered.
     ScriptedServer files;
@@ -345,7 +346,7 @@ void TestRequests::goOnWhileAHandlerWaits()
             [&] { fetched = service->DownloadLongTTSRet(files.address("/a"_s), path); });
     answerLate(1, replyTo(Operations::shortSTT()));
     QCOMPARE(outcome(2), (QStringList{Operations::shortSTT().answer, Operations::tts().answer}));
-    QVERIFY(waitUntil([&fetched] { return fetched; }));
+    TRY_VERIFY(fetched);
     QVERIFY(QFile::exists(path));
 }
 
@@ -365,7 +366,7 @@ void TestRequests::areNotAnsweredOnceTheObjectIsReleased()
         operation.call(service);
         starts += operation.start;
     }
-    QVERIFY(waitUntil([&] { return server->requests().size() == all.size(); }));
+    TRY_VERIFY(server->requests().size() == all.size());
     const QList<QSslSocket *> open = connections();
     for (QSslSocket *socket : open) {
         if (replied)
@@ -373,7 +374,7 @@ void TestRequests::areNotAnsweredOnceTheObjectIsReleased()
     }
     release();
     // Its connections end with it, nothing is said and nothing is answered.
-    QVERIFY(waitUntil([this] { return server->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(server->findChildren<QSslSocket *>().isEmpty());
     QCOMPARE(answers->calls(), QStringList());
     QCOMPARE(logged(), starts);
 }
@@ -404,7 +405,7 @@ void TestRequests::surviveAReleaseFromAHandler()
     QFETCH(QByteArray, reply);
     QFETCH(QString, answer);
     Operations::tts().call(service); // never answered
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     server->answer(reply);
     QPointer<VoNetworkIntf> object = service;
     bool alive = false;
@@ -414,8 +415,8 @@ void TestRequests::surviveAReleaseFromAHandler()
     });
     Operations::shortSTT().call(service);
     service = nullptr;
-    QVERIFY(waitUntil([&object] { return object.isNull(); }));
-    QVERIFY(waitUntil([this] { return server->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(object.isNull());
+    TRY_VERIFY(server->findChildren<QSslSocket *>().isEmpty());
     QVERIFY(alive);
     QCOMPARE(answers->calls(), QStringList{answer});
 }
@@ -427,14 +428,14 @@ void TestRequests::surviveADeletionFromAHandler()
     QFETCH(QByteArray, reply);
     QFETCH(QString, answer);
     Operations::tts().call(service); // never answered
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     server->answer(reply);
     VoNetworkIntf *object = service;
     connect(service, &VoNetworkIntf::signalShortSTT, this, [object] { delete object; });
     Operations::shortSTT().call(service);
     service = nullptr;
     QVERIFY(answers->waitFor(1));
-    QVERIFY(waitUntil([this] { return server->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(server->findChildren<QSslSocket *>().isEmpty());
     QCOMPARE(answers->calls(), QStringList{answer});
 }
 
@@ -451,7 +452,7 @@ void TestRequests::leaveARecordToAHandlerThatIsQueued()
     server->answer(replyTo(Operations::getOssSign()));
     Operations::getOssSign().call(service);
     service = nullptr;
-    QVERIFY(waitUntil([&record] { return record != nullptr; }));
+    TRY_VERIFY(record != nullptr);
     QCOMPARE(record->bucketName, "bucket"_s);
     QCOMPARE(record->bucketRegion, "region"_s);
     delete record;
@@ -462,11 +463,11 @@ void TestRequests::areAnsweredWithoutAnyReceiver()
     answers.reset();
     server->answer(replyTo(Operations::shortSTT()), ScriptedServer::Then::KeepOpen);
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     // A second one comes through as well, on the same object.
     QSignalSpy answered(service, &VoNetworkIntf::signalShortSTT);
     Operations::shortSTT().call(service);
-    QVERIFY(answered.wait());
+    QVERIFY(answered.wait(patienceMs));
     QCOMPARE(logged(), Operations::shortSTT().start + Operations::shortSTT().start);
 }
 

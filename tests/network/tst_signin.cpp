@@ -1,4 +1,5 @@
 #include "tests/network/operationtest.h"
+#include "tests/support/patience.h"
 
 #include <QTest>
 
@@ -368,7 +369,7 @@ void TestSignIn::makesANewUserForEachSignIn()
         server->answer(ScriptedServer::reply(Operations::envelope(data)));
         const int count = users.size();
         call();
-        return waitUntil([&] { return users.size() == count + 1; });
+        return QTest::qWaitFor([&] { return users.size() == count + 1; }, patienceMs);
     };
     const auto bySms = [this] { service->SmsVerifyCodeLogin("1"_s, "2"_s); };
     const auto byCode = [this] { service->GetLoginQrCodeStatus("b"_s); };

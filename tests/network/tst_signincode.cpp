@@ -2,6 +2,7 @@
 #include "tests/network/operationtest.h"
 #include "tests/network/records.h"
 #include "tests/support/leaks.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -249,7 +250,7 @@ void TestSignInCode::emitsNothingWhenTheFileCannotBeOpened()
     const QStringList lines{fetchLine(),
                             R"(%1 ,open file error, "<temporary>/VoTTS//login_qr_code.png")"_s.arg(
                                 QLatin1String(line))};
-    QVERIFY(waitUntil([&] { return logged().size() >= lines.size(); }));
+    TRY_VERIFY(logged().size() >= lines.size());
     QCOMPARE(logged(), lines);
     QCOMPARE(answers->calls(), QStringList());
     QCOMPARE(QFile::exists(folder), obstacle != "nothing"_s); // it makes no folder
@@ -300,7 +301,7 @@ void TestSignInCode::emitsNullAloneWhenBothFail()
     server->answer(codeReply("b1"_s, "/qr"_s));
     m_files->answer(ScriptedServer::reply("", "404 Not Found"));
     service->GetLoginQrCode();
-    QVERIFY(waitUntil([&] { return logged().size() >= 3; }));
+    TRY_VERIFY(logged().size() >= 3);
     QCOMPARE(logged(),
              (QStringList{fetchLine(), "[error] %1 ContentNotFoundError"_s.arg(QLatin1String(line)),
                           R"(%1 ,open file error, "<temporary>/VoTTS//login_qr_code.png")"_s.arg(
@@ -336,7 +337,7 @@ void TestSignInCode::deliversOtherAnswersWhileItFetchesThePicture()
     connect(m_files.get(), &ScriptedServer::requestReceived, this,
             [this] { answerLate(0, ScriptedServer::reply(R"({"code":1})")); });
     service->ShortSTT("link"_s, 5, "page"_s);
-    QVERIFY(waitUntil([this] { return !server->requests().isEmpty(); }));
+    TRY_VERIFY(!server->requests().isEmpty());
     server->answer(codeReply("b1"_s, "/qr"_s));
     service->GetLoginQrCode();
     QCOMPARE(outcome(2), (QStringList{R"(signalShortSTT(1, ""))"_s, coded("b1"_s)}));
@@ -466,7 +467,7 @@ void TestSignInCode::staysSilentWhenTheObjectIsReleased()
     });
     service->GetLoginQrCode();
     service = nullptr;
-    QVERIFY(waitUntil([&] { return gone && m_files->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(gone && m_files->findChildren<QSslSocket *>().isEmpty());
     QCoreApplication::processEvents();
     QCOMPARE(answers->calls(), QStringList());
     QCOMPARE(picture(), QByteArray("no file"));

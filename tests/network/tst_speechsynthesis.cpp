@@ -1,4 +1,5 @@
 #include "tests/network/operationtest.h"
+#include "tests/support/patience.h"
 
 #include <QTest>
 
@@ -98,7 +99,7 @@ void TestSpeechSynthesis::readsTheSettingsDuringTheCall()
     service->TTS(params.get(), false, 12);
     params->text = "changed"_s;
     params.reset();
-    QVERIFY(waitUntil([this] { return !server->requests().isEmpty(); }));
+    TRY_VERIFY(!server->requests().isEmpty());
     QCOMPARE(server->requests(), QList<QByteArray>{Operations::tts().request});
 }
 

@@ -1,5 +1,6 @@
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -85,7 +86,7 @@ void TestSynchronousWait::deliversOtherAnswersInTheOrderOfTheirReplies()
     QStringList expected;
     for (int i = 0; i < order.size(); ++i) {
         order.at(i).call(service);
-        QVERIFY(waitUntil([this, i] { return server->requests().size() == i + 1; }));
+        TRY_VERIFY(server->requests().size() == i + 1);
         expected.prepend(order.at(i).answer);
     }
     const QList<QSslSocket *> open = connections();
@@ -107,7 +108,7 @@ void TestSynchronousWait::leavesRequestsThatAreUnderWayAlone()
 {
     QFETCH(Operation, operation);
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     server->answer(replyTo(operation));
     QCOMPARE(operation.result(service), operation.answer);
     QCOMPARE(answers->calls(), QStringList());
@@ -140,7 +141,7 @@ void TestSynchronousWait::canHappenInAHandlerOfAnotherSignal()
     connect(service, &VoNetworkIntf::signalSendSmsEnd, this,
             [&] { result = operation.result(service); });
     Operations::sendSmsVerifyCode().call(service);
-    QVERIFY(waitUntil([&result] { return !result.isEmpty(); }));
+    TRY_VERIFY(!result.isEmpty());
     QCOMPARE(result, operation.answer);
     QCOMPARE(outcome(), QStringList{Operations::sendSmsVerifyCode().answer});
 }
@@ -160,7 +161,7 @@ void TestSynchronousWait::canAskForOtherThingsFromAHandler()
     connect(service, &VoNetworkIntf::signalGetSTTResult, this,
             [&] { connections().first()->write(replyTo(operation)); });
     Operations::createSTTTask().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     QCOMPARE(operation.result(service), operation.answer);
     QCOMPARE(answers->calls(), (QStringList{Operations::createSTTTask().answer,
                                             Operations::getSTTTaskResult().answer}));
@@ -182,7 +183,7 @@ void TestSynchronousWait::returnsNothingWhenTheObjectIsReleased()
     QCOMPARE(operation.result(object), operation.failure);
     QVERIFY(!object);
     // Its connection ends with it, and nothing is said.
-    QVERIFY(waitUntil([this] { return server->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(server->findChildren<QSslSocket *>().isEmpty());
     QCOMPARE(logged(), operation.start + operation.start);
 }
 
@@ -190,14 +191,14 @@ void TestSynchronousWait::returnsNothingWhenTheObjectIsDeletedFromAHandler()
 {
     QFETCH(Operation, operation);
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     connect(server.get(), &ScriptedServer::requestReceived, this,
             [this] { answerLate(0, replyTo(Operations::shortSTT())); });
     VoNetworkIntf *object = service;
     service = nullptr;
     connect(object, &VoNetworkIntf::signalShortSTT, this, [object] { delete object; });
     QCOMPARE(operation.result(object), operation.failure);
-    QVERIFY(waitUntil([this] { return server->findChildren<QSslSocket *>().isEmpty(); }));
+    TRY_VERIFY(server->findChildren<QSslSocket *>().isEmpty());
     QCOMPARE(answers->calls(), QStringList{Operations::shortSTT().answer});
 }
 
@@ -262,9 +263,9 @@ void TestSynchronousWait::doesNotEndWithItsReplyWhenAnotherWaitWasNestedInIt()
     // call; then the outer one's reply, a refusal, comes, and behind it another answer. Only its
     // handler ends the outer wait.
     Operations::shortSTT().call(object);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     Operations::tts().call(object);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 2; }));
+    TRY_VERIFY(server->requests().size() == 2);
     QList<QSslSocket *> open = connections();
     connect(server.get(), &ScriptedServer::requestReceived, this, [&] {
         if (server->requests().size() > 3)
@@ -312,7 +313,7 @@ void TestSynchronousWait::ofAnotherObjectIsApart()
     const Operation inner = Operations::getBgmList();
     QString innerResult;
     Operations::shortSTT().call(service);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 1; }));
+    TRY_VERIFY(server->requests().size() == 1);
     connect(server.get(), &ScriptedServer::requestReceived, this, [&](const QByteArray &request) {
         if (request == outer.request)
             answerLate(0, replyTo(Operations::shortSTT()));

@@ -1,4 +1,5 @@
 #include "tests/network/operationtest.h"
+#include "tests/support/patience.h"
 
 #include <QTest>
 
@@ -77,9 +78,9 @@ void TestUploadSignature::makesANewRecordForEachSuccess()
     server->answer(ScriptedServer::reply(Operations::envelope(R"({"dir":"first"})")));
     server->answer(ScriptedServer::reply(Operations::envelope(R"({"dir":"second"})")));
     service->GetOssSign();
-    QVERIFY(waitUntil([&records] { return records.size() == 1; }));
+    TRY_VERIFY(records.size() == 1);
     service->GetOssSign();
-    QVERIFY(waitUntil([&records] { return records.size() == 2; }));
+    TRY_VERIFY(records.size() == 2);
     release();
 
     // Both are still there, each with its own values, though the service object is gone.

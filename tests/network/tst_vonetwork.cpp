@@ -3,6 +3,7 @@
 #include "tests/network/fakecommand.h"
 #include "tests/network/operation.h"
 #include "tests/network/servicetest.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -96,7 +97,7 @@ void TestVoNetwork::createsANewObjectWithEveryCall()
 
     QSignalSpy gone(other, &QObject::destroyed);
     VoNetwork::ReleaseVoNetwork(other);
-    QVERIFY(gone.wait());
+    QVERIFY(gone.wait(patienceMs));
 }
 
 void TestVoNetwork::createsObjectsWithConnectionsOfTheirOwn()
@@ -116,7 +117,7 @@ void TestVoNetwork::createsObjectsWithConnectionsOfTheirOwn()
     QCOMPARE(connections.size(), 2);
     QSignalSpy gone(other, &QObject::destroyed);
     VoNetwork::ReleaseVoNetwork(other);
-    QVERIFY(gone.wait());
+    QVERIFY(gone.wait(patienceMs));
 }
 
 void TestVoNetwork::createsObjectsWithDeviceIdentifiersOfTheirOwn()
@@ -144,7 +145,7 @@ void TestVoNetwork::createsObjectsWithDeviceIdentifiersOfTheirOwn()
     QSignalSpy gone(two, &QObject::destroyed);
     VoNetwork::ReleaseVoNetwork(one);
     VoNetwork::ReleaseVoNetwork(two);
-    QVERIFY(gone.wait());
+    QVERIFY(gone.wait(patienceMs));
 }
 
 void TestVoNetwork::releasesTheObjectInItsEventLoopOnly()
@@ -155,7 +156,7 @@ void TestVoNetwork::releasesTheObjectInItsEventLoopOnly()
     QCOMPARE(service->metaObject()->className(), "VoNetworker");
     QSignalSpy gone(service, &QObject::destroyed);
     service = nullptr;
-    QVERIFY(gone.wait());
+    QVERIFY(gone.wait(patienceMs));
     QVERIFY(!object);
 }
 
@@ -165,7 +166,7 @@ void TestVoNetwork::releasesOneObjectWithoutTheOther()
     Answers others(other);
     Operations::shortSTT().call(service);
     Operations::shortSTT().call(other);
-    QVERIFY(waitUntil([this] { return server->requests().size() == 2; }));
+    TRY_VERIFY(server->requests().size() == 2);
     release();
     QCOMPARE(answers->calls(), QStringList());
 
@@ -175,7 +176,7 @@ void TestVoNetwork::releasesOneObjectWithoutTheOther()
     QCOMPARE(others.calls(), QStringList{Operations::shortSTT().answer});
     QSignalSpy gone(other, &QObject::destroyed);
     VoNetwork::ReleaseVoNetwork(other);
-    QVERIFY(gone.wait());
+    QVERIFY(gone.wait(patienceMs));
 }
 
 void TestVoNetwork::isAQtObjectWithoutMembersOfItsOwn()

@@ -2,6 +2,7 @@
 
 #include "tests/network/text.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/patience.h"
 
 #include <QMetaEnum>
 #include <QMetaMethod>
@@ -351,7 +352,7 @@ void TestVoNetworkIntf::carriesItsSignalsThroughQueuedConnectionsByText()
     Records records;
     emitAll(object, &records);
     QCOMPARE(host.received, QStringList());
-    QVERIFY(QTest::qWaitFor([&host] { return host.received.size() == 8; }));
+    TRY_COMPARE(host.received.size(), 8);
     QCOMPARE(host.record, &records.sign);
     QCOMPARE(host.code, &records.code);
     QCOMPARE(host.users, (QList<UserInfo *>{&records.scanned, &records.loggedIn}));

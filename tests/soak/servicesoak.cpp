@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/localservice.h"
 
 #include <QCoreApplication>
@@ -26,7 +27,6 @@ namespace {
 
 constexpr int clientCount = 200;
 constexpr int warmUp = 5000;    // ms
-constexpr int patience = 30000; // ms
 constexpr int quietCount = 101; // requests, of whose times the median is taken
 // Freed memory stays in the allocator's arenas, of which there are several for each core, between
 // what is still in use: 4 to 12 MiB of difference between two rests were seen. What is kept by
@@ -68,14 +68,14 @@ public:
     explicit QuietClient(int port)
     {
         m_socket.connectToHostEncrypted(QStringLiteral("localhost"), static_cast<quint16>(port));
-        m_socket.waitForEncrypted(patience);
+        m_socket.waitForEncrypted(patienceMs);
     }
 
     Reply ask(const QByteArray &request)
     {
         m_socket.write(request);
         Reply reply;
-        while (!reply.isComplete() && m_socket.waitForReadyRead(patience))
+        while (!reply.isComplete() && m_socket.waitForReadyRead(patienceMs))
             reply.bytes += m_socket.readAll();
         return reply;
     }
@@ -252,7 +252,7 @@ Rest rest(qint64 process, int port)
         loop.exec();
         last = now;
         now = {memoryOf(process), quietTime(port)};
-    } while (now.memory < last.memory && elapsed.elapsed() < patience);
+    } while (now.memory < last.memory && elapsed.elapsed() < patienceMs);
     std::printf("at rest: %d KiB, %.2f ms for a request\n", now.memory, now.time);
     return now;
 }
@@ -260,7 +260,7 @@ Rest rest(qint64 process, int port)
 int portOf(QProcess *service)
 {
     QByteArray line;
-    while (!line.contains('\n') && service->waitForReadyRead(patience))
+    while (!line.contains('\n') && service->waitForReadyRead(patienceMs))
         line += service->readAllStandardOutput();
     return QUrl(QString::fromUtf8(line.split(' ').value(3).chopped(1))).port();
 }
@@ -297,7 +297,7 @@ int main(int argc, char *argv[])
     for (auto i = statuses.begin(); i != statuses.end(); ++i)
         std::printf("replies with status %d: %d\n", i.key(), i.value());
     service.terminate();
-    const bool hasEnded = service.waitForFinished(patience)
+    const bool hasEnded = service.waitForFinished(patienceMs)
                           && service.exitStatus() == QProcess::NormalExit
                           && service.exitCode() == 0;
     const bool hasFailed = statuses.contains(500) || !statuses.contains(200);

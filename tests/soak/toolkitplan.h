@@ -31,16 +31,16 @@ enum class Moment {
 /// What is planned for one request.
 struct ToolkitPlan
 {
-    /// The time-out of a request that is to be answered, longer than any answer takes. A request
-    /// that reaches it was sent through a client that does not serve the host any more.
-    static constexpr int patienceMs = 3000;
+    /// The time-out of a request that is to be answered. Longer than any answer takes: what waits
+    /// so long waits for a client that serves the host no more.
+    static constexpr int limitMs = 3000;
 
     static ToolkitPlan draw(std::mt19937 &chance);
 
     QByteArray path;
     Deed deed = Deed::Nothing;
     Moment moment = Moment::AtOnce;
-    int timeoutMs = patienceMs;
+    int timeoutMs = limitMs;
     int retries = 0;
     bool block = false;
     bool download = false;

@@ -1,6 +1,7 @@
 #include "tests/soak/toolkitsoak.h"
 
 #include "http/httprequest.h"
+#include "tests/support/patience.h"
 #include "tests/support/residentmemory.h"
 
 #include <QCoreApplication>
@@ -11,7 +12,6 @@
 namespace {
 
 constexpr int mostRunning = 32;
-constexpr int standstillMs = 30000;
 constexpr double mostGrowth = 8; // MiB from the first tenth to the end
 
 const QByteArrayList &ends()
@@ -53,7 +53,7 @@ ToolkitSoak::ToolkitSoak(QByteArray server, int requests, unsigned seed)
     , m_chance(seed)
 {
     renewClient();
-    m_standstill.setInterval(standstillMs);
+    m_standstill.setInterval(patienceMs);
     connect(&m_standstill, &QTimer::timeout, QCoreApplication::instance(), &QCoreApplication::quit);
     m_standstill.start();
     QMetaObject::invokeMethod(this, &ToolkitSoak::fill, Qt::QueuedConnection);
@@ -187,8 +187,7 @@ void ToolkitSoak::over(const Exchange &exchange)
                       : exchange.finished ? "finished"
                                           : "failed";
     ++m_ends[exchange.plan.path][end];
-    if (exchange.timedOut && !exchange.dropped
-        && exchange.plan.timeoutMs == ToolkitPlan::patienceMs) {
+    if (exchange.timedOut && !exchange.dropped && exchange.plan.timeoutMs == ToolkitPlan::limitMs) {
         const auto give = [this, client = m_clients] { giveUp(client); };
         QMetaObject::invokeMethod(this, give, Qt::QueuedConnection);
     }

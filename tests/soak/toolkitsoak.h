@@ -47,8 +47,8 @@ class ToolkitSoak : public QObject
     Q_DISABLE_COPY(ToolkitSoak)
 
 public:
-    /// @p server is a scheme, a host and a port. The event loop ends when all requests have ended,
-    /// or when none has for half a minute.
+    /// @p server: scheme, host and port. The event loop ends when all is over, or when no request
+    /// has come to an end for as long as tests are patient.
     ToolkitSoak(QByteArray server, int requests, unsigned seed);
     ~ToolkitSoak() override;
 

@@ -1,5 +1,6 @@
 #include "tests/soak/pathserver.h"
 #include "tests/soak/toolkitsoak.h"
+#include "tests/support/patience.h"
 
 #include <QCoreApplication>
 #include <QMap>
@@ -40,13 +41,13 @@ int soak(int requests, unsigned seed)
 {
     QProcess server;
     server.start(QCoreApplication::applicationFilePath(), {QStringLiteral("serve")});
-    if (!server.waitForReadyRead())
+    if (!server.waitForReadyRead(patienceMs))
         return 1;
     qInstallMessageHandler(countWarning);
     ToolkitSoak soak("http://localhost:" + server.readLine().trimmed(), requests, seed);
     QCoreApplication::exec();
     server.closeWriteChannel();
-    server.waitForFinished();
+    server.waitForFinished(patienceMs);
     for (auto warning = warnings.cbegin(); warning != warnings.cend(); ++warning)
         std::printf("%d times: %s\n", warning.value(), qPrintable(warning.key()));
     return soak.report() ? 0 : 1;

@@ -1,13 +1,13 @@
 #include "tests/support/externalserver.h"
 
+#include "tests/support/patience.h"
+
 #include <QElapsedTimer>
 #include <QStandardPaths>
 #include <QTcpServer>
 #include <QTcpSocket>
 
 namespace {
-
-constexpr int patienceMs = 30000;
 
 QString find(const QString &program)
 {
@@ -20,7 +20,7 @@ bool takesConnections(quint16 port)
 {
     QTcpSocket socket;
     socket.connectToHost(QHostAddress::LocalHost, port);
-    return socket.waitForConnected();
+    return socket.waitForConnected(patienceMs);
 }
 
 } // namespace
@@ -50,8 +50,8 @@ bool ExternalServer::start(const QStringList &arguments, quint16 port)
     m_process.start(find(m_program), arguments);
     QElapsedTimer clock;
     clock.start();
-    if (m_process.waitForStarted()) {
-        // Each turn waits a little, or until the process has ended, and tries to connect.
+    if (m_process.waitForStarted(patienceMs)) {
+        // Each turn waits for news of the process before it tries again.
         while (clock.elapsed() < patienceMs && !m_process.waitForFinished(20)) {
             if (takesConnections(port))
                 return true;

@@ -1,5 +1,7 @@
 #include "tests/support/scriptedserver.h"
 
+#include "tests/support/patience.h"
+
 #include <QDir>
 #include <QRegularExpression>
 #include <QSslSocket>
@@ -167,7 +169,7 @@ void ScriptedServer::end(QTcpSocket *socket, Then then)
         socket->flush();
         closeOnceRead(socket);
     } else if (then == Then::Reset) {
-        while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten())
+        while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten(patienceMs))
             ;
         // A socket whose linger time is 0 sends a reset when it is closed.
         const linger none{1, 0};

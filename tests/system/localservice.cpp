@@ -1,6 +1,7 @@
 #include "localservice.h"
 
 #include "serviceaddress.h"
+#include "tests/support/patience.h"
 
 #include <QDebug>
 #include <QElapsedTimer>
@@ -9,18 +10,12 @@
 
 #include <csignal>
 
-namespace {
-
-constexpr int patience = 60000; // ms
-
-} // namespace
-
 LocalService::LocalService() = default;
 
 LocalService::~LocalService()
 {
     m_process.kill();
-    m_process.waitForFinished();
+    m_process.waitForFinished(patienceMs);
     // Nobody else reads the log of a service that did what was asked of it and yet was at fault.
     if (log().contains("Sanitizer") || log().contains("runtime error"))
         qFatal("a sanitiser complains of the local service:\n%s", log().constData());
@@ -46,8 +41,8 @@ bool LocalService::startWithoutDevelopmentToken(const QStringList &furtherArgume
                         + furtherArguments);
     QElapsedTimer elapsed;
     elapsed.start();
-    while (!m_readyLine.endsWith('\n') && elapsed.elapsed() < patience) {
-        if (!m_process.waitForReadyRead(static_cast<int>(patience - elapsed.elapsed())))
+    while (!m_readyLine.endsWith('\n') && elapsed.elapsed() < patienceMs) {
+        if (!m_process.waitForReadyRead(static_cast<int>(patienceMs - elapsed.elapsed())))
             break;
         m_readyLine += m_process.readAllStandardOutput();
     }
@@ -61,7 +56,7 @@ int LocalService::stop(int signal)
     if (m_process.processId() > 0)
         ::kill(static_cast<pid_t>(m_process.processId()), signal);
     const bool ended =
-        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patience);
+        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patienceMs);
     return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
@@ -71,7 +66,7 @@ QByteArray LocalService::takeLine(const QByteArray &part)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    while (elapsed.elapsed() < patience) {
+    while (elapsed.elapsed() < patienceMs) {
         m_out += m_process.readAllStandardOutput();
         for (int end = m_out.indexOf('\n'); end >= 0; end = m_out.indexOf('\n')) {
             const QByteArray line = m_out.left(end);

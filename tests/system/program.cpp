@@ -1,5 +1,7 @@
 #include "program.h"
 
+#include "tests/support/patience.h"
+
 #include <QEventLoop>
 #include <QTimer>
 
@@ -10,21 +12,21 @@ Program::Program(const QStringList &arguments, const QString &errFile, const QSt
     m_process.setStandardErrorFile(errFile);
     m_process.setStandardOutputFile(outFile);
     m_process.start(path(), arguments);
-    m_process.waitForStarted();
+    m_process.waitForStarted(patienceMs);
 }
 
 Program::~Program()
 {
     m_process.kill();
-    m_process.waitForFinished();
+    m_process.waitForFinished(patienceMs);
 }
 
-Outcome Program::outcome(int timeoutMs)
+Outcome Program::outcome()
 {
     QEventLoop loop;
     QObject::connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
                      &loop, &QEventLoop::quit);
-    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    QTimer::singleShot(patienceMs, &loop, &QEventLoop::quit);
     if (m_process.state() != QProcess::NotRunning)
         loop.exec();
     const bool ended =

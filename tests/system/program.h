@@ -25,8 +25,8 @@ public:
                      const QString &outFile = QString());
     ~Program();
 
-    /// Waits in an event loop until the program has ended.
-    Outcome outcome(int timeoutMs = 120000);
+    /// Waits in an event loop for the end.
+    Outcome outcome();
 
     void signal(int number) const;
 

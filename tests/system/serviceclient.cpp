@@ -2,6 +2,7 @@
 
 #include "localservice.h"
 #include "serviceaddress.h"
+#include "tests/support/patience.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
@@ -14,8 +15,6 @@
 #include <QUrl>
 
 namespace {
-
-constexpr int patience = 60000; // ms
 
 QString operation(const QString &name)
 {
@@ -122,13 +121,13 @@ ServiceClient::Reply ServiceClient::verbatim(const QByteArray &requestLine,
     QSslSocket socket;
     socket.setSslConfiguration(trusting(m_authority));
     socket.connectToHostEncrypted(service.host(), static_cast<quint16>(service.port()));
-    if (!socket.waitForEncrypted(patience))
+    if (!socket.waitForEncrypted(patienceMs))
         return {};
     socket.write(requestLine + " HTTP/1.1\r\nHost: " + service.authority().toLatin1()
                  + "\r\nConnection: close\r\n" + headers
                  + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
     QByteArray reply;
-    while (socket.state() == QAbstractSocket::ConnectedState && socket.waitForReadyRead(patience))
+    while (socket.state() == QAbstractSocket::ConnectedState && socket.waitForReadyRead(patienceMs))
         reply += socket.readAll();
     reply += socket.readAll();
     const int end = reply.indexOf("\r\n\r\n");
@@ -156,7 +155,7 @@ ServiceClient::Reply ServiceClient::wait(QNetworkReply *reply)
 {
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    QTimer::singleShot(patience, reply, &QNetworkReply::abort);
+    QTimer::singleShot(patienceMs, reply, &QNetworkReply::abort);
     if (!reply->isFinished())
         loop.exec();
     Reply result{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),

@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
@@ -52,7 +53,8 @@ QByteArray scanned(const QString &picture)
     QProcess scanner;
     scanner.start(QStringLiteral("zbarimg"), {QStringLiteral("--quiet"), QStringLiteral("--raw"),
                                               QStringLiteral("--nodbus"), picture});
-    return scanner.waitForFinished() ? scanner.readAllStandardOutput().trimmed() : QByteArray();
+    return scanner.waitForFinished(patienceMs) ? scanner.readAllStandardOutput().trimmed()
+                                               : QByteArray();
 }
 
 } // namespace
@@ -166,7 +168,7 @@ private Q_SLOTS:
         const QJsonObject before = m_home->session();
         const QDateTime later =
             QDateTime::currentDateTime().addSecs(2); // times are in whole seconds
-        QTRY_VERIFY(QDateTime::currentDateTime() >= later);
+        TRY_VERIFY(QDateTime::currentDateTime() >= later);
         QCOMPARE(run(say()).status, 0);
         const QJsonObject after = m_home->session();
         QVERIFY(after.value(QLatin1String("token")) != before.value(QLatin1String("token")));
@@ -194,7 +196,7 @@ private Q_SLOTS:
                                   QStringLiteral("--refresh-lifetime"), QStringLiteral("2")}));
         QCOMPARE(signInBySms().status, 0);
         const QJsonObject session = m_home->session();
-        QTRY_VERIFY_WITH_TIMEOUT(hasPassed(session, "sessionExpires"), 20000);
+        TRY_VERIFY(hasPassed(session, "sessionExpires"));
         const Outcome outcome = run(say());
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.err, "vospeak: the session has expired; " + signInAgain());
@@ -271,7 +273,7 @@ private:
     static bool waitForDrawing(Program *program)
     {
         return QTest::qWaitFor([program] { return program->err().endsWith("login_qr_code.png\n"); },
-                               60000);
+                               patienceMs);
     }
 
     // Another code of the same length.
@@ -306,7 +308,7 @@ private:
         QNetworkAccessManager manager;
         QNetworkReply *reply = manager.post(request, body);
         QSignalSpy finished(reply, &QNetworkReply::finished);
-        finished.wait(60000);
+        finished.wait(patienceMs);
         return reply->error() == QNetworkReply::NoError ? reply->readAll() : QByteArray();
     }
 

@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
@@ -192,7 +193,7 @@ private Q_SLOTS:
                     {QStringLiteral("-c"),
                      QStringLiteral(R"x("$0" say hello --token 1 -o "$(printf '\377\376.wav')")x"),
                      Program::path()});
-        QVERIFY(shell.waitForFinished());
+        QVERIFY(shell.waitForFinished(patienceMs));
         QCOMPARE(shell.readAllStandardError(),
                  QByteArray("vospeak: an argument is no text in the encoding of the locale\n"));
         QCOMPARE(shell.exitCode(), 2);
@@ -216,7 +217,7 @@ private Q_SLOTS:
         QFETCH(const QStringList, command);
         QProcess service;
         service.start(LocalService::program(), command);
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 2);
         QCOMPARE(service.readAllStandardOutput(), QByteArray());
@@ -229,7 +230,7 @@ private Q_SLOTS:
         QProcess service;
         service.start(LocalService::program(),
                       arguments("--port 1 --data some.wav --development-token 1"));
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 1);
         const QByteArray err = service.readAllStandardError();
@@ -240,7 +241,7 @@ private Q_SLOTS:
     {
         QProcess service;
         service.start(LocalService::program(), arguments("--help"));
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitCode(), 0);
         const QByteArray out = service.readAllStandardOutput();
         for (const char *option : {"--port", "--data", "--development-token", "--workers"})

@@ -1,4 +1,5 @@
 #include "tests/support/nginxserver.h"
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 #include "tests/system/filesizelimit.h"
@@ -359,7 +360,7 @@ private Q_SLOTS:
         TestFolder::write(file, "older");
         Program program({QStringLiteral("fetch"), m_server.address(QStringLiteral("/f")),
                          QStringLiteral("-o"), file});
-        QTRY_COMPARE_WITH_TIMEOUT(TestFolder::contents(part), QByteArray("abcd"), 30000);
+        TRY_COMPARE(TestFolder::contents(part), QByteArray("abcd"));
         program.signal(number);
         const Outcome outcome = program.outcome();
         QCOMPARE(outcome.status, 128 + number);
@@ -563,7 +564,7 @@ private:
         QStringList command{QStringLiteral("fetch"), address, QStringLiteral("-o"), file};
         if (!option.isEmpty())
             command << option;
-        return Program(withAuthority(command)).outcome(60000);
+        return Program(withAuthority(command)).outcome();
     }
 
     static void verifyQuietSuccess(const Outcome &outcome)

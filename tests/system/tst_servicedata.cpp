@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/localservice.h"
 
 #include <QFile>
@@ -40,7 +41,7 @@ bool makeFutureAuthority(const QString &folder)
              "policy=any\\n[any]\\ncommonName=supplied\\n') -keyfile server-key.pem -in request"
              " -out authority.pem -outdir . -startdate 20990101000000Z -enddate 21000101000000Z\n"
              "cp authority.pem server.pem")});
-    return shell.waitForFinished() && shell.exitStatus() == QProcess::NormalExit
+    return shell.waitForFinished(patienceMs) && shell.exitStatus() == QProcess::NormalExit
            && shell.exitCode() == 0;
 }
 
@@ -126,7 +127,7 @@ private:
         QProcess other;
         other.start(LocalService::program(), {QStringLiteral("--port"), QStringLiteral("0"),
                                               QStringLiteral("--data"), folder()});
-        const bool hasRefused = other.waitForFinished()
+        const bool hasRefused = other.waitForFinished(patienceMs)
                                 && other.exitStatus() == QProcess::NormalExit
                                 && other.exitCode() == 1;
         return hasRefused ? other.readAllStandardError() : QByteArray();

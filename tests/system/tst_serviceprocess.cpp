@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
 #include "tests/system/serviceclient.h"
@@ -33,7 +34,7 @@ bool accepts(const QHostAddress &address)
 {
     QTcpSocket socket;
     socket.connectToHost(address, servicePort());
-    return socket.waitForConnected(3000);
+    return socket.waitForConnected(patienceMs);
 }
 
 /// The bytes that wait to be read from @p pipe.
@@ -104,7 +105,7 @@ private Q_SLOTS:
         QVERIFY(service.start());
         QTcpSocket idle;
         idle.connectToHost(QHostAddress(QHostAddress::LocalHost), servicePort());
-        QVERIFY(idle.waitForConnected());
+        QVERIFY(idle.waitForConnected(patienceMs));
         ServiceClient client(service.authority());
         const QJsonObject task{
             {QStringLiteral("feature"), QStringLiteral("longVoiceSynthesis")},
@@ -142,7 +143,7 @@ private Q_SLOTS:
                       {QStringLiteral("--port"), QString::number(servicePort()),
                        QStringLiteral("--data"), folder.filePath(QStringLiteral("data"))});
         // The line that says that it is ready.
-        QTRY_VERIFY_WITH_TIMEOUT(available(unread) > 0 || service.bytesAvailable() > 0, 60000);
+        TRY_VERIFY(available(unread) > 0 || service.bytesAvailable() > 0);
 
         QVERIFY(fill(unread) > 0);
         ServiceClient client(folder.filePath(QStringLiteral("data/tls/authority.pem")));
@@ -155,7 +156,7 @@ private Q_SLOTS:
                         .isSuccess());
         QVERIFY2(elapsed.elapsed() < 2000, QByteArray::number(elapsed.elapsed()));
         service.terminate();
-        QVERIFY(service.waitForFinished(30000));
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 0);
         close(unread);
@@ -172,7 +173,7 @@ private Q_SLOTS:
         service.start(LocalService::program(),
                       {QStringLiteral("--port"), QString::number(servicePort()),
                        QStringLiteral("--data"), folder.filePath(QStringLiteral("data"))});
-        QTRY_VERIFY_WITH_TIMEOUT(service.bytesAvailable() > 0, 60000);
+        TRY_VERIFY(service.bytesAvailable() > 0);
         ServiceClient client(folder.filePath(QStringLiteral("data/tls/authority.pem")));
         for (int i = 0; i < 600; ++i)
             QVERIFY(client
@@ -180,7 +181,7 @@ private Q_SLOTS:
                                             "/convert/public/index.php/v1/upload/getsignsts"))
                         .isSuccess());
         service.terminate();
-        QVERIFY(service.waitForFinished(30000));
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 0);
         close(terminal);
@@ -191,7 +192,7 @@ private Q_SLOTS:
         QProcess service;
         service.setStandardOutputFile(QStringLiteral("/dev/full"));
         service.start(LocalService::program(), {QStringLiteral("--help")});
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 1);
     }
@@ -206,7 +207,7 @@ private Q_SLOTS:
                        QStringLiteral("bash"), LocalService::program(), QStringLiteral("--port"),
                        QString::number(servicePort()), QStringLiteral("--data"),
                        folder.filePath(QStringLiteral("data"))});
-        QTRY_VERIFY_WITH_TIMEOUT(accepts(QHostAddress(QHostAddress::LocalHost)), 60000);
+        TRY_VERIFY(accepts(QHostAddress(QHostAddress::LocalHost)));
         ServiceClient client(authority);
         QVERIFY(client
                     .get(QStringLiteral(SERVICE_BASE_ADDRESS
@@ -217,7 +218,7 @@ private Q_SLOTS:
         QVERIFY(first.exists());
         QCOMPARE(first.size(), 0);
         service.terminate();
-        QVERIFY(service.waitForFinished(30000));
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitCode(), 0);
     }
 
@@ -242,7 +243,7 @@ private Q_SLOTS:
         second.start(LocalService::program(), arguments("--development-token 1 --port")
                                                   << QString::number(servicePort())
                                                   << QStringLiteral("--data") << folder.path());
-        QVERIFY(second.waitForFinished());
+        QVERIFY(second.waitForFinished(patienceMs));
         QCOMPARE(second.exitStatus(), QProcess::NormalExit);
         QCOMPARE(second.exitCode(), 1);
         QCOMPARE(second.readAllStandardOutput(), QByteArray());
@@ -274,7 +275,7 @@ private Q_SLOTS:
                        QStringLiteral("--as=%1").arg(threads * gib + gib / 2),
                        LocalService::program(), QStringLiteral("--port"), QStringLiteral("0"),
                        QStringLiteral("--data"), folder.path()});
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 1);
         QCOMPARE(service.readAllStandardOutput(), QByteArray());
@@ -319,7 +320,7 @@ private Q_SLOTS:
         client.start(QStringLiteral("openssl"),
                      {QStringLiteral("s_client"), version, QStringLiteral("-connect"),
                       QStringLiteral("127.0.0.1:%1").arg(servicePort())});
-        QVERIFY(client.waitForFinished());
+        QVERIFY(client.waitForFinished(patienceMs));
         QCOMPARE(client.exitCode(), isSpoken ? 0 : 1);
         QCOMPARE(client.readAllStandardError().contains("alert protocol version"), !isSpoken);
     }
@@ -333,11 +334,11 @@ private Q_SLOTS:
         QSslSocket socket;
         socket.setSslConfiguration(tls);
         socket.connectToHostEncrypted(QStringLiteral("localhost"), servicePort());
-        QVERIFY(socket.waitForEncrypted());
+        QVERIFY(socket.waitForEncrypted(patienceMs));
         const auto ask = [&] {
             socket.write("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
             QByteArray reply;
-            while (!reply.endsWith('}') && socket.waitForReadyRead())
+            while (!reply.endsWith('}') && socket.waitForReadyRead(patienceMs))
                 reply += socket.readAll();
             return reply;
         };
@@ -368,7 +369,7 @@ private Q_SLOTS:
 
         // That sign-in is bypassed; speaking; credentials, upload and recognition; credentials; the
         // refused ones. A line is written when its reply is out already.
-        QTRY_COMPARE(service.log().count('\n'), 9);
+        TRY_COMPARE(service.log().count('\n'), 9);
         const QByteArray log = service.log();
         QVERIFY(log.endsWith('\n'));
         QCOMPARE(log.count("asr/process"), 3);
@@ -391,7 +392,7 @@ private Q_SLOTS:
         QVERIFY(service.startWithoutDevelopmentToken());
         ServiceClient client(service.authority());
         client.verbatim("GET /a%0aforged%20line", QByteArray());
-        QTRY_VERIFY(service.log().contains('\n'));
+        TRY_VERIFY(service.log().contains('\n'));
         QCOMPARE(service.log().count('\n'), 1);
         QVERIFY(service.log().endsWith('\n'));
     }

@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/localservice.h"
 #include "tests/system/signinsteps.h"
 
@@ -34,7 +35,7 @@ QString decoded(const QByteArray &picture)
     QProcess reader;
     reader.start(QStringLiteral("zbarimg"), {QStringLiteral("--quiet"), QStringLiteral("--raw"),
                                              QStringLiteral("--nodbus"), file.fileName()});
-    if (!reader.waitForFinished())
+    if (!reader.waitForFinished(patienceMs))
         return QStringLiteral("zbarimg: ") + reader.errorString();
     return QString::fromUtf8(reader.readAllStandardOutput()).trimmed();
 }
@@ -184,7 +185,7 @@ private Q_SLOTS:
     void anExpiredCodeIsOfNoUse()
     {
         QVERIFY(begin({QStringLiteral("--code-lifetime"), QStringLiteral("2")}));
-        QTRY_COMPARE_WITH_TIMEOUT(polled(), over, 30000);
+        TRY_COMPARE(polled(), over);
         const auto page = m_steps->client().get(m_page);
         QCOMPARE(page.status, 410);
         QVERIFY2(page.body.contains("<h1>Code expired</h1>"), page.body.constData());
@@ -306,7 +307,7 @@ private Q_SLOTS:
             QString(m_page).replace(QLatin1String("/signin/"), QLatin1String("//signin//")));
         polled();
         // The first asked for the code.
-        QTRY_COMPARE(m_service->log().count('\n'), 5);
+        TRY_COMPARE(m_service->log().count('\n'), 5);
         const QByteArray log = m_service->log();
         const QStringList all = secrets();
         for (const QString &secret : all)

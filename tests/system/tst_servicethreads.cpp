@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/localservice.h"
 #include "tests/system/serviceclient.h"
 #include "tests/system/signinsteps.h"
@@ -161,7 +162,7 @@ private Q_SLOTS:
             for (++begun; !stopped;)
                 client.round(QString());
         });
-        QTRY_COMPARE_WITH_TIMEOUT(begun.load(), clients, 60000);
+        TRY_COMPARE(begun.load(), clients);
         const int status = service.stop(SIGTERM);
         stopped = true;
         for (std::thread &thread : threads)

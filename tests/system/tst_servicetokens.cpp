@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
 #include "tests/system/signinsteps.h"
@@ -16,8 +17,6 @@
 #include <csignal>
 
 namespace {
-
-constexpr int patience = 30000; // ms, while the service writes to its database
 
 QString phone() { return QStringLiteral("+447700900001"); }
 
@@ -164,7 +163,7 @@ private Q_SLOTS:
         const QJsonObject signedIn = m_steps->signIn(phone());
         keepExpiredTokens();
         QCOMPARE(m_steps->speak(SignInSteps::token(signedIn)), 0);
-        QTRY_COMPARE_WITH_TIMEOUT(m_steps->speak(SignInSteps::token(signedIn)), 401, 30000);
+        TRY_COMPARE(m_steps->speak(SignInSteps::token(signedIn)), 401);
         const auto renewed = m_steps->renew(SignInSteps::token(signedIn, "refresh_token"));
         const double token = renewed.data().value(QLatin1String("token")).toDouble();
         QCOMPARE(m_steps->speak(QString::number(static_cast<qint64>(token))), 0);
@@ -177,7 +176,7 @@ private Q_SLOTS:
         keepExpiredTokens();
         const QString refresh = SignInSteps::token(signedIn, "refresh_token");
         QCOMPARE(m_steps->renew(refresh).code(), 0);
-        QTRY_COMPARE_WITH_TIMEOUT(m_steps->renew(refresh).code(), 401, 30000);
+        TRY_COMPARE(m_steps->renew(refresh).code(), 401);
         QCOMPARE(m_steps->speak(SignInSteps::token(signedIn)), 0);
     }
 
@@ -194,7 +193,7 @@ private Q_SLOTS:
         QCOMPARE(m_steps->speak(first), 401);
         const double last = renewed.data().value(QLatin1String("token")).toDouble();
         QCOMPARE(m_steps->speak(QString::number(static_cast<qint64>(last))), 0);
-        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patience);
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patienceMs);
         QCOMPARE(database.execAndGet("SELECT COUNT(*) FROM token WHERE kind = 0").getInt(), 1000);
     }
 
@@ -234,9 +233,8 @@ private Q_SLOTS:
         QVERIFY(begin({QStringLiteral("--token-lifetime"), QStringLiteral("1"),
                        QStringLiteral("--refresh-lifetime"), QStringLiteral("1")}));
         QVERIFY(!m_steps->signIn(phone()).isEmpty());
-        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patience);
-        QTRY_COMPARE_WITH_TIMEOUT(database.execAndGet("SELECT COUNT(*) FROM token").getInt(), 0,
-                                  30000);
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patienceMs);
+        TRY_COMPARE(database.execAndGet("SELECT COUNT(*) FROM token").getInt(), 0);
     }
 
     void onlyTheUserCanReadTheDatabase()
@@ -256,7 +254,7 @@ private Q_SLOTS:
     {
         QVERIFY(begin());
         const QJsonObject signedIn = m_steps->signIn(phone());
-        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patience);
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READONLY, patienceMs);
         SQLite::Statement query(database, "SELECT digest FROM token");
         int rows = 0;
         for (; query.executeStep(); ++rows) {
@@ -293,7 +291,7 @@ private Q_SLOTS:
         QProcess service;
         service.start(LocalService::program(), {QStringLiteral("--port"), QStringLiteral("0"),
                                                 QStringLiteral("--data"), folder.path()});
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitStatus(), QProcess::NormalExit);
         QCOMPARE(service.exitCode(), 1);
         QCOMPARE(service.readAllStandardError(),
@@ -321,7 +319,7 @@ private Q_SLOTS:
     {
         QProcess service;
         service.start(LocalService::program(), arguments("--port 0 --token 1 --data none"));
-        QVERIFY(service.waitForFinished());
+        QVERIFY(service.waitForFinished(patienceMs));
         QCOMPARE(service.exitCode(), 2);
     }
 
@@ -338,7 +336,7 @@ private:
     // Gives the account that has one access token @p count more, which expire later than that one.
     void makeTokens(int count) const
     {
-        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READWRITE, patience);
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READWRITE, patienceMs);
         database.exec("UPDATE token SET expires = expires - 60 WHERE kind = 0");
         database.exec("WITH RECURSIVE number (n) AS "
                       "(SELECT 1 UNION ALL SELECT n + 1 FROM number WHERE n < "
@@ -351,7 +349,7 @@ private:
     // Makes the service's sweeping without effect, so that it has to look at the time itself.
     void keepExpiredTokens() const
     {
-        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READWRITE, patience);
+        SQLite::Database database(databaseFile().toStdString(), SQLite::OPEN_READWRITE, patienceMs);
         database.exec("CREATE TRIGGER kept BEFORE DELETE ON token "
                       "BEGIN SELECT RAISE(IGNORE); END");
     }

@@ -1,3 +1,4 @@
+#include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
 #include "tests/support/testfolder.h"
 #include "tests/system/answers.h"
@@ -475,8 +476,8 @@ private Q_SLOTS:
             for (const QByteArray &answer : answers)
                 m_server.answer(answer);
             Program program(withAuthority(command));
-            QTRY_VERIFY_WITH_TIMEOUT(program.err().endsWith(shown), 60000);
-            QTRY_VERIFY_WITH_TIMEOUT(m_server.requests().size() >= answers.size(), 60000);
+            TRY_VERIFY(program.err().endsWith(shown));
+            TRY_VERIFY(m_server.requests().size() >= answers.size());
             program.signal(number);
             const Outcome outcome = program.outcome();
             QCOMPARE(outcome.status, 128 + number);
@@ -503,7 +504,7 @@ private Q_SLOTS:
         QProcess setUp;
         setUp.setWorkingDirectory(QFileInfo(m_home->pictureFolder()).path());
         setUp.start(QStringLiteral("sh"), {QStringLiteral("-ec"), shell});
-        QVERIFY(setUp.waitForFinished() && setUp.exitCode() == 0);
+        QVERIFY(setUp.waitForFinished(patienceMs) && setUp.exitCode() == 0);
         const Outcome outcome = run(arguments("login --qr"));
         QCOMPARE(outcome.status, 1);
         QVERIFY2(isOneLine(outcome.err) && outcome.err.contains("VoTTS"), outcome.err.constData());
