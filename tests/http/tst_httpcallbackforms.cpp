@@ -37,6 +37,32 @@ public:
     QStringList calls;
 };
 
+struct NoObject
+{
+    void text(QString) {}
+};
+
+constexpr Receiver *receiver = nullptr;
+constexpr NoObject *noObject = nullptr;
+
+/// Whether a typed convenience of @p Kind takes these arguments.
+template <CallbackKind Kind, typename... Target>
+constexpr bool fits(Target &&...)
+{
+    return HttpCallbackForms::Fits<Kind, Target...>::value;
+}
+
+using Kind = CallbackKind;
+static_assert(fits<Kind::Finished>(receiver, &Receiver::text));
+static_assert(!fits<Kind::Finished>([](int) {}), "a wrong parameter");
+static_assert(!fits<Kind::Finished>([](QByteArray, int) {}), "too many parameters");
+static_assert(!fits<Kind::Finished>([](auto) {}), "any parameter");
+static_assert(!fits<Kind::Finished>(receiver, &Receiver::code), "a member of another form");
+static_assert(!fits<Kind::Finished>(42), "not a callable");
+static_assert(!fits<Kind::UploadProgress>([](QByteArray) {}), "a form of another family");
+static_assert(!fits<Kind::Finished>(noObject, &NoObject::text), "the receiver is no object");
+static_assert(!fits<Kind::Error>([](QString) {}), "an error with a QString");
+
 } // namespace
 
 /// The typed conveniences: what each puts into the table, and how long a member is called.
