@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QTest>
 #include <QVariant>
 
 WireRequest::WireRequest(const QByteArray &bytes)
@@ -68,6 +69,13 @@ QString HttpTesting::recorded(const QVariant &value)
         return value.toString();
     QDebug(&text).nospace() << value;
     return text;
+}
+
+void HttpTesting::addDownloadRows()
+{
+    QTest::addColumn<bool>("download");
+    QTest::newRow("body") << false;
+    QTest::newRow("download") << true;
 }
 
 quint16 HttpTesting::deadPort()

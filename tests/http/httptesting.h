@@ -47,6 +47,9 @@ QByteArray withoutLanguage(const QByteArray &request);
 /// The text that a SignalRecorder writes for @p value.
 QString recorded(const QVariant &value);
 
+/// The column "download", and a row without and one with it.
+void addDownloadRows();
+
 /// A port on which nobody listens.
 quint16 deadPort();
 

@@ -1,7 +1,7 @@
 #include "http/httpclient.h"
 #include "http/httpresponse.h"
-#include "tests/http/callbacklog.h"
 #include "tests/http/httptesting.h"
+#include "tests/http/loggingreceiver.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
@@ -38,23 +38,6 @@ protected:
         return -1;
     }
     qint64 writeData(const char *, qint64) override { return -1; }
-};
-
-class Receiver : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit Receiver(CallbackLog *log)
-        : m_log(log)
-    {
-    }
-
-public Q_SLOTS:
-    void done() { m_log->add("slot"_s); }
-
-private:
-    CallbackLog *m_log;
 };
 
 } // namespace
@@ -360,11 +343,11 @@ private Q_SLOTS:
         server.answer(ScriptedServer::reply("late"));
         HttpClient client;
         CallbackLog log;
-        auto receiver = std::make_unique<Receiver>(&log);
+        auto receiver = std::make_unique<LoggingReceiver>(&log);
         HttpRequest request(HttpMethod::Get, &client);
         request.url(server.address("/"_s))
             .onFinished(receiver.get(), SLOT(done()))
-            .onFinished(receiver.get(), &Receiver::done)
+            .onFinished(receiver.get(), &LoggingReceiver::done)
             .onError(receiver.get(), SLOT(done()));
         connect(&server, &ScriptedServer::requestReceived, this, [&receiver] { receiver.reset(); });
         QVERIFY(waitUntilGone(log.bindOutcomes(request).send()));

@@ -1,8 +1,8 @@
 #include "http/httpclient.h"
 #include "http/httpresponse.h"
-#include "tests/http/callbacklog.h"
 #include "tests/http/controlledreply.h"
 #include "tests/http/httptesting.h"
+#include "tests/http/loggingreceiver.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
@@ -11,29 +11,6 @@
 
 #include <limits>
 #include <memory>
-
-namespace {
-
-/// A receiver that notes when it is called.
-class Receiver : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit Receiver(CallbackLog *log)
-        : m_log(log)
-    {
-    }
-
-public Q_SLOTS:
-    void done() { m_log->add("slot"_s); }
-    void bytes(QByteArray body) { m_log->add("slot "_s + QString::fromLatin1(body)); }
-
-private:
-    CallbackLog *m_log;
-};
-
-} // namespace
 
 /// How often a request goes out, and what is reported of it: retries and repeats.
 class TestHttpAttempts : public QObject
@@ -192,7 +169,7 @@ private Q_SLOTS:
     {
         ControlledClient client;
         CallbackLog log;
-        Receiver receiver(&log);
+        LoggingReceiver receiver(&log);
         HttpRequest(HttpMethod::Get, &client)
             .repeat(3)
             .onFinished(&receiver, SLOT(bytes(QByteArray)))
@@ -219,8 +196,8 @@ private Q_SLOTS:
         QFETCH(bool, typed);
         ControlledClient client;
         CallbackLog log;
-        auto receiver = std::make_unique<Receiver>(&log);
-        Receiver other(&log);
+        auto receiver = std::make_unique<LoggingReceiver>(&log);
+        LoggingReceiver other(&log);
         const QVariant target = typed ? QVariant::fromValue(receiver.get())
                                       : QVariant::fromValue<QObject *>(receiver.get());
         HttpRequest(HttpMethod::Get, &client)
@@ -247,7 +224,7 @@ private Q_SLOTS:
     {
         ControlledClient client;
         CallbackLog log;
-        auto *receiver = new Receiver(&log);
+        auto *receiver = new LoggingReceiver(&log);
         HttpRequest(HttpMethod::Get, &client)
             .repeat(2)
             .onFinished(receiver, SLOT(bytes(QByteArray)))
@@ -268,25 +245,25 @@ private Q_SLOTS:
         // What is remembered of a receiver must not be its address alone.
         ControlledClient client;
         CallbackLog log;
-        alignas(Receiver) unsigned char place[sizeof(Receiver)];
-        auto *first = new (place) Receiver(&log);
+        alignas(LoggingReceiver) unsigned char place[sizeof(LoggingReceiver)];
+        auto *first = new (place) LoggingReceiver(&log);
         HttpRequest(HttpMethod::Get, &client)
             .repeat(2)
             .bind(CallbackKind::Repeated, "1done()"_s, QVariant::fromValue<QObject *>(first))
             .send();
-        first->~Receiver();
-        auto *second = new (place) Receiver(&log);
+        first->~LoggingReceiver();
+        auto *second = new (place) LoggingReceiver(&log);
         client.replies.at(0)->succeed();
         client.replies.at(1)->succeed();
         QCOMPARE(log.lines(), QStringList());
-        second->~Receiver();
+        second->~LoggingReceiver();
     }
 
     void aWatchedReceiverReadsAsAnObjectAndAsNullOnceItIsGone()
     {
         ControlledClient client;
         CallbackLog log;
-        auto receiver = std::make_unique<Receiver>(&log);
+        auto receiver = std::make_unique<LoggingReceiver>(&log);
         const HttpResponse *response = HttpRequest(HttpMethod::Get, &client)
                                            .repeat(2)
                                            .onRepeated(receiver.get(), SLOT(done()))
@@ -302,7 +279,7 @@ private Q_SLOTS:
         LogCapture messages;
         ControlledClient client;
         CallbackLog log;
-        Receiver receiver(&log);
+        LoggingReceiver receiver(&log);
         HttpRequest(HttpMethod::Get, &client)
             .repeat(2)
             .bind(CallbackKind::Repeated, "1missing()"_s, QVariant::fromValue<QObject *>(&receiver))
@@ -316,13 +293,13 @@ private Q_SLOTS:
     {
         ControlledClient client;
         CallbackLog log;
-        auto receiver = std::make_unique<Receiver>(&log);
+        auto receiver = std::make_unique<LoggingReceiver>(&log);
         HttpRequest(HttpMethod::Get, &client)
             .retry(1)
             .repeat(2)
             .onError(receiver.get(), SLOT(done()))
             .onRetried(receiver.get(), SLOT(done()))
-            .onFinished(receiver.get(), &Receiver::bytes)
+            .onFinished(receiver.get(), &LoggingReceiver::bytes)
             .send();
         client.replies.at(0)->fail(QNetworkReply::TimeoutError, "late"_s);
         receiver.reset();

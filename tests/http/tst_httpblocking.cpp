@@ -31,12 +31,7 @@ class TestHttpBlocking : public QObject
     }
 
 private Q_SLOTS:
-    void sendReturnsAfterTheCallbacks_data()
-    {
-        QTest::addColumn<bool>("download");
-        QTest::newRow("body") << false;
-        QTest::newRow("download") << true;
-    }
+    void sendReturnsAfterTheCallbacks_data() { HttpTesting::addDownloadRows(); }
     void sendReturnsAfterTheCallbacks()
     {
         QFETCH(bool, download);
@@ -341,9 +336,7 @@ private Q_SLOTS:
 
     void anApplicationThatQuitsEndsTheWaitButNotTheExchange_data()
     {
-        QTest::addColumn<bool>("download");
-        QTest::newRow("body") << false;
-        QTest::newRow("download") << true;
+        HttpTesting::addDownloadRows();
     }
     void anApplicationThatQuitsEndsTheWaitButNotTheExchange()
     {
@@ -372,12 +365,7 @@ private Q_SLOTS:
     }
 
     // As a worker does that sends its last message.
-    void aThreadThatWasToldToQuitMayBlock_data()
-    {
-        QTest::addColumn<bool>("download");
-        QTest::newRow("body") << false;
-        QTest::newRow("download") << true;
-    }
+    void aThreadThatWasToldToQuitMayBlock_data() { HttpTesting::addDownloadRows(); }
     void aThreadThatWasToldToQuitMayBlock()
     {
         QFETCH(bool, download);
@@ -438,12 +426,7 @@ private Q_SLOTS:
         QCOMPARE(log.lines(), QStringList{"none"_s});
     }
 
-    void aRequestThatCannotBeSentDoesNotWait_data()
-    {
-        QTest::addColumn<bool>("download");
-        QTest::newRow("body") << false;
-        QTest::newRow("download") << true;
-    }
+    void aRequestThatCannotBeSentDoesNotWait_data() { HttpTesting::addDownloadRows(); }
     void aRequestThatCannotBeSentDoesNotWait()
     {
         QFETCH(bool, download);

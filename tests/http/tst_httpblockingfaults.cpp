@@ -282,9 +282,7 @@ private Q_SLOTS:
 
     void anAwaitedRequestThatFailsWhileAnotherIsAwaitedIsStillThere_data()
     {
-        QTest::addColumn<bool>("download");
-        QTest::newRow("body") << false;
-        QTest::newRow("download") << true;
+        HttpTesting::addDownloadRows();
     }
     void anAwaitedRequestThatFailsWhileAnotherIsAwaitedIsStillThere()
     {

@@ -125,12 +125,7 @@ private Q_SLOTS:
         QVERIFY2(parts > 1, qPrintable(QString::number(parts)));
     }
 
-    void aLimitThatIsNotNeededLeavesNoTimer_data()
-    {
-        QTest::addColumn<bool>("download");
-        QTest::newRow("body") << false;
-        QTest::newRow("download") << true;
-    }
+    void aLimitThatIsNotNeededLeavesNoTimer_data() { HttpTesting::addDownloadRows(); }
     void aLimitThatIsNotNeededLeavesNoTimer()
     {
         QFETCH(bool, download);
@@ -226,8 +221,19 @@ private Q_SLOTS:
         QVERIFY(!log.lines().contains("timeout()"_s));
     }
 
+    void aDownloadIsArmedWhenItStartsAndWhenItIsSent_data()
+    {
+        QTest::addColumn<int>("ms");
+        QTest::addColumn<int>("started");
+        QTest::addColumn<int>("sent");
+        QTest::newRow("with a limit") << 60000 << 1 << 2;
+        QTest::newRow("without one") << -1 << 0 << 0;
+    }
     void aDownloadIsArmedWhenItStartsAndWhenItIsSent()
     {
+        QFETCH(int, ms);
+        QFETCH(int, started);
+        QFETCH(int, sent);
         const TestFolder folder;
         ScriptedServer server;
         QVERIFY(server.start());
@@ -236,28 +242,12 @@ private Q_SLOTS:
         const HttpResponse *response = HttpRequest(HttpMethod::Get, &client)
                                            .url(server.address("/"_s))
                                            .download(folder.path("f"_s))
-                                           .timeout(60000)
+                                           .timeout(ms)
                                            .send();
-        QCOMPARE(armed(response), 1);
-        QSignalSpy sent(response, &HttpResponse::replyChanged);
-        QVERIFY(sent.wait(patienceMs));
-        QCOMPARE(armed(response), 2);
-    }
-
-    void aDownloadWithoutALimitIsNeverArmed()
-    {
-        const TestFolder folder;
-        ScriptedServer server;
-        QVERIFY(server.start());
-        server.answer(ScriptedServer::reply("body"));
-        HttpClient client;
-        const HttpResponse *response = HttpRequest(HttpMethod::Get, &client)
-                                           .url(server.address("/"_s))
-                                           .download(folder.path("f"_s))
-                                           .send();
-        QSignalSpy sent(response, &HttpResponse::replyChanged);
-        QVERIFY(sent.wait(patienceMs));
-        QCOMPARE(armed(response), 0);
+        QCOMPARE(armed(response), started);
+        QSignalSpy changed(response, &HttpResponse::replyChanged);
+        QVERIFY(changed.wait(patienceMs));
+        QCOMPARE(armed(response), sent);
     }
 
     void aLimitThatExpiresDuringTheProbeEndsNothing()

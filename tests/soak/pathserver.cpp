@@ -5,42 +5,31 @@
 
 #include <memory>
 
-#include <sys/socket.h>
-
-namespace {
-
-QByteArray reply(const QByteArray &body, const QByteArray &status = "200 OK",
-                 const QByteArray &headers = QByteArray())
-{
-    return "HTTP/1.1 " + status + "\r\n" + headers
-           + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
-}
-
-} // namespace
-
 PathServer::PathServer() = default;
 
 const std::vector<PathServer::Path> &PathServer::paths()
 {
+    using Server = ScriptedServer;
+    using Then = Server::Then;
     static const QByteArray chunks =
         "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nchunk\r\n";
     static const QByteArray partly = "HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n";
     static const std::vector<Path> all{
-        {"/ok", reply("there"), Then::KeepOpen, 0},
-        {"/long", reply(QByteArray(300000, 'x')), Then::KeepOpen, 0},
-        {"/chunks", chunks + "0\r\n\r\n", Then::KeepOpen, 0},
-        {"/slow", reply("late"), Then::KeepOpen, 30},
-        {"/error", reply("no", "500 Broken"), Then::KeepOpen, 0},
-        {"/redirect", reply("", "302 Found", "Location: /ok\r\n"), Then::KeepOpen, 0},
-        {"/loop", reply("", "302 Found", "Location: /loop\r\n"), Then::KeepOpen, 0},
-        {"/nonsense", "nonsense\r\n\r\n", Then::Close, 0},
-        {"/close", reply("last", "200 OK", "Connection: close\r\n"), Then::Close, 0},
-        {"/drop", "", Then::Close, 0},
-        {"/cut", partly + "part", Then::Close, 0},
-        {"/cut-chunks", chunks, Then::Close, 0},
-        {"/reset", "", Then::Reset, 0},
-        {"/reset-late", partly + "part", Then::Reset, 10},
-        {"/silent", "", Then::KeepOpen, 0},
+        {"/ok", {Server::reply("there"), Then::KeepOpen}},
+        {"/long", {Server::reply(QByteArray(300000, 'x')), Then::KeepOpen}},
+        {"/chunks", {chunks + "0\r\n\r\n", Then::KeepOpen}},
+        {"/slow", {Server::reply("late"), Then::KeepOpen}, 30},
+        {"/error", {Server::reply("no", "500 Broken"), Then::KeepOpen}},
+        {"/redirect", {Server::reply("", "302 Found", "Location: /ok\r\n"), Then::KeepOpen}},
+        {"/loop", {Server::reply("", "302 Found", "Location: /loop\r\n"), Then::KeepOpen}},
+        {"/nonsense", {"nonsense\r\n\r\n", Then::Close}},
+        {"/close", {Server::reply("last", "200 OK", "Connection: close\r\n"), Then::Close}},
+        {"/drop", {"", Then::Close}},
+        {"/cut", {partly + "part", Then::Close}},
+        {"/cut-chunks", {chunks, Then::Close}},
+        {"/reset", {"", Then::Reset}},
+        {"/reset-late", {partly + "part", Then::Reset}, 10},
+        {"/silent", {"", Then::KeepOpen}},
     };
     return all;
 }
@@ -64,23 +53,10 @@ void PathServer::read(QTcpSocket *socket, QByteArray &pending)
             if (path.name != name)
                 continue;
             if (path.delayMs > 0)
-                QTimer::singleShot(path.delayMs, socket, [socket, &path] { give(socket, path); });
+                QTimer::singleShot(path.delayMs, socket,
+                                   [socket, &path] { ScriptedServer::give(socket, path.answer); });
             else
-                give(socket, path);
+                ScriptedServer::give(socket, path.answer);
         }
-    }
-}
-
-void PathServer::give(QTcpSocket *socket, const Path &path)
-{
-    socket->write(path.answer);
-    if (path.then == Then::Close) {
-        socket->disconnectFromHost(); // once the bytes are out
-    } else if (path.then == Then::Reset) {
-        socket->flush();
-        // A socket that lingers for no time at all sends a reset when it is closed.
-        const linger none{1, 0};
-        ::setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
-        socket->abort();
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/scriptedserver.h"
+
 #include <QByteArray>
 #include <QTcpServer>
 
@@ -15,19 +17,11 @@ class PathServer : public QTcpServer
     Q_DISABLE_COPY(PathServer)
 
 public:
-    /// What follows the bytes of an answer.
-    enum class Then {
-        KeepOpen, ///< The connection waits for the next request.
-        Close,    ///< The connection ends in order.
-        Reset,    ///< The connection is cut off.
-    };
-
     struct Path
     {
         QByteArray name;
-        QByteArray answer;
-        Then then;
-        int delayMs;
+        ScriptedServer::Answer answer;
+        int delayMs = 0;
     };
 
     PathServer();
@@ -41,5 +35,4 @@ protected:
 
 private:
     static void read(QTcpSocket *socket, QByteArray &pending);
-    static void give(QTcpSocket *socket, const Path &path);
 };

@@ -74,6 +74,9 @@ public:
     static QByteArray reply(const QByteArray &body, const QByteArray &status = "200 OK",
                             const QByteArray &headers = QByteArray());
 
+    /// Writes @p answer to a connection and does what follows its bytes.
+    static void give(QTcpSocket *socket, const Answer &answer);
+
 Q_SIGNALS:
     /// A request is complete; its answer follows when the receivers have returned.
     void requestReceived(const QByteArray &request);
@@ -83,7 +86,6 @@ protected:
 
 private:
     void read(QTcpSocket *socket);
-    void give(QTcpSocket *socket, const Answer &answer);
     Answer nextAnswer();
     static void end(QTcpSocket *socket, Then then);
     static void closeOnceRead(QTcpSocket *socket);
