@@ -163,6 +163,37 @@ void OperationTest::addDataColumns()
     QTest::addColumn<QString>("answer");
 }
 
+void OperationTest::addTaskIdentifiers(const char *signal)
+{
+    const QString answer = QLatin1String(signal) + "(0, \"%1\")"_s;
+    addDataColumns();
+    QTest::newRow("text") << QByteArray(R"({"task_id":"任务 1"})") << answer.arg("任务 1"_s);
+    QTest::newRow("number") << QByteArray(R"({"task_id":5})") << answer.arg(QString());
+    QTest::newRow("null") << QByteArray(R"({"task_id":null})") << answer.arg(QString());
+    QTest::newRow("another name") << QByteArray(R"({"taskid":"x","taskId":"y"})")
+                                  << answer.arg(QString());
+}
+
+void OperationTest::addTaskStates(const QByteArray &members, const QString &processing,
+                                  const QString &success, const QString &failed)
+{
+    const auto row = [&members](const char *status, const QString &answer) {
+        QTest::newRow(status) << R"({"status":)" + QByteArray(status) + ',' + members + '}'
+                              << answer;
+    };
+    addDataColumns();
+    for (const char *status : {R"("RUNNING")", R"("running")", R"("Running")", R"("rUnNiNg")",
+                               R"("QUEUEING")", R"("queueing")", R"("Queueing")"})
+        row(status, processing);
+    for (const char *status : {R"("SUCCESS")", R"("success")", R"("Success")", R"("ſucceſs")"})
+        row(status, success);
+    for (const char *status : {R"("FAILED")", R"("")", R"(" RUNNING")", R"("RUNNING ")",
+                               R"("QUEUING")", R"("SUCCESSFUL")", R"("SUCCES")", R"("完成")", "1",
+                               "0", "null", "true", R"(["SUCCESS"])", R"({"status":"SUCCESS"})"})
+        row(status, failed);
+    QTest::newRow("no status") << '{' + members + '}' << failed;
+}
+
 void OperationTest::exchangeData(const Operation &operation)
 {
     QFETCH(QByteArray, data);

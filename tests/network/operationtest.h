@@ -25,7 +25,15 @@ protected:
     /// The columns for rows that differ in the member "data" of a successful reply.
     static void addDataColumns();
 
-    /// Compares what @p operation does with the current row.
+    /// Rows of the identifier of a new task, which @p signal brings.
+    static void addTaskIdentifiers(const char *signal);
+
+    /// Rows of a task in every state, known and not. @p members: those of the data beside the
+    /// "status". The others: the answer to each sort of state.
+    static void addTaskStates(const QByteArray &members, const QString &processing,
+                              const QString &success, const QString &failed);
+
+    /// Compares what @p operation makes of the current row.
     void exchangeData(const Operation &operation);
 
 private Q_SLOTS:

@@ -96,3 +96,17 @@ void ServiceTest::answerLate(int index, const QByteArray &bytes)
     socket->write(bytes);
     socket->disconnectFromHost();
 }
+
+void ServiceTest::addFailedFetches()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QByteArray>("instead");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("not found") << ScriptedServer::reply("", "404 Not Found") << QByteArray()
+                               << "ContentNotFoundError"_s;
+    QTest::newRow("not found, with a page") << ScriptedServer::reply("a page", "404 Not Found")
+                                            << QByteArray("a page") << "ContentNotFoundError"_s;
+    QTest::newRow("server error") << ScriptedServer::reply("", "500 Oops") << QByteArray()
+                                  << "InternalServerError"_s;
+    QTest::newRow("connection ended") << QByteArray() << QByteArray() << "RemoteHostClosedError"_s;
+}

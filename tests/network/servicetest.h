@@ -50,6 +50,10 @@ protected:
     /// Ends the @p index-th of the connections() with @p bytes.
     void answerLate(int index, const QByteArray &bytes);
 
+    /// Rows of a file server's "reply" that is a network error: what is in the file "instead" of
+    /// what was asked for, and Qt's name of the "error".
+    static void addFailedFetches();
+
     std::unique_ptr<TemporaryFolder> temporary;
     std::unique_ptr<TrustTestAuthority> trust;
     std::unique_ptr<ScriptedServer> server;

@@ -1,6 +1,7 @@
 #include "tests/network/networker.h"
 #include "tests/network/servicetest.h"
 #include "tests/support/patience.h"
+#include "tests/support/testfolder.h"
 
 #include <QFile>
 #include <QSslSocket>
@@ -35,7 +36,7 @@ private Q_SLOTS:
 
 private:
     QString start(const QString &path) const;
-    QByteArray written() const;
+    QByteArray written() const { return TestFolder::contents(m_path); }
 
     Networker *m_networker = nullptr;
     std::unique_ptr<ScriptedServer> m_files;
@@ -65,12 +66,6 @@ void TestAvatars::cleanup()
 QString TestAvatars::start(const QString &path) const
 {
     return R"(VoNetworker::DownloadAvt url= "%1" ,savePath= "%2")"_s.arg(m_address, path);
-}
-
-QByteArray TestAvatars::written() const
-{
-    QFile file(m_path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 void TestAvatars::mapsACategoryToTheLetter_data()
@@ -180,19 +175,7 @@ void TestAvatars::replacesAnExistingPicture()
     QCOMPARE(written(), QByteArray("new"));
 }
 
-void TestAvatars::leavesWhatCameInsteadAndEmitsNullOnANetworkError_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QByteArray>("instead");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("not found") << ScriptedServer::reply("", "404 Not Found") << QByteArray()
-                               << "ContentNotFoundError"_s;
-    QTest::newRow("not found, with a page") << ScriptedServer::reply("a page", "404 Not Found")
-                                            << QByteArray("a page") << "ContentNotFoundError"_s;
-    QTest::newRow("server error") << ScriptedServer::reply("", "500 Oops") << QByteArray()
-                                  << "InternalServerError"_s;
-    QTest::newRow("connection ended") << QByteArray() << QByteArray() << "RemoteHostClosedError"_s;
-}
+void TestAvatars::leavesWhatCameInsteadAndEmitsNullOnANetworkError_data() { addFailedFetches(); }
 
 void TestAvatars::leavesWhatCameInsteadAndEmitsNullOnANetworkError()
 {

@@ -3,6 +3,7 @@
 #include "tests/network/records.h"
 #include "tests/support/leaks.h"
 #include "tests/support/patience.h"
+#include "tests/support/testfolder.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -63,7 +64,7 @@ private Q_SLOTS:
 
 private:
     QString picturePath() const { return temporary->filePath("VoTTS/login_qr_code.png"_s); }
-    QByteArray picture() const;
+    QByteArray picture() const { return TestFolder::contents(picturePath()); }
     QByteArray codeReply(const QString &business, const QString &path) const;
     QString fetchLine() const;
     void useNetworker();
@@ -83,12 +84,6 @@ void TestSignInCode::cleanup()
 {
     m_files.reset();
     ServiceTest::cleanup();
-}
-
-QByteArray TestSignInCode::picture() const
-{
-    QFile file(picturePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 /// The service's reply about a code whose picture the file server has under @p path.
@@ -264,16 +259,7 @@ void TestSignInCode::emitsNothingWhenTheFileCannotBeOpened()
 
 void TestSignInCode::emitsNullAndThenTheRecordWhenThePictureCannotBeFetched_data()
 {
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QByteArray>("instead");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("not found") << ScriptedServer::reply("", "404 Not Found") << QByteArray()
-                               << "ContentNotFoundError"_s;
-    QTest::newRow("not found, with a page") << ScriptedServer::reply("a page", "404 Not Found")
-                                            << QByteArray("a page") << "ContentNotFoundError"_s;
-    QTest::newRow("server error") << ScriptedServer::reply("", "500 Oops") << QByteArray()
-                                  << "InternalServerError"_s;
-    QTest::newRow("connection ended") << QByteArray() << QByteArray() << "RemoteHostClosedError"_s;
+    addFailedFetches();
 }
 
 void TestSignInCode::emitsNullAndThenTheRecordWhenThePictureCannotBeFetched()
@@ -470,7 +456,7 @@ void TestSignInCode::staysSilentWhenTheObjectIsReleased()
     TRY_VERIFY(gone && m_files->findChildren<QSslSocket *>().isEmpty());
     QCoreApplication::processEvents();
     QCOMPARE(answers->calls(), QStringList());
-    QCOMPARE(picture(), QByteArray("no file"));
+    QCOMPARE(picture(), QByteArray("<unreadable>"));
 }
 
 void TestSignInCode::survivesADeletionFromAHandlerOfItsNull()
@@ -485,7 +471,7 @@ void TestSignInCode::survivesADeletionFromAHandlerOfItsNull()
     QVERIFY(answers->waitFor(1));
     QCoreApplication::processEvents();
     QCOMPARE(answers->calls(), QStringList{QLatin1String(nothing)});
-    QCOMPARE(picture(), QByteArray("no file"));
+    QCOMPARE(picture(), QByteArray("<unreadable>"));
 }
 
 QTEST_GUILESS_MAIN(TestSignInCode)

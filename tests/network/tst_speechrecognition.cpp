@@ -169,13 +169,7 @@ void TestSpeechRecognition::takesTheTextOfAShortRecognition()
 
 void TestSpeechRecognition::takesTheIdentifierOfANewTask_data()
 {
-    addDataColumns();
-    QTest::newRow("text") << QByteArray(R"({"task_id":"任务 1"})")
-                          << R"(signalCreateSTTTask(0, "任务 1"))"_s;
-    QTest::newRow("number") << QByteArray(R"({"task_id":5})") << R"(signalCreateSTTTask(0, ""))"_s;
-    QTest::newRow("null") << QByteArray(R"({"task_id":null})") << R"(signalCreateSTTTask(0, ""))"_s;
-    QTest::newRow("another name") << QByteArray(R"({"taskid":"x","taskId":"y"})")
-                                  << R"(signalCreateSTTTask(0, ""))"_s;
+    addTaskIdentifiers("signalCreateSTTTask");
 }
 
 void TestSpeechRecognition::takesTheIdentifierOfANewTask()
@@ -185,29 +179,11 @@ void TestSpeechRecognition::takesTheIdentifierOfANewTask()
 
 void TestSpeechRecognition::readsTheStateOfATask_data()
 {
-    addDataColumns();
-    const auto row = [](const char *status, const char *answer) {
-        // Sentences are there in any state: only a finished task may bring them.
-        QTest::newRow(status) << R"({"status":)" + QByteArray(status)
-                                     + R"(,"task_id":"t1","request_id":"r1",)"
-                                       R"("result":{"Sentences":[{"Text":"said"}]}})"
-                              << QString::fromUtf8(answer);
-    };
-    const char processing[] = R"(signalGetSTTResult(1, "t1", "r1", ""))";
-    const char success[] = R"(signalGetSTTResult(0, "t1", "r1", "said"))";
-    const char failed[] = R"(signalGetSTTResult(2, "t1", "r1", ""))";
-    for (const char *status : {R"("RUNNING")", R"("running")", R"("Running")", R"("rUnNiNg")",
-                               R"("QUEUEING")", R"("queueing")", R"("Queueing")"})
-        row(status, processing);
-    for (const char *status : {R"("SUCCESS")", R"("success")", R"("Success")", R"("ſucceſs")"})
-        row(status, success);
-    for (const char *status : {R"("FAILED")", R"("")", R"(" RUNNING")", R"("RUNNING ")",
-                               R"("QUEUING")", R"("SUCCESSFUL")", R"("SUCCES")", R"("完成")", "1",
-                               "0", "null", "true", R"(["SUCCESS"])", R"({"status":"SUCCESS"})"})
-        row(status, failed);
-    QTest::newRow("no status") << QByteArray(R"({"task_id":"t1","request_id":"r1"})")
-                               << QString::fromUtf8(failed);
-
+    // Sentences are there in any state: only a finished task may bring them.
+    addTaskStates(R"("task_id":"t1","request_id":"r1","result":{"Sentences":[{"Text":"said"}]})",
+                  R"(signalGetSTTResult(1, "t1", "r1", ""))"_s,
+                  R"(signalGetSTTResult(0, "t1", "r1", "said"))"_s,
+                  R"(signalGetSTTResult(2, "t1", "r1", ""))"_s);
     QTest::newRow("running, no identifiers")
         << QByteArray(R"({"status":"RUNNING"})") << R"(signalGetSTTResult(1, "", "", ""))"_s;
     QTest::newRow("finished, no identifiers")

@@ -191,13 +191,7 @@ void TestSpeechSynthesis::handsTheAudioOnAsReceived() { exchangeData(Operations:
 
 void TestSpeechSynthesis::takesTheIdentifierOfANewTask_data()
 {
-    addDataColumns();
-    QTest::newRow("text") << QByteArray(R"({"task_id":"任务 1"})")
-                          << R"(signalLongTTSTask(0, "任务 1"))"_s;
-    QTest::newRow("number") << QByteArray(R"({"task_id":5})") << R"(signalLongTTSTask(0, ""))"_s;
-    QTest::newRow("null") << QByteArray(R"({"task_id":null})") << R"(signalLongTTSTask(0, ""))"_s;
-    QTest::newRow("another name") << QByteArray(R"({"taskid":"x","taskId":"y"})")
-                                  << R"(signalLongTTSTask(0, ""))"_s;
+    addTaskIdentifiers("signalLongTTSTask");
 }
 
 void TestSpeechSynthesis::takesTheIdentifierOfANewTask()
@@ -207,29 +201,11 @@ void TestSpeechSynthesis::takesTheIdentifierOfANewTask()
 
 void TestSpeechSynthesis::readsTheStateOfATask_data()
 {
-    addDataColumns();
-    const auto row = [](const char *status, const char *answer) {
-        // An address is there in any state: only a finished task may bring it.
-        QTest::newRow(status) << R"({"status":)" + QByteArray(status)
-                                     + R"(,"task_id":"t1","request_id":"r1","audio_address":"u"})"
-                              << QString::fromUtf8(answer);
-    };
-    const char processing[] = R"(signalGetLongTTSResult(1, "t1", "r1", ""))";
-    const char success[] = R"(signalGetLongTTSResult(0, "t1", "r1", "u"))";
-    const char failed[] = R"(signalGetLongTTSResult(2, "t1", "r1", ""))";
-    for (const char *status : {R"("RUNNING")", R"("running")", R"("Running")", R"("rUnNiNg")",
-                               R"("QUEUEING")", R"("queueing")", R"("Queueing")"})
-        row(status, processing);
-    for (const char *status : {R"("SUCCESS")", R"("success")", R"("Success")", R"("ſucceſs")"})
-        row(status, success);
-    for (const char *status : {R"("FAILED")", R"("")", R"(" RUNNING")", R"("RUNNING ")",
-                               R"("QUEUING")", R"("SUCCESSFUL")", R"("SUCCES")", R"("完成")", "1",
-                               "0", "null", "true", R"(["SUCCESS"])", R"({"status":"SUCCESS"})"})
-        row(status, failed);
-    QTest::newRow("no status") << QByteArray(
-        R"({"task_id":"t1","request_id":"r1","audio_address":"u"})")
-                               << QString::fromUtf8(failed);
-
+    // An address is there in any state: only a finished task may bring it.
+    addTaskStates(R"("task_id":"t1","request_id":"r1","audio_address":"u")",
+                  R"(signalGetLongTTSResult(1, "t1", "r1", ""))"_s,
+                  R"(signalGetLongTTSResult(0, "t1", "r1", "u"))"_s,
+                  R"(signalGetLongTTSResult(2, "t1", "r1", ""))"_s);
     QTest::newRow("finished, no address")
         << QByteArray(R"({"status":"SUCCESS","task_id":"t1","request_id":"r1"})")
         << R"(signalGetLongTTSResult(0, "t1", "r1", ""))"_s;

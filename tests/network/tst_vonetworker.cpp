@@ -1,6 +1,6 @@
-#include "network/vonetworker.h"
 #include "tests/network/fakecommand.h"
 #include "tests/network/localecodec.h"
+#include "tests/network/networker.h"
 #include "tests/network/servicetest.h"
 
 #include <QFile>
@@ -10,47 +10,6 @@
 #include <type_traits>
 
 namespace {
-
-/// Reaches what is protected.
-class Networker : public VoNetworker
-{
-public:
-    using VoNetworker::ConvertAvtUrlToClient;
-    using VoNetworker::ConvertServerToClientDubType;
-    using VoNetworker::DownloadAvt;
-    using VoNetworker::DownloadLoginQrCode;
-    using VoNetworker::runCommand;
-    using VoNetworker::slotCreateSTTTaskFail;
-    using VoNetworker::slotCreateSTTTaskSuc;
-    using VoNetworker::slotGetBgmListFail;
-    using VoNetworker::slotGetBgmListSuc;
-    using VoNetworker::slotGetDubListFail;
-    using VoNetworker::slotGetDubListSuc;
-    using VoNetworker::slotGetLoginQrCodeFail;
-    using VoNetworker::slotGetLoginQrCodeStatusFail;
-    using VoNetworker::slotGetLoginQrCodeStatusSuc;
-    using VoNetworker::slotGetLoginQrCodeSuc;
-    using VoNetworker::slotGetOssSignFail;
-    using VoNetworker::slotGetOssSignSuc;
-    using VoNetworker::slotGetSTTRetFail;
-    using VoNetworker::slotGetSTTRetSuc;
-    using VoNetworker::slotGetUpdateInfoFail;
-    using VoNetworker::slotGetUpdateInfoSuc;
-    using VoNetworker::slotLongTTSTaskFail;
-    using VoNetworker::slotLongTTSTaskStatusFail;
-    using VoNetworker::slotLongTTSTaskStatusSuc;
-    using VoNetworker::slotLongTTSTaskSuc;
-    using VoNetworker::slotRefreshTokenFail;
-    using VoNetworker::slotRefreshTokenSuc;
-    using VoNetworker::slotSendSmsVerifyCodeFail;
-    using VoNetworker::slotSendSmsVerifyCodeSuc;
-    using VoNetworker::slotShortSTTFail;
-    using VoNetworker::slotShortSTTSuc;
-    using VoNetworker::slotSmsLoginFail;
-    using VoNetworker::slotSmsLoginSuc;
-    using VoNetworker::slotTTSFail;
-    using VoNetworker::slotTTSSuc;
-};
 
 static_assert(std::is_base_of_v<VoNetworkIntf, VoNetworker>);
 static_assert(!std::is_abstract_v<VoNetworker>);

@@ -139,6 +139,19 @@ ServiceClient::Reply ServiceClient::verbatim(const QByteArray &requestLine,
     return result;
 }
 
+QJsonObject ServiceClient::speech(const char *feature, const QString &text)
+{
+    return {{QStringLiteral("feature"), QString::fromLatin1(feature)},
+            {QStringLiteral("text"), text},
+            {QStringLiteral("format"), QStringLiteral("wav")},
+            {QStringLiteral("sample_rate"), 16000},
+            {QStringLiteral("voice"), QStringLiteral("rms")},
+            {QStringLiteral("volume"), 50},
+            {QStringLiteral("speech_rate"), 0},
+            {QStringLiteral("pitch_rate"), 0},
+            {QStringLiteral("pageFeature"), QString()}};
+}
+
 QByteArray ServiceClient::authorization()
 {
     return "Bearer " + QByteArray::number(LocalService::token());

@@ -55,6 +55,9 @@ public:
     Reply verbatim(const QByteArray &requestLine, const QByteArray &headers,
                    const QByteArray &body = QByteArray());
 
+    /// The body of a request to speak @p text as a WAVE file of 16 kHz.
+    static QJsonObject speech(const char *feature, const QString &text);
+
     /// "Bearer " and the token that the service takes.
     static QByteArray authorization();
 

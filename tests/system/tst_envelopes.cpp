@@ -8,19 +8,6 @@
 
 namespace {
 
-QJsonObject speech(const char *feature, const QString &text)
-{
-    return {{QStringLiteral("feature"), QString::fromLatin1(feature)},
-            {QStringLiteral("text"), text},
-            {QStringLiteral("format"), QStringLiteral("wav")},
-            {QStringLiteral("sample_rate"), 16000},
-            {QStringLiteral("voice"), QStringLiteral("rms")},
-            {QStringLiteral("volume"), 50},
-            {QStringLiteral("speech_rate"), 0},
-            {QStringLiteral("pitch_rate"), 0},
-            {QStringLiteral("pageFeature"), QString()}};
-}
-
 QByteArray bytes(const QJsonObject &object) { return QJsonDocument(object).toJson(); }
 
 // As the service writes it.
@@ -49,9 +36,9 @@ private Q_SLOTS:
 
     void aGoodRequestIsServed()
     {
-        const auto reply =
-            m_client->post(QStringLiteral("asr/process"), speech("voiceSynthesis", hello()),
-                           ServiceClient::authorization());
+        const auto reply = m_client->post(QStringLiteral("asr/process"),
+                                          ServiceClient::speech("voiceSynthesis", hello()),
+                                          ServiceClient::authorization());
         QVERIFY2(reply.isSuccess(), reply.body.constData());
         const QByteArray audio = QByteArray::fromBase64(
             reply.data().value(QLatin1String("audio")).toString().toLatin1());
@@ -81,7 +68,8 @@ private Q_SLOTS:
         QFETCH(const QString, plain);
         const auto spoken = [&](const QString &words) {
             return m_client
-                ->post(QStringLiteral("asr/freeProcess"), speech("voiceSynthesis", words))
+                ->post(QStringLiteral("asr/freeProcess"),
+                       ServiceClient::speech("voiceSynthesis", words))
                 .data()
                 .value(QLatin1String("audio"))
                 .toString();
@@ -220,7 +208,7 @@ private:
     static void tokenRows()
     {
         const QByteArray right = ServiceClient::authorization();
-        const QByteArray good = bytes(speech("voiceSynthesis", hello()));
+        const QByteArray good = bytes(ServiceClient::speech("voiceSynthesis", hello()));
         row("wrong token", "asr/process", good, "Bearer 1");
         row("no token", "asr/process", good, {});
         row("empty token", "asr/process", good, "Bearer ");
@@ -238,11 +226,12 @@ private:
         row("no UTF-8", "asr/process", "{\"feature\":\"\xff\xfe\"}");
         row("no feature", "asr/process", "{}");
         row("feature is a number", "asr/process", "{\"feature\":1}");
-        row("unknown feature", "asr/process", bytes(speech("singing", hello())));
-        row("unknown operation", "asr/sing", bytes(speech("voiceSynthesis", hello())));
+        row("unknown feature", "asr/process", bytes(ServiceClient::speech("singing", hello())));
+        row("unknown operation", "asr/sing",
+            bytes(ServiceClient::speech("voiceSynthesis", hello())));
         row("no JSON, anonymous", "asr/freeProcess", "{", {});
         row("unknown feature, anonymous", "asr/freeProcess",
-            bytes(speech("longVoiceSynthesis", hello())), {});
+            bytes(ServiceClient::speech("longVoiceSynthesis", hello())), {});
         row("unknown feature, result", "asr/getProcessResult",
             "{\"feature\":\"singing\",\"task_id\":\"x\"}");
         row("unknown task, result", "asr/getProcessResult",
@@ -251,18 +240,18 @@ private:
 
     static void speechRows()
     {
-        row("empty text, anonymous", "asr/freeProcess", bytes(speech("voiceSynthesis", QString())),
-            {});
+        row("empty text, anonymous", "asr/freeProcess",
+            bytes(ServiceClient::speech("voiceSynthesis", QString())), {});
         for (const char *feature : {"voiceSynthesis", "longVoiceSynthesis"}) {
             const auto featureRow = [feature](const char *what, const QJsonObject &body) {
                 row((QByteArray(feature) + ", " + what).constData(), "asr/process", bytes(body));
             };
-            featureRow("empty text", speech(feature, QString()));
-            featureRow("text of blanks", speech(feature, QStringLiteral(" \n\t")));
-            QJsonObject voice = speech(feature, hello());
+            featureRow("empty text", ServiceClient::speech(feature, QString()));
+            featureRow("text of blanks", ServiceClient::speech(feature, QStringLiteral(" \n\t")));
+            QJsonObject voice = ServiceClient::speech(feature, hello());
             voice.insert(QStringLiteral("voice"), QStringLiteral("../rms"));
             featureRow("unknown voice", voice);
-            QJsonObject noText = speech(feature, hello());
+            QJsonObject noText = ServiceClient::speech(feature, hello());
             noText.remove(QStringLiteral("text"));
             featureRow("no text", noText);
         }

@@ -107,13 +107,8 @@ private Q_SLOTS:
         idle.connectToHost(QHostAddress(QHostAddress::LocalHost), servicePort());
         QVERIFY(idle.waitForConnected(patienceMs));
         ServiceClient client(service.authority());
-        const QJsonObject task{
-            {QStringLiteral("feature"), QStringLiteral("longVoiceSynthesis")},
-            {QStringLiteral("text"), QStringLiteral("Come back. ").repeated(200)},
-            {QStringLiteral("format"), QStringLiteral("wav")},
-            {QStringLiteral("sample_rate"), 16000},
-            {QStringLiteral("voice"), QStringLiteral("rms")},
-            {QStringLiteral("volume"), 50}};
+        const QJsonObject task = ServiceClient::speech("longVoiceSynthesis",
+                                                       QStringLiteral("Come back. ").repeated(200));
         QVERIFY(client.post(QStringLiteral("asr/process"), task, ServiceClient::authorization())
                     .isSuccess());
         QCOMPARE(service.stop(SIGTERM), 0);

@@ -10,16 +10,8 @@ QString feature() { return QStringLiteral("longVoiceSynthesis"); }
 
 QString createTask(ServiceClient &client, const QString &text)
 {
-    const QJsonObject body{{QStringLiteral("feature"), feature()},
-                           {QStringLiteral("text"), text},
-                           {QStringLiteral("format"), QStringLiteral("wav")},
-                           {QStringLiteral("sample_rate"), 16000},
-                           {QStringLiteral("voice"), QStringLiteral("rms")},
-                           {QStringLiteral("volume"), 50},
-                           {QStringLiteral("speech_rate"), 0},
-                           {QStringLiteral("pitch_rate"), 0},
-                           {QStringLiteral("pageFeature"), QString()},
-                           {QStringLiteral("enable_subtitle"), QStringLiteral("false")}};
+    QJsonObject body = ServiceClient::speech("longVoiceSynthesis", text);
+    body.insert(QStringLiteral("enable_subtitle"), QStringLiteral("false"));
     return client.post(QStringLiteral("asr/process"), body, ServiceClient::authorization())
         .data()
         .value(QLatin1String("task_id"))
