@@ -274,9 +274,16 @@ private Q_SLOTS:
         QCOMPARE(outcomes, 1);
     }
 
-    void aBodyThatIsNotUtf8ArrivesAsItIs()
+    void aBodyThatQtCannotParseArrivesAsItIsAndAsAnEmptyMap_data()
     {
-        const QByteArray body = QByteArray("{\"a\":\"\xFF\xFE\0\xC3\"}", 12);
+        QTest::addColumn<QByteArray>("body");
+        QTest::newRow("not UTF-8") << QByteArray("{\"a\":\"\xFF\xFE\0\xC3\"}", 12);
+        QTest::newRow("nested 10000 deep")
+            << QByteArray("{\"k\":").repeated(10000) + '1' + QByteArray(10000, '}');
+    }
+    void aBodyThatQtCannotParseArrivesAsItIsAndAsAnEmptyMap()
+    {
+        QFETCH(QByteArray, body);
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply(body));
@@ -293,27 +300,6 @@ private Q_SLOTS:
         QCOMPARE(bytes, body);
         QCOMPARE(text, QString::fromUtf8(body));
         QCOMPARE(map, QVariantMap());
-    }
-
-    void jsonNested10000DeepIsAnEmptyMap()
-    {
-        QByteArray body;
-        for (int i = 0; i < 10000; ++i)
-            body += "{\"k\":";
-        body += "1" + QByteArray(10000, '}');
-        ScriptedServer server;
-        QVERIFY(server.start());
-        server.answer(ScriptedServer::reply(body));
-        HttpClient client;
-        QByteArray bytes;
-        QVariantMap map{{"unset"_s, 1}};
-        HttpRequest request(HttpMethod::Get, &client);
-        request.url(server.address("/"_s))
-            .onFinished([&bytes](const QByteArray &body) { bytes = body; })
-            .onFinished([&map](const QVariantMap &object) { map = object; });
-        QVERIFY(waitUntilGone(request.send()));
-        QCOMPARE(bytes, body);
-        QCOMPARE(map, QVariantMap()); // deeper than Qt parses
     }
 
     void aBodyDeviceThatFailsIsOneOutcome()

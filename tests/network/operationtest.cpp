@@ -163,6 +163,16 @@ void OperationTest::addDataColumns()
     QTest::addColumn<QString>("answer");
 }
 
+void OperationTest::addIdentifiersToAskBy()
+{
+    QTest::addColumn<QString>("taskId");
+    QTest::addColumn<QByteArray>("json");
+    QTest::newRow("empty") << QString() << QByteArray(R"("")");
+    QTest::newRow("digits") << "0012"_s << QByteArray(R"("0012")");
+    QTest::newRow("JSON's own characters") << R"(a"b\c)"_s << QByteArray(R"("a\"b\\c")");
+    QTest::newRow("another script") << "任务"_s << QByteArray(R"("任务")");
+}
+
 void OperationTest::addTaskIdentifiers(const char *signal)
 {
     const QString answer = QLatin1String(signal) + "(0, \"%1\")"_s;

@@ -25,6 +25,9 @@ protected:
     /// The columns for rows that differ in the member "data" of a successful reply.
     static void addDataColumns();
 
+    /// Rows of a "taskId" to ask by and what that is in "json".
+    static void addIdentifiersToAskBy();
+
     /// Rows of the identifier of a new task, which @p signal brings.
     static void addTaskIdentifiers(const char *signal);
 

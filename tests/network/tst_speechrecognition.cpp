@@ -125,15 +125,7 @@ void TestSpeechRecognition::sendsTheTokenInDecimal()
                    R"(VoNetworker::GetSTTTaskResult "t")"_s);
 }
 
-void TestSpeechRecognition::asksForATaskByAnyIdentifier_data()
-{
-    QTest::addColumn<QString>("taskId");
-    QTest::addColumn<QByteArray>("json");
-    QTest::newRow("empty") << QString() << QByteArray(R"("")");
-    QTest::newRow("digits") << "0012"_s << QByteArray(R"("0012")");
-    QTest::newRow("JSON's own characters") << R"(a"b\c)"_s << QByteArray(R"("a\"b\\c")");
-    QTest::newRow("another script") << "任务"_s << QByteArray(R"("任务")");
-}
+void TestSpeechRecognition::asksForATaskByAnyIdentifier_data() { addIdentifiersToAskBy(); }
 
 void TestSpeechRecognition::asksForATaskByAnyIdentifier()
 {

@@ -151,15 +151,7 @@ void TestSpeechSynthesis::sendsTheTokenInDecimalUnlessAnonymous()
                    "VoNetworker::TTS "_s + quoted(QString::fromUtf8(body)));
 }
 
-void TestSpeechSynthesis::asksForATaskByAnyIdentifier_data()
-{
-    QTest::addColumn<QString>("taskId");
-    QTest::addColumn<QByteArray>("json");
-    QTest::newRow("empty") << QString() << QByteArray(R"("")");
-    QTest::newRow("digits") << "0012"_s << QByteArray(R"("0012")");
-    QTest::newRow("JSON's own characters") << R"(a"b\c)"_s << QByteArray(R"("a\"b\\c")");
-    QTest::newRow("another script") << "任务"_s << QByteArray(R"("任务")");
-}
+void TestSpeechSynthesis::asksForATaskByAnyIdentifier_data() { addIdentifiersToAskBy(); }
 
 void TestSpeechSynthesis::asksForATaskByAnyIdentifier()
 {
