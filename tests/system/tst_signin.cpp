@@ -258,7 +258,7 @@ private Q_SLOTS:
     {
         const QDateTime tokenExpiry = in(3600);
         const QDateTime refreshExpiry = in(7200);
-        m_server.answer(code(in(60)));
+        m_server.answer(code(in(3600)));
         m_server.answer(ScriptedServer::reply(codePicture()));
         m_server.answer(status(0));
         m_server.answer(confirmed(user(tokenExpiry, refreshExpiry)));
@@ -299,7 +299,7 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, picture);
         QFETCH(const bool, isShown);
-        m_server.answer(code(in(60)));
+        m_server.answer(code(in(3600)));
         m_server.answer(ScriptedServer::reply(picture));
         m_server.answer(confirmed(user(in(3600), in(7200))));
         const Outcome outcome = run(arguments("login --qr"));
@@ -316,7 +316,7 @@ private Q_SLOTS:
     {
         const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
         QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
-        m_server.answer(code(in(60)));
+        m_server.answer(code(in(3600)));
         m_server.answer(ScriptedServer::reply(codePicture()));
         m_server.answer(confirmed(user(in(3600), in(7200))));
         Program program(withAuthority(arguments("login --qr")),
@@ -388,7 +388,7 @@ private Q_SLOTS:
     void aPictureIsTakenFromHttpsOnly()
     {
         QFETCH(const QString, address);
-        m_server.answer(code(in(60), address));
+        m_server.answer(code(in(3600), address));
         m_server.answer(confirmed(user(in(3600), in(7200))));
         const Outcome outcome = run(arguments("login --qr"));
         QCOMPARE(outcome.err,
@@ -463,7 +463,7 @@ private Q_SLOTS:
                                  << QList<QByteArray>{Answers::envelope()}
                                  << QByteArray("enter it:\n");
         QTest::newRow("to scan") << arguments("login --qr")
-                                 << QList<QByteArray>{code(in(600)), picture, status(0)}
+                                 << QList<QByteArray>{code(in(3600)), picture, status(0)}
                                  << QByteArray("login_qr_code.png\n");
     }
     void aSignalEndsTheWaitForTheUserAtOnce()
@@ -739,19 +739,19 @@ private:
         const QByteArray picture = ScriptedServer::reply(codePicture());
         row("no scannable code", command, {Answers::refusal(5, "no")}, refused);
         row("picture is missing", command,
-            {code(in(60)), ScriptedServer::reply("", "404 Not Found")}, refused);
+            {code(in(3600)), ScriptedServer::reply("", "404 Not Found")}, refused);
         row("picture is a page that says that it is missing", command,
-            {code(in(60)), ScriptedServer::reply(codePicture(), "404 Not Found")}, refused);
-        row("picture is no PNG", command, {code(in(60)), ScriptedServer::reply("<html>")},
+            {code(in(3600)), ScriptedServer::reply(codePicture(), "404 Not Found")}, refused);
+        row("picture is no PNG", command, {code(in(3600)), ScriptedServer::reply("<html>")},
             noPicture);
         row("picture is cut short", command,
-            {code(in(60)), ScriptedServer::reply(codePicture().left(40))}, noPicture);
+            {code(in(3600)), ScriptedServer::reply(codePicture().left(40))}, noPicture);
         row("code has expired already", command, {code(in(-5)), picture, status(0)}, expired);
         row("nobody confirms", command, {code(in(2)), picture, status(0)}, expired);
         row("question refused", command, {code(in(2)), picture, Answers::refusal(5, "no")},
             expired);
         row("question not answered", command, {code(in(2)), picture, ""}, expired);
-        row("somebody without tokens", command, {code(in(60)), picture, confirmed({})},
+        row("somebody without tokens", command, {code(in(3600)), picture, confirmed({})},
             "the service sent no usable session");
     }
 
@@ -768,7 +768,7 @@ private:
 
     void signInByCode()
     {
-        m_server.answer(code(in(60)));
+        m_server.answer(code(in(3600)));
         m_server.answer(ScriptedServer::reply(codePicture()));
         m_server.answer(confirmed(user(in(3600), in(7200))));
         m_outcome = run(arguments("login --qr"));
