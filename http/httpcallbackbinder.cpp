@@ -81,10 +81,31 @@ bool namesMember(const QString &key)
 /// What a slot text names in a class of receivers, and the signals of one kind that it fits.
 struct Member
 {
-    int index = -1;           ///< In the class's meta-object; -1: there is no such member.
-    QByteArray declared;      ///< The signature that the meta-object has at the index.
-    std::vector<int> fitting; ///< Indices of the signals whose arguments begin with the member's.
+    int index = -1;            ///< In the class's meta-object; -1: there is no such member.
+    QByteArray name;           ///< What the meta-object has at the index,
+    std::vector<int> argument; ///< and the meta-types of its arguments.
+    std::vector<int> fitting;  ///< Indices of the signals whose arguments begin with the member's.
 };
+
+std::vector<int> argumentTypes(const QMetaMethod &method)
+{
+    std::vector<int> types;
+    for (int i = 0; i < method.parameterCount(); ++i)
+        types.push_back(method.parameterType(i));
+    return types;
+}
+
+/// Without the allocations that taking a signature apart or putting it together needs.
+bool isStillAt(const QMetaMethod &method, const Member &member)
+{
+    if (method.parameterCount() != int(member.argument.size()) || method.name() != member.name)
+        return false;
+    for (int i = 0; i < method.parameterCount(); ++i) {
+        if (method.parameterType(i) != member.argument[std::size_t(i)])
+            return false;
+    }
+    return true;
+}
 
 // The rules are those by which QObject::connect() takes texts.
 Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
@@ -101,7 +122,9 @@ Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
         member.index = metaObject->indexOfSignal(signature.constData());
     if (member.index < 0)
         return member;
-    member.declared = metaObject->method(member.index).methodSignature();
+    const QMetaMethod method = metaObject->method(member.index);
+    member.name = method.name();
+    member.argument = argumentTypes(method);
     for (const TargetSignal &signal : *familyOf(kind)) {
         if (QMetaObject::checkConnectArgs(signal.signature.constData(), signature.constData()))
             member.fitting.push_back(signal.index);
@@ -120,7 +143,7 @@ const Member &memberOf(const QMetaObject *metaObject, int kind, const QString &k
     const auto place = qMakePair(qMakePair(metaObject, kind), key);
     const auto known = found.constFind(place);
     if (known != found.constEnd() && known->index >= 0
-        && metaObject->method(known->index).methodSignature() == known->declared)
+        && isStillAt(metaObject->method(known->index), *known))
         return *known;
     if (found.size() >= mostEntries)
         found.clear();

@@ -13,6 +13,7 @@
 #include <QMetaEnum>
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
+#include <QThread>
 
 #include <vector>
 
@@ -51,45 +52,87 @@ constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetwork
 // Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
 constexpr qint64 downloadBufferSize = 65536; // bytes
 
-/// A signal of the reply and the slot that answers it, by their places in the meta-objects.
-struct Wire
-{
-    int signal;
-    int slot;
+/// What a connection from the reply is needed for, apart from receivers of what it leads to.
+enum class Need {
+    Always,
+    Download, ///< Into a file.
+    Bound,    ///< A bound of the read buffer, which downloads have.
+    Receivers ///< Nothing else.
 };
 
+/// A signal of the reply, the slot that answers it, and the signal of the response that the slot
+/// emits, by their places in the meta-objects: these connections are made for every request.
+struct Wire
+{
+    Need need;
+    int from;
+    int slot;
+    int to; ///< -1: none, or several.
+};
+
+constexpr std::nullptr_t noSignal = nullptr;
+
+int indexOf(std::nullptr_t) { return -1; }
+
 template <typename Signal>
-Wire wire(Signal signal, const char *slot)
+int indexOf(Signal signal)
+{
+    return QMetaMethod::fromSignal(signal).methodIndex();
+}
+
+template <typename From, typename To>
+Wire wire(Need need, From from, const char *slot, To to)
 {
     const int index = HttpResponse::staticMetaObject.indexOfSlot(slot);
     Q_ASSERT(index >= 0);
-    return {QMetaMethod::fromSignal(signal).methodIndex(), index};
+    return {need, indexOf(from), index, indexOf(to)};
 }
 
-// The connections of a reply to its response, in the order in which they are made: onFinished()
-// comes before onHandleHead(), which answers the same signal. They are made for every request, so
-// the indices are looked up once.
+// In the order in which the slots answer the same signal.
 const std::vector<Wire> &replyWires()
 {
     using Reply = QNetworkReply;
+    using R = HttpResponse;
     static const std::vector<Wire> wires{
-        wire(&Reply::finished, "onFinished()"),
-        wire(&Reply::finished, "onHandleHead()"),
-        wire(replyError, "onError(QNetworkReply::NetworkError)"),
-        wire(&Reply::downloadProgress, "onDownloadProgress(qint64,qint64)"),
-        wire(&Reply::uploadProgress, "onUploadProgress(qint64,qint64)"),
-        wire(&Reply::readyRead, "onReadOnceReplyHeader()"),
-        wire(&Reply::readyRead, "onHandleHead()"),
-        wire(&Reply::readyRead, "onReadyRead()"),
-        wire(&Reply::encrypted, "onEncrypted()"),
-        wire(&Reply::metaDataChanged, "onMetaDataChanged()"),
-        wire(&Reply::redirected, "onRedirected(QUrl)"),
-        wire(&Reply::sslErrors, "onSslErrors(QList<QSslError>)"),
-        wire(&Reply::redirectAllowed, "onRedirectAllowed()"),
-        wire(&Reply::preSharedKeyAuthenticationRequired,
-             "onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator*)"),
+        wire(Need::Always, &Reply::finished, "onFinished()", noSignal),
+        wire(Need::Always, replyError, "onError(QNetworkReply::NetworkError)", noSignal),
+        wire(Need::Receivers, &Reply::downloadProgress, "onDownloadProgress(qint64,qint64)",
+             &R::downloadFileProgress),
+        wire(Need::Receivers, &Reply::uploadProgress, "onUploadProgress(qint64,qint64)",
+             &R::uploadProgress),
+        wire(Need::Download, &Reply::readyRead, "onReadOnceReplyHeader()", noSignal),
+        wire(Need::Always, &Reply::readyRead, "onHandleHead()", noSignal),
+        wire(Need::Download, &Reply::readyRead, "onReadyRead()", &R::readyRead),
+        wire(Need::Receivers, &Reply::encrypted, "onEncrypted()", &R::encrypted),
+        wire(Need::Download, &Reply::metaDataChanged, "onMetaDataChanged()", &R::metaDataChanged),
+        wire(Need::Bound, &Reply::redirected, "onRedirected(QUrl)", &R::redirected),
+        wire(Need::Receivers, &Reply::sslErrors, "onSslErrors(QList<QSslError>)", &R::sslErrors),
+        wire(Need::Bound, &Reply::redirectAllowed, "onRedirectAllowed()", &R::redirectAllowed),
+        wire(Need::Receivers, &Reply::preSharedKeyAuthenticationRequired,
+             "onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator*)",
+             &R::preSharedKeyAuthenticationRequired),
     };
     return wires;
+}
+
+bool isNeeded(Need need, const HttpRequestFields &fields)
+{
+    switch (need) {
+    case Need::Always:
+        return true;
+    case Need::Download:
+        return fields.isDownload;
+    case Need::Bound:
+        return fields.isDownload || fields.readBufferSize >= 0;
+    case Need::Receivers:
+        break;
+    }
+    return false;
+}
+
+void attach(const QObject *sender, const Wire &wire, const HttpResponse *response)
+{
+    QMetaObject::connect(sender, wire.from, response, wire.slot, Qt::UniqueConnection);
 }
 
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
@@ -161,12 +204,37 @@ void HttpResponse::serveRequest()
         return;
     if (fields.isDownload)
         m_file = std::make_unique<DownloadFile>();
-    for (const Wire &wire : replyWires())
-        QMetaObject::connect(m_reply, wire.signal, this, wire.slot);
-    connect(m_reply->manager(), &QNetworkAccessManager::authenticationRequired, this,
-            &HttpResponse::onAuthenticationRequired);
+    for (const Wire &wire : replyWires()) {
+        if (isNeeded(wire.need, fields))
+            attach(m_reply, wire, this);
+    }
+    static const Wire authentication =
+        wire(Need::Always, &QNetworkAccessManager::authenticationRequired,
+             "onAuthenticationRequired(QNetworkReply*,QAuthenticator*)", noSignal);
+    attach(m_reply->manager(), authentication, this);
     boundReadBuffer();
     HttpCallbackBinder::attach(this, fields);
+}
+
+// What nobody listens to is not asked of the reply either.
+void HttpResponse::connectNotify(const QMetaMethod &signal)
+{
+    const int index = signal.methodIndex();
+    if (QThread::currentThread() == thread())
+        passOn(index);
+    else
+        QMetaObject::invokeMethod(
+            this, [this, index] { passOn(index); }, Qt::QueuedConnection);
+}
+
+void HttpResponse::passOn(int signal)
+{
+    if (!m_reply)
+        return;
+    for (const Wire &wire : replyWires()) {
+        if (wire.to == signal)
+            attach(m_reply, wire, this);
+    }
 }
 
 template <auto Signal>
@@ -214,8 +282,10 @@ void HttpResponse::run(std::initializer_list<Step> steps)
 void HttpResponse::onFinished()
 {
     using R = HttpResponse;
-    if (m_reply->error() != QNetworkReply::NoError || m_outcome)
+    if (m_reply->error() != QNetworkReply::NoError || m_outcome) {
+        tellHead();
         return;
+    }
     // Data is left to write when the exchange has ended while a receiver of the first data ran.
     if (!writeAvailable())
         return;
@@ -347,7 +417,13 @@ bool HttpResponse::releaseReply()
     return true;
 }
 
-void HttpResponse::onHandleHead() { tellHead(); }
+void HttpResponse::onHandleHead()
+{
+    if (m_headHandled)
+        disconnect(m_reply, &QNetworkReply::readyRead, this, &HttpResponse::onHandleHead);
+    else
+        tellHead();
+}
 
 void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator *authenticator)
 {
@@ -371,9 +447,7 @@ void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator
 
 void HttpResponse::onReadOnceReplyHeader()
 {
-    if (!m_file)
-        return;
-    disconnect(m_reply, SIGNAL(readyRead()), this, SLOT(onReadOnceReplyHeader()));
+    disconnect(m_reply, &QNetworkReply::readyRead, this, &HttpResponse::onReadOnceReplyHeader);
     const HttpRequestFields &fields = m_request.fields;
     if (m_file->open(fields.downloadFilePath, fields.supportsResume && fields.enableResume))
         return;

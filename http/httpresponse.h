@@ -122,6 +122,9 @@ Q_SIGNALS:
     /// Bytes received and in all of every request, download or not; -1 where the total is unknown.
     void downloadFileProgress(qint64 bytesReceived, qint64 bytesTotal);
 
+protected:
+    void connectNotify(const QMetaMethod &signal) override;
+
 private Q_SLOTS:
     void onFinished();
     void onError(QNetworkReply::NetworkError error);
@@ -153,6 +156,7 @@ private:
     void run(std::initializer_list<Step> steps);
 
     void serveRequest();
+    void passOn(int signal);
     qint64 readBufferBound() const;
     void boundReadBuffer();
     void noteRedirect();

@@ -1,47 +1,64 @@
 #include "http/replykeeper.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 #include <QNetworkReply>
 
-namespace {
+#include <algorithm>
+#include <vector>
 
-/// The event that asks a reply whether it is kept: a keeper answers it, the reply itself does not.
-QEvent::Type question()
+/// One for each thread, since a request would notice the cost of one for each keeper. It stays with
+/// a reply that was ever kept, and lets the deletion of a reply pass that is not kept now.
+class ReplyKeeper::Filter : public QObject
 {
-    static const int type = QEvent::registerEventType();
-    return QEvent::Type(type);
-}
+public:
+    static Filter &ofThisThread()
+    {
+        thread_local Filter filter;
+        return filter;
+    }
 
-} // namespace
+    /// The keeper that came last; null: none.
+    ReplyKeeper *keeperOf(const QObject *reply) const
+    {
+        const auto found =
+            std::find_if(keepers.crbegin(), keepers.crend(),
+                         [=](const auto *keeper) { return keeper->m_reply == reply; });
+        return found == keepers.crend() ? nullptr : *found;
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::DeferredDelete) {
+            if (ReplyKeeper *keeper = keeperOf(watched)) {
+                keeper->m_deletionAskedFor = true;
+                return true;
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+    std::vector<ReplyKeeper *> keepers;
+};
 
 ReplyKeeper::ReplyKeeper(QNetworkReply *reply)
     : m_reply(reply)
 {
-    if (reply)
-        reply->installEventFilter(this);
+    if (!reply)
+        return;
+    Filter &filter = Filter::ofThisThread();
+    filter.keepers.push_back(this);
+    reply->installEventFilter(&filter);
 }
 
 ReplyKeeper::~ReplyKeeper()
 {
-    if (m_reply && m_deletionAskedFor) {
-        m_reply->removeEventFilter(this);
+    auto &keepers = Filter::ofThisThread().keepers;
+    keepers.erase(std::remove(keepers.begin(), keepers.end(), this), keepers.end());
+    if (m_reply && m_deletionAskedFor)
         m_reply->deleteLater();
-    }
 }
 
-bool ReplyKeeper::isInUse(QNetworkReply *reply)
+bool ReplyKeeper::isInUse(const QNetworkReply *reply)
 {
-    QEvent event(question());
-    return QCoreApplication::sendEvent(reply, &event);
-}
-
-bool ReplyKeeper::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == question())
-        return true;
-    if (event->type() != QEvent::DeferredDelete)
-        return QObject::eventFilter(watched, event);
-    m_deletionAskedFor = true;
-    return true;
+    return Filter::ofThisThread().keeperOf(reply) != nullptr;
 }
