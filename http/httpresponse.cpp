@@ -6,16 +6,14 @@
 #include "http/httpdump.h"
 #include "http/httpresponsetimeout.h"
 #include "http/replykeeper.h"
+#include "http/replywires.h"
 
 #include <QDebug>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMetaEnum>
 #include <QMetaMethod>
-#include <QNetworkAccessManager>
 #include <QThread>
-
-#include <vector>
 
 namespace {
 
@@ -42,98 +40,8 @@ constexpr auto authenticationFailedReply =
 constexpr auto headList = QOverload<QList<QNetworkReply::RawHeaderPair>>::of(&HttpResponse::head);
 constexpr auto headMap = QOverload<QMap<QString, QString>>::of(&HttpResponse::head);
 
-// Qt 5.15 renamed the signal and deprecated the old name.
-#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
-constexpr auto replyError = &QNetworkReply::errorOccurred;
-#else
-constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error);
-#endif
-
 // Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
 constexpr qint64 downloadBufferSize = 65536; // bytes
-
-/// What a connection from the reply is needed for, apart from receivers of what it leads to.
-enum class Need {
-    Always,
-    Download, ///< Into a file.
-    Bound,    ///< A bound of the read buffer, which downloads have.
-    Receivers ///< Nothing else.
-};
-
-/// A signal of the reply, the slot that answers it, and the signal of the response that the slot
-/// emits, by their places in the meta-objects: these connections are made for every request.
-struct Wire
-{
-    Need need;
-    int from;
-    int slot;
-    int to; ///< -1: none, or several.
-};
-
-constexpr std::nullptr_t noSignal = nullptr;
-
-int indexOf(std::nullptr_t) { return -1; }
-
-template <typename Signal>
-int indexOf(Signal signal)
-{
-    return QMetaMethod::fromSignal(signal).methodIndex();
-}
-
-template <typename From, typename To>
-Wire wire(Need need, From from, const char *slot, To to)
-{
-    const int index = HttpResponse::staticMetaObject.indexOfSlot(slot);
-    Q_ASSERT(index >= 0);
-    return {need, indexOf(from), index, indexOf(to)};
-}
-
-// In the order in which the slots answer the same signal.
-const std::vector<Wire> &replyWires()
-{
-    using Reply = QNetworkReply;
-    using R = HttpResponse;
-    static const std::vector<Wire> wires{
-        wire(Need::Always, &Reply::finished, "onFinished()", noSignal),
-        wire(Need::Always, replyError, "onError(QNetworkReply::NetworkError)", noSignal),
-        wire(Need::Receivers, &Reply::downloadProgress, "onDownloadProgress(qint64,qint64)",
-             &R::downloadFileProgress),
-        wire(Need::Receivers, &Reply::uploadProgress, "onUploadProgress(qint64,qint64)",
-             &R::uploadProgress),
-        wire(Need::Download, &Reply::readyRead, "onReadOnceReplyHeader()", noSignal),
-        wire(Need::Always, &Reply::readyRead, "onHandleHead()", noSignal),
-        wire(Need::Download, &Reply::readyRead, "onReadyRead()", &R::readyRead),
-        wire(Need::Receivers, &Reply::encrypted, "onEncrypted()", &R::encrypted),
-        wire(Need::Download, &Reply::metaDataChanged, "onMetaDataChanged()", &R::metaDataChanged),
-        wire(Need::Bound, &Reply::redirected, "onRedirected(QUrl)", &R::redirected),
-        wire(Need::Receivers, &Reply::sslErrors, "onSslErrors(QList<QSslError>)", &R::sslErrors),
-        wire(Need::Bound, &Reply::redirectAllowed, "onRedirectAllowed()", &R::redirectAllowed),
-        wire(Need::Receivers, &Reply::preSharedKeyAuthenticationRequired,
-             "onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator*)",
-             &R::preSharedKeyAuthenticationRequired),
-    };
-    return wires;
-}
-
-bool isNeeded(Need need, const HttpRequestFields &fields)
-{
-    switch (need) {
-    case Need::Always:
-        return true;
-    case Need::Download:
-        return fields.isDownload;
-    case Need::Bound:
-        return fields.isDownload || fields.readBufferSize >= 0;
-    case Need::Receivers:
-        break;
-    }
-    return false;
-}
-
-void attach(const QObject *sender, const Wire &wire, const HttpResponse *response)
-{
-    QMetaObject::connect(sender, wire.from, response, wire.slot, Qt::UniqueConnection);
-}
 
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
 {
@@ -204,44 +112,30 @@ void HttpResponse::serveRequest()
         return;
     if (fields.isDownload)
         m_file = std::make_unique<DownloadFile>();
-    for (const Wire &wire : replyWires()) {
-        if (isNeeded(wire.need, fields))
-            attach(m_reply, wire, this);
-    }
-    static const Wire authentication =
-        wire(Need::Always, &QNetworkAccessManager::authenticationRequired,
-             "onAuthenticationRequired(QNetworkReply*,QAuthenticator*)", noSignal);
-    attach(m_reply->manager(), authentication, this);
+    ReplyWires::connectNeeded(m_reply, this, fields, m_everConnected);
     boundReadBuffer();
     HttpCallbackBinder::attach(this, fields);
 }
 
-// What nobody listens to is not asked of the reply either.
+// Somebody connects to this response, on any thread. The reply is the client's thread's to touch.
 void HttpResponse::connectNotify(const QMetaMethod &signal)
 {
     const int index = signal.methodIndex();
+    m_everConnected |= ReplyWires::bitOf(index);
     if (QThread::currentThread() == thread())
-        passOn(index);
+        ReplyWires::connectFor(m_reply, this, index);
     else
         QMetaObject::invokeMethod(
-            this, [this, index] { passOn(index); }, Qt::QueuedConnection);
-}
-
-void HttpResponse::passOn(int signal)
-{
-    if (!m_reply)
-        return;
-    for (const Wire &wire : replyWires()) {
-        if (wire.to == signal)
-            attach(m_reply, wire, this);
-    }
+            this, [this, index] { ReplyWires::connectFor(m_reply, this, index); },
+            Qt::QueuedConnection);
 }
 
 template <auto Signal>
 bool HttpResponse::hasReceivers() const
 {
     static const QMetaMethod signal = QMetaMethod::fromSignal(Signal);
-    return isSignalConnected(signal);
+    static const quint64 bit = ReplyWires::bitOf(signal.methodIndex());
+    return (m_everConnected & bit) != 0 && isSignalConnected(signal);
 }
 
 /// Emits @p Signal. False when a receiver has destroyed this response: nothing of it may be
@@ -420,7 +314,7 @@ bool HttpResponse::releaseReply()
 void HttpResponse::onHandleHead()
 {
     if (m_headHandled)
-        disconnect(m_reply, &QNetworkReply::readyRead, this, &HttpResponse::onHandleHead);
+        ReplyWires::disconnectReadyRead(m_reply, this, "onHandleHead()");
     else
         tellHead();
 }
@@ -447,7 +341,7 @@ void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator
 
 void HttpResponse::onReadOnceReplyHeader()
 {
-    disconnect(m_reply, &QNetworkReply::readyRead, this, &HttpResponse::onReadOnceReplyHeader);
+    ReplyWires::disconnectReadyRead(m_reply, this, "onReadOnceReplyHeader()");
     const HttpRequestFields &fields = m_request.fields;
     if (m_file->open(fields.downloadFilePath, fields.supportsResume && fields.enableResume))
         return;

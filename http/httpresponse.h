@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QUrl>
 
+#include <atomic>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -156,7 +157,6 @@ private:
     void run(std::initializer_list<Step> steps);
 
     void serveRequest();
-    void passOn(int signal);
     qint64 readBufferBound() const;
     void boundReadBuffer();
     void noteRedirect();
@@ -175,6 +175,7 @@ private:
     bool releaseReply();
 
     HttpRequest m_request;
+    std::atomic<quint64> m_everConnected{0}; ///< The bits of signals that have had a receiver.
     QPointer<QNetworkReply> m_reply;
     bool m_isTaken = false;               ///< The reply is a receiver's.
     std::unique_ptr<DownloadFile> m_file; ///< Downloads only.

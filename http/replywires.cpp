@@ -1,0 +1,149 @@
+#include "http/replywires.h"
+
+#include "http/httprequest.h"
+#include "http/httpresponse.h"
+
+#include <QMetaMethod>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+
+#include <cstddef>
+#include <vector>
+
+namespace {
+
+// Qt 5.15 renamed the signal and deprecated the old name.
+#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
+constexpr auto replyError = &QNetworkReply::errorOccurred;
+#else
+constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error);
+#endif
+
+/// Which exchanges need a connection even if nobody listens to what it leads to.
+enum class Need {
+    Always,
+    Download, ///< Those into a file.
+    Bound,    ///< Those with a bound of the read buffer, which downloads have.
+    Never
+};
+
+/// A signal of the reply, the slot that answers it, and the signal of the response that the slot
+/// emits, by their places in the meta-objects.
+struct Wire
+{
+    Need need;
+    int from;
+    int slot;
+    int to; ///< -1: none of its own.
+};
+
+int indexOf(std::nullptr_t) { return -1; }
+
+template <typename Signal>
+int indexOf(Signal signal)
+{
+    return QMetaMethod::fromSignal(signal).methodIndex();
+}
+
+int slotIndex(const char *slot)
+{
+    const int index = HttpResponse::staticMetaObject.indexOfSlot(slot);
+    Q_ASSERT(index >= 0);
+    return index;
+}
+
+template <typename From, typename To>
+Wire wire(Need need, From from, const char *slot, To to)
+{
+    return {need, indexOf(from), slotIndex(slot), indexOf(to)};
+}
+
+// In the order in which slots answer the same signal. The indices are looked up once.
+const std::vector<Wire> &replyWires()
+{
+    using Reply = QNetworkReply;
+    using R = HttpResponse;
+    static const std::vector<Wire> wires{
+        wire(Need::Always, &Reply::finished, "onFinished()", nullptr),
+        wire(Need::Always, replyError, "onError(QNetworkReply::NetworkError)", nullptr),
+        wire(Need::Never, &Reply::downloadProgress, "onDownloadProgress(qint64,qint64)",
+             &R::downloadFileProgress),
+        wire(Need::Never, &Reply::uploadProgress, "onUploadProgress(qint64,qint64)",
+             &R::uploadProgress),
+        wire(Need::Download, &Reply::readyRead, "onReadOnceReplyHeader()", nullptr),
+        wire(Need::Always, &Reply::readyRead, "onHandleHead()", nullptr),
+        wire(Need::Download, &Reply::readyRead, "onReadyRead()", &R::readyRead),
+        wire(Need::Never, &Reply::encrypted, "onEncrypted()", &R::encrypted),
+        wire(Need::Download, &Reply::metaDataChanged, "onMetaDataChanged()", &R::metaDataChanged),
+        wire(Need::Bound, &Reply::redirected, "onRedirected(QUrl)", &R::redirected),
+        wire(Need::Never, &Reply::sslErrors, "onSslErrors(QList<QSslError>)", &R::sslErrors),
+        wire(Need::Bound, &Reply::redirectAllowed, "onRedirectAllowed()", &R::redirectAllowed),
+        wire(Need::Never, &Reply::preSharedKeyAuthenticationRequired,
+             "onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator*)",
+             &R::preSharedKeyAuthenticationRequired),
+    };
+    return wires;
+}
+
+bool isNeeded(Need need, const HttpRequestFields &fields)
+{
+    switch (need) {
+    case Need::Always:
+        return true;
+    case Need::Download:
+        return fields.isDownload;
+    case Need::Bound:
+        return fields.isDownload || fields.readBufferSize >= 0;
+    case Need::Never:
+        break;
+    }
+    return false;
+}
+
+void connectWire(const QNetworkReply *reply, const Wire &wire, const HttpResponse *response)
+{
+    QMetaObject::connect(reply, wire.from, response, wire.slot, Qt::UniqueConnection);
+}
+
+// The access manager announces this for all of its replies.
+void connectAuthentication(const QNetworkReply *reply, const HttpResponse *response)
+{
+    static const int signal = indexOf(&QNetworkAccessManager::authenticationRequired);
+    static const int slot = slotIndex("onAuthenticationRequired(QNetworkReply*,QAuthenticator*)");
+    if (reply->manager()) // somebody else's reply may have none
+        QMetaObject::connect(reply->manager(), signal, response, slot);
+}
+
+} // namespace
+
+quint64 ReplyWires::bitOf(int signal)
+{
+    static const int first = HttpResponse::staticMetaObject.methodOffset();
+    return signal < first ? 0 : quint64(1) << (signal - first);
+}
+
+void ReplyWires::connectNeeded(QNetworkReply *reply, HttpResponse *response,
+                               const HttpRequestFields &fields, quint64 heard)
+{
+    for (const Wire &wire : replyWires()) {
+        if (isNeeded(wire.need, fields) || (heard & bitOf(wire.to)) != 0)
+            connectWire(reply, wire, response);
+    }
+    connectAuthentication(reply, response);
+}
+
+void ReplyWires::connectFor(QNetworkReply *reply, HttpResponse *response, int signal)
+{
+    if (!reply)
+        return;
+    for (const Wire &wire : replyWires()) {
+        if (wire.to == signal)
+            connectWire(reply, wire, response);
+    }
+}
+
+void ReplyWires::disconnectReadyRead(QNetworkReply *reply, HttpResponse *response, const char *slot)
+{
+    static const int signal = indexOf(&QNetworkReply::readyRead);
+    QMetaObject::disconnect(reply, signal, response, slotIndex(slot));
+}
