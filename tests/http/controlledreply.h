@@ -32,6 +32,8 @@ public:
     /// Sets what error() and errorString() give, and nothing else.
     void setErrorOnly(NetworkError code, const QString &text) { setError(code, text); }
 
+    using QNetworkReply::receivers;
+
     void abort() override;
     bool isSequential() const override { return true; }
     qint64 bytesAvailable() const override;
