@@ -11,6 +11,7 @@
 #include "localservice/data/folderlock.h"
 #include "localservice/options.h"
 #include "localservice/server/operations.h"
+#include "localservice/server/router.h"
 #include "localservice/server/server.h"
 #include "localservice/speech/recognizer.h"
 #include "localservice/speech/speechapi.h"
@@ -109,6 +110,8 @@ struct Data
         std::filesystem::permissions(folder / "tls", perms::owner_all);
         std::filesystem::permissions(folder / "storage", perms::owner_all);
         std::filesystem::permissions(tls.key, perms::owner_read | perms::owner_write);
+        std::filesystem::permissions(folder / "accounts.sqlite",
+                                     perms::owner_read | perms::owner_write);
     }
 
     FolderLock lock;
@@ -175,7 +178,8 @@ void serve(const Options &options)
         {origin, port, options.developmentToken, resultLifetime, credentialLifetime});
     StorageApi storageApi(data.storage, credentials, origin);
     const Operations operations(speechApi, signIn.api, catalogue, data.upgrade);
-    server.start({operations, storageApi, signIn.page, catalogue});
+    const Router router(operations, storageApi, signIn.page, catalogue);
+    server.start(router);
 
     if (options.developmentToken)
         warn("sign-in is bypassed for whoever has the development token");

@@ -2,24 +2,21 @@
 
 #include <array>
 #include <cstddef>
-#include <fcntl.h>
 #include <stdexcept>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace localservice {
 
 namespace {
 
-constexpr int busyTimeout = 5000; // ms, while somebody looks at the file
+constexpr int busyTimeout = 5000; // ms, for whoever else has the file open
 
 // A migration makes the next version of a file out of the one before; "user_version" counts those
 // that a file has had. None is ever changed, since files were made by it: a new table is another
 // migration at the end.
 //
 // Times are seconds since the epoch. Tokens are kept as digests, so a look at the file does not
-// show any. The first account is the one of this machine; the others have a phone number.
+// show any. The account without a phone number is that of this machine.
 constexpr std::array migrations{R"(
     CREATE TABLE account (
         id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -41,22 +38,10 @@ constexpr std::array migrations{R"(
         used INTEGER NOT NULL DEFAULT 0);
 )"};
 
-// SQLite gives its journal the rights of the file.
-const std::filesystem::path &madePrivate(const std::filesystem::path &path)
-{
-    const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    const bool isPrivate = file >= 0 && ::fchmod(file, S_IRUSR | S_IWUSR) == 0;
-    if (file >= 0)
-        ::close(file);
-    if (!isPrivate)
-        throw std::runtime_error("cannot write \"" + path.string() + "\"");
-    return path;
-}
-
 } // namespace
 
 AccountDatabase::AccountDatabase(const std::filesystem::path &file)
-try : m_database(madePrivate(file).string(), SQLite::OPEN_READWRITE, busyTimeout) {
+try : m_database(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeout) {
     migrate();
 } catch (const SQLite::Exception &error) {
     throw std::runtime_error("cannot use \"" + file.string() + "\": " + error.what());

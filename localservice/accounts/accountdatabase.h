@@ -7,17 +7,19 @@
 
 namespace localservice {
 
-/// The SQLite file that holds accounts, tokens and SMS codes. Only its owner can read it. May be
-/// used by several threads, one of which is served at a time.
+/// The SQLite file that holds accounts, tokens and SMS codes. May be used by several threads, one
+/// of which is served at a time.
 class AccountDatabase
 {
 public:
-    /// Opens the file, or makes it, and brings one of an earlier version up to date.
-    /// std::runtime_error if it cannot be used; one of a later version never can.
+    /// Opens the file, or makes it with the rights that the umask leaves, and brings one of an
+    /// earlier version up to date. std::runtime_error if it cannot be used; one of a later version
+    /// never can.
     explicit AccountDatabase(const std::filesystem::path &file);
 
-    /// Returns what @p work, which is given the database, returns. What it changes is kept as a
-    /// whole, or not at all when it throws.
+    /// Calls @p work with the database and returns what that returns. Its changes are kept
+    /// together, or not at all when it throws. SQLite::Exception if the file cannot be read or
+    /// written, or if another process has locked it for five seconds.
     template <typename Work>
     auto transaction(Work work)
     {

@@ -11,7 +11,7 @@ namespace localservice {
 
 namespace {
 
-// As the database has them.
+// The kinds of tokens in the database.
 constexpr int accessKind = 0;
 constexpr int refreshKind = 1;
 
@@ -85,7 +85,6 @@ void Accounts::sweep()
     });
 }
 
-// An account that is given very many tokens loses those that would expire first.
 Token Accounts::issue(std::int64_t account, int kind, std::chrono::seconds lifetime)
 {
     const Token token{randomToken(), std::time(nullptr) + lifetime.count()};

@@ -12,8 +12,8 @@ namespace localservice {
 /// Somebody who can be signed in.
 struct Account
 {
-    std::int64_t id = 0;  ///< From 1 on; none is given twice.
-    std::string nickname; ///< What people see.
+    std::int64_t id = 0;  ///< From 1 on; no two accounts ever have the same.
+    std::string nickname; ///< The name that people see.
 };
 
 /// A token that was given out just now.
@@ -24,16 +24,16 @@ struct Token
 };
 
 /// The accounts and the tokens that their sign-ins gave out; both survive the process. Tokens are
-/// taken as texts, so that no two ways to write a number mean the same one. May be used by several
-/// threads.
+/// compared as texts: another way to write the same number is another token. May be used by several
+/// threads. Every operation may throw SQLite::Exception, as AccountDatabase::transaction() does.
 class Accounts
 {
 public:
     /// How long tokens are valid.
     struct Lifetimes
     {
-        std::chrono::seconds access{};  ///< Those that operations want.
-        std::chrono::seconds refresh{}; ///< Those that further access tokens are given for.
+        std::chrono::seconds access{};  ///< Of tokens that operations want.
+        std::chrono::seconds refresh{}; ///< Of tokens that renew() takes.
     };
 
     /// @p database outlives this.
@@ -42,9 +42,11 @@ public:
     /// The one account of this machine.
     Account local();
 
-    /// The account of a phone number, which is made if there is none.
+    /// The account of a phone number of four digits at least, which is made if there is none.
     Account ofPhone(const std::string &phone);
 
+    /// Give out a token. An account that has more than 1000 of a kind loses those that would expire
+    /// first.
     Token issueAccessToken(std::int64_t account);
     Token issueRefreshToken(std::int64_t account);
 

@@ -9,16 +9,11 @@ namespace localservice {
 
 namespace {
 
-// For how long a page can still say why it is of no use.
+// After its end a page can say for so long why it is of no use.
 constexpr std::chrono::minutes memory(10);
 
-// An application that polls hears of a confirmation in the last second, too.
+// An application that polls hears of a confirmation in the last second of a code, too.
 constexpr std::chrono::minutes timeToCollect(1);
-
-bool hasEnded(QrSignInState state)
-{
-    return state == QrSignInState::Used || state == QrSignInState::Expired;
-}
 
 } // namespace
 
@@ -31,9 +26,10 @@ QrSignIn QrSignIns::begin()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_entries.size() >= most)
-        m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
-                                       [](const Entry &entry) { return hasEnded(stateOf(entry)); }),
-                        m_entries.end());
+        forget([](const Entry &entry) {
+            const QrSignInState state = stateOf(entry);
+            return state == QrSignInState::Used || state == QrSignInState::Expired;
+        });
     if (m_entries.size() >= most)
         throw Refusal(Code::Busy, "too many sign-ins are waiting for a confirmation");
     Entry entry;
@@ -56,7 +52,7 @@ QrSignInState QrSignIns::state(const std::string &pageSecret, std::time_t *expir
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const Entry *const entry = find(&QrSignIn::pageSecret, pageSecret);
-    if (entry && expires)
+    if (entry)
         *expires = entry->told.expires;
     return entry ? stateOf(*entry) : QrSignInState::Unknown;
 }
@@ -84,22 +80,17 @@ QrSignInState QrSignIns::collect(const std::string &pollSecret)
     return before;
 }
 
-void QrSignIns::giveBack(const std::string &pollSecret)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    Entry *const entry = find(&QrSignIn::pollSecret, pollSecret);
-    if (entry && entry->state == QrSignInState::Used)
-        entry->state = QrSignInState::Confirmed;
-}
-
 void QrSignIns::sweep()
 {
     const auto now = std::chrono::steady_clock::now();
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_entries.erase(
-        std::remove_if(m_entries.begin(), m_entries.end(),
-                       [&](const Entry &entry) { return entry.expiration + memory <= now; }),
-        m_entries.end());
+    forget([now](const Entry &entry) { return entry.expiration + memory <= now; });
+}
+
+template <typename Condition>
+void QrSignIns::forget(Condition condition)
+{
+    m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(), condition), m_entries.end());
 }
 
 QrSignInState QrSignIns::stateOf(const Entry &entry)

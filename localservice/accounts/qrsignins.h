@@ -12,19 +12,19 @@ namespace localservice {
 /// How far a sign-in by QR code has come.
 enum class QrSignInState {
     Waiting,   ///< Somebody may confirm it.
-    Confirmed, ///< It has been; whoever polls will hear of it.
-    Used,      ///< Whoever polls has heard of it.
-    Expired,
-    Unknown, ///< Or expired long ago.
+    Confirmed, ///< Somebody has; who polls has not heard of it yet.
+    Used,      ///< Who polls has heard of the confirmation.
+    Expired,   ///< Nobody confirmed it, or who polls did not ask, in time.
+    Unknown,   ///< There is none with that secret, or it expired some minutes ago.
 };
 
-/// A sign-in by QR code as it is told to those who take part in it. None of the three secrets
-/// can be worked out from another; whoever has the picture can read the page's off it.
+/// A sign-in by QR code as it is told to those who take part in it. None of the three secrets,
+/// each a randomId(), can be worked out from another.
 struct QrSignIn
 {
-    std::string pollSecret;    ///< Of the application that asks.
+    std::string pollSecret;    ///< Of the application that asks for it.
     std::string pictureSecret; ///< In the address of the picture.
-    std::string pageSecret;    ///< In the address that the picture shows.
+    std::string pageSecret;    ///< In the address of the page, which the picture shows.
     std::time_t expires = 0;   ///< Seconds since the epoch.
 };
 
@@ -33,29 +33,27 @@ struct QrSignIn
 class QrSignIns
 {
 public:
-    static constexpr std::size_t most = 100; ///< That are waiting or confirmed.
+    static constexpr std::size_t most = 100; ///< Those that are waiting or confirmed.
 
+    /// Each may be confirmed for @p lifetime.
     explicit QrSignIns(std::chrono::seconds lifetime);
 
     /// Begins one; Refusal if there are too many.
     QrSignIn begin();
 
-    /// The page that a picture shows; nothing unless somebody may still confirm there.
+    /// The page secret of a picture; nothing unless somebody may still confirm there.
     std::optional<std::string> pageOf(const std::string &pictureSecret);
 
-    /// The state and, unless it is unknown, when the code expires.
-    QrSignInState state(const std::string &pageSecret, std::time_t *expires = nullptr);
+    /// The state and, unless that is unknown, in @p expires when the code expires.
+    QrSignInState state(const std::string &pageSecret, std::time_t *expires);
 
-    /// Confirms it if it is waiting; returns the state from before.
+    /// Confirms a sign-in that is waiting; returns the state from before.
     QrSignInState confirm(const std::string &pageSecret);
 
-    /// The state for who polls. Confirmed is returned once; it is used from then on.
+    /// The state for who polls. Confirmed is returned once; the sign-in is used from then on.
     QrSignInState collect(const std::string &pollSecret);
 
-    /// Makes what was collected Confirmed again: it could not be told.
-    void giveBack(const std::string &pollSecret);
-
-    /// Forgets what expired some time ago.
+    /// Forgets what expired some minutes ago.
     void sweep();
 
 private:
@@ -63,11 +61,13 @@ private:
     {
         QrSignIn told;
         QrSignInState state = QrSignInState::Waiting;
-        // Not affected by changes of the clock, unlike the time that is told.
+        // Changes of the clock do not affect it, unlike the time that is told.
         std::chrono::steady_clock::time_point expiration;
     };
 
     static QrSignInState stateOf(const Entry &entry);
+    template <typename Condition>
+    void forget(Condition condition);
     Entry *find(std::string QrSignIn::*secret, const std::string &value);
 
     const std::chrono::seconds m_lifetime;

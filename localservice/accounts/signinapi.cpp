@@ -1,10 +1,10 @@
 #include "localservice/accounts/signinapi.h"
 
 #include "localservice/accounts/signinpage.h"
-
 #include "localservice/base/console.h"
 #include "localservice/base/jsonbody.h"
 #include "localservice/base/refusal.h"
+
 #include <QDateTime>
 
 namespace localservice {
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int codeForSignIn = 1; // the only scene in which a code is sent
 
-// What the status operation says.
+// The values of "status" in the reply to who polls a sign-in by QR code.
 constexpr int waiting = 0;
 constexpr int confirmed = 1;
 constexpr int over = 2; // expired or already used
@@ -21,8 +21,7 @@ constexpr int over = 2; // expired or already used
 std::string timeText(std::int64_t time)
 {
     return QDateTime::fromSecsSinceEpoch(time)
-        .toString(Qt::ISODate)
-        .replace(QLatin1Char('T'), QLatin1Char(' '))
+        .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
         .toStdString();
 }
 
@@ -62,19 +61,9 @@ nlohmann::json SignInApi::qrStatus(const std::string &businessCode)
     case QrSignInState::Waiting:
         return {{"status", waiting}};
     case QrSignInState::Confirmed:
-        return collected(businessCode);
+        return {{"status", confirmed}, {"user_info", signedIn(m_services.accounts.local())}};
     default:
         return {{"status", over}};
-    }
-}
-
-nlohmann::json SignInApi::collected(const std::string &businessCode)
-{
-    try {
-        return {{"status", confirmed}, {"user_info", signedIn(m_services.accounts.local())}};
-    } catch (...) {
-        m_services.qrSignIns.giveBack(businessCode); // nobody has heard of it
-        throw;
     }
 }
 

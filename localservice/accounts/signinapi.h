@@ -11,7 +11,7 @@
 
 namespace localservice {
 
-/// What signing in needs; everything outlives it.
+/// What the operations to sign in need; everything outlives them.
 struct SignInServices
 {
     Accounts &accounts;
@@ -20,8 +20,9 @@ struct SignInServices
     const Catalogue &catalogue; ///< For the pictures of users.
 };
 
-/// The operations to sign in and to stay it. Each returns the "data" of its reply or throws a
-/// Refusal. May be used by several threads.
+/// The operations to sign in and to stay it. Each takes the body or the query parameter of its
+/// request and returns the "data" of its reply, or throws a Refusal. May be used by several
+/// threads.
 class SignInApi
 {
 public:
@@ -31,20 +32,19 @@ public:
     /// Begins a sign-in by QR code; the address of its page goes to standard output as well.
     nlohmann::json qrCode();
 
-    /// Tells who polls how far a sign-in by QR code is.
+    /// Tells who polls how far a sign-in by QR code has come, and signs in once it is confirmed.
     nlohmann::json qrStatus(const std::string &businessCode);
 
-    /// Makes an SMS code, which goes to standard output.
+    /// Makes an SMS code, which goes to standard output instead of a telephone.
     nlohmann::json sendCode(const std::string &body);
 
     /// Signs in with an SMS code.
     nlohmann::json signInWithCode(const std::string &body);
 
-    /// A new access token for a refresh token.
+    /// Gives out another access token for a refresh token.
     nlohmann::json renew(const std::string &refreshToken);
 
 private:
-    nlohmann::json collected(const std::string &businessCode);
     nlohmann::json signedIn(const Account &account);
 
     SignInServices m_services;

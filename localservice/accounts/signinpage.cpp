@@ -6,18 +6,19 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 
-#include <string_view>
+#include <cstring>
 
 namespace localservice {
 
 namespace {
 
-constexpr std::string_view pageFolder = "/signin/";
-constexpr std::string_view pictureFolder = "/signin-picture/";
-constexpr std::string_view pictureSuffix = ".png";
+constexpr const char *pageFolder = "/signin/";
+constexpr const char *pictureFolder = "/signin-picture/";
+constexpr const char *pictureSuffix = ".png";
 
-// System colours would differ between browsers; each pair here has a contrast of 7 to 1 or more.
-constexpr std::string_view style = R"(
+// Each pair of colours has a contrast of 7 to 1 or more; those of the system differ between
+// browsers.
+constexpr const char *style = R"(
 :root{color-scheme:light dark}
 *{box-sizing:border-box}
 body{margin:0;padding:1.5rem;min-height:100vh;display:flex;align-items:center;justify-content:center;
@@ -43,6 +44,7 @@ button:focus-visible{outline-color:#9cc7ff}
 }
 )";
 
+// Names an inline style in a content security policy.
 std::string sourceOf(const std::string &text)
 {
     const QByteArray digest =
@@ -55,57 +57,54 @@ std::string page(const std::string &title, const std::string &contents)
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
            "<title>"
-           + title + "</title>\n<style>" + std::string(style)
-           + "</style>\n</head>\n<body>\n<main>\n<h1>" + title + "</h1>\n" + contents
-           + "</main>\n</body>\n</html>\n";
+           + title + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<main>\n<h1>" + title
+           + "</h1>\n" + contents + "</main>\n</body>\n</html>\n";
 }
 
 SignInPage::Reply question(const std::string &account, std::time_t expires)
 {
-    const QDateTime local = QDateTime::fromSecsSinceEpoch(expires);
-    const QDateTime withOffset = local.toOffsetFromUtc(local.offsetFromUtc());
+    const QTime end = QDateTime::fromSecsSinceEpoch(expires).time();
     return {200, page("Sign in?",
                       "<p>The application that shows the code will be signed in to the speech "
                       "service on this computer as <strong>"
                           + account
                           + "</strong>.</p>\n<form method=\"post\">\n"
                             "<button type=\"submit\">Sign in</button>\n</form>\n"
-                            "<p class=\"note\">The code expires at <time datetime=\""
-                          + withOffset.toString(Qt::ISODate).toStdString() + "\">"
-                          + local.time().toString(Qt::ISODate).toStdString()
+                            "<p class=\"note\">The code expires at <time>"
+                          + end.toString(Qt::ISODate).toStdString()
                           + "</time>.</p>\n<p class=\"note\">If you have not asked for this, close "
                             "this page; nothing happens then.</p>\n")};
 }
 
 SignInPage::Reply done(const std::string &account)
 {
-    return {200, page("Signed in", "<p role=\"status\">The application has been signed in as "
-                                   "<strong>"
-                                       + account
-                                       + "</strong>.</p>\n<p class=\"note\">You can close this "
-                                         "page.</p>\n")};
+    return {200, page("Signed in",
+                      "<p role=\"status\">The application has been signed in as <strong>" + account
+                          + "</strong>.</p>\n"
+                            "<p class=\"note\">You can close this page.</p>\n")};
 }
 
-constexpr const char *advice =
-    "<p class=\"note\">Ask the application for a new code and scan that one.</p>\n";
+SignInPage::Reply refusal(int status, const std::string &title, const std::string &reason)
+{
+    return {status, page(title, "<p>" + reason
+                                    + "</p>\n<p class=\"note\">Ask the application for a new code "
+                                      "and scan that one.</p>\n")};
+}
 
 SignInPage::Reply noLonger(QrSignInState state)
 {
-    if (state == QrSignInState::Unknown)
-        return {404, page("Unknown code", std::string("<p>There is no such code, or it expired "
-                                                      "some time ago.</p>\n")
-                                              + advice)};
-    if (state == QrSignInState::Expired)
-        return {410, page("Code expired",
-                          std::string("<p>This code has expired. Nothing has been signed in with "
-                                      "it.</p>\n")
-                              + advice)};
-    return {410,
-            page("Code already used",
-                 std::string("<p>This code has been used. It works only once.</p>\n") + advice)};
+    switch (state) {
+    case QrSignInState::Unknown:
+        return refusal(404, "Unknown code", "There is no such code, or it expired some time ago.");
+    case QrSignInState::Expired:
+        return refusal(410, "Code expired",
+                       "This code has expired. Nothing has been signed in with it.");
+    default:
+        return refusal(410, "Code already used", "This code has been used. It works only once.");
+    }
 }
 
-std::string secretOf(const std::string &path) { return path.substr(pageFolder.size()); }
+std::string secretOf(const std::string &path) { return path.substr(std::strlen(pageFolder)); }
 
 } // namespace
 
@@ -116,14 +115,11 @@ SignInPage::SignInPage(QrSignIns &signIns, const std::string &origin, const std:
 {
 }
 
-std::string SignInPage::pathOf(const QrSignIn &signIn)
-{
-    return std::string(pageFolder) + signIn.pageSecret;
-}
+std::string SignInPage::pathOf(const QrSignIn &signIn) { return pageFolder + signIn.pageSecret; }
 
 std::string SignInPage::picturePathOf(const QrSignIn &signIn)
 {
-    return std::string(pictureFolder) + signIn.pictureSecret + std::string(pictureSuffix);
+    return pictureFolder + signIn.pictureSecret + pictureSuffix;
 }
 
 bool SignInPage::isPage(const std::string &path) { return path.rfind(pageFolder, 0) == 0; }
@@ -133,7 +129,7 @@ bool SignInPage::isPicture(const std::string &path) { return path.rfind(pictureF
 const std::map<std::string, std::string> &SignInPage::headers()
 {
     static const std::map<std::string, std::string> all{
-        {"Content-Security-Policy", "default-src 'none'; style-src " + sourceOf(std::string(style))
+        {"Content-Security-Policy", "default-src 'none'; style-src " + sourceOf(style)
                                         + "; form-action 'self'; base-uri 'none'; "
                                           "frame-ancestors 'none'"},
         {"Referrer-Policy", "no-referrer"},
@@ -157,11 +153,10 @@ SignInPage::Reply SignInPage::confirm(const std::string &path)
 
 std::string SignInPage::picture(const std::string &path)
 {
-    const std::string name = path.substr(pictureFolder.size());
-    const std::size_t dot = name.find('.');
-    if (dot != std::string::npos && name.substr(dot) == pictureSuffix)
-        if (const auto page = m_signIns.pageOf(name.substr(0, dot)))
-            return qrPicture(m_origin + std::string(pageFolder) + *page);
+    const std::string name = path.substr(std::strlen(pictureFolder));
+    const std::string secret = name.substr(0, name.find('.'));
+    if (const auto page = m_signIns.pageOf(secret); page && name == secret + pictureSuffix)
+        return qrPicture(m_origin + pageFolder + *page);
     throw Refusal(Code::NotFound, "there is no such picture, or no longer");
 }
 

@@ -12,7 +12,7 @@ namespace localservice {
 
 namespace {
 
-// A code is kept for an hour after it was sent, whatever becomes of it: it counts.
+// A code counts among those of the last hour whatever becomes of it.
 constexpr std::int64_t hour = 3600; // seconds
 
 std::int64_t now() { return std::time(nullptr); }
@@ -50,20 +50,16 @@ std::string SmsCodes::issue(const std::string &phone)
     return code;
 }
 
-// The newest code of a number is the one that counts. One statement marks it as used or counts the
-// guess, so guesses at the same time are as many as guesses one after the other.
+// The newest code of a number is its only one. Guesses at the same time are counted one after the
+// other, since each is a transaction.
 bool SmsCodes::redeem(const std::string &phone, const std::string &code)
 {
     return m_database.transaction([&](SQLite::Database &database) {
-        SQLite::Statement query(database, "SELECT id, code, expires, wrong_guesses, used "
-                                          "FROM sms_code WHERE phone = ? ORDER BY id DESC LIMIT 1");
-        SQLite::bind(query, phone);
+        SQLite::Statement query(database, "SELECT id, code FROM (SELECT * FROM sms_code WHERE "
+                                          "phone = ? ORDER BY id DESC LIMIT 1) "
+                                          "WHERE expires > ? AND wrong_guesses < ? AND used = 0");
+        SQLite::bind(query, phone, now(), mostWrongGuesses);
         if (!query.executeStep())
-            return false;
-        const bool isAlive = query.getColumn(2).getInt64() > now()
-                             && query.getColumn(3).getInt() < mostWrongGuesses
-                             && query.getColumn(4).getInt() == 0;
-        if (!isAlive)
             return false;
         const bool isRight = isSameSecret(query.getColumn(1).getString(), code);
         SQLite::Statement update(

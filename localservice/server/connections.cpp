@@ -9,27 +9,16 @@ namespace localservice {
 namespace {
 
 constexpr std::chrono::seconds patience(1);
-
-constexpr std::size_t mostUnused = 256UL * 1024;
+constexpr std::size_t mostUnused = 256UL * 1024; // bytes
 
 thread_local int socketOfThisThread = -1;
 thread_local std::size_t unused = 0; // bytes received on that socket
 
 } // namespace
 
-Connections::Work::Work(Connections &connections)
-    : m_connections(connections)
-    , m_socket(ofThisThread())
-{
-    m_connections.setRestsSince(m_socket, Clock::time_point::max());
-}
-
-Connections::Work::~Work() { m_connections.setRestsSince(m_socket, Clock::now()); }
-
 bool Connections::watch(SSL_CTX *context)
 {
-    if (connectionIndex() < 0 || ownerIndex() < 0
-        || SSL_CTX_set_ex_data(context, ownerIndex(), this) != 1)
+    if (connectionIndex() < 0 || SSL_CTX_set_app_data(context, this) != 1)
         return false;
     SSL_CTX_set_info_callback(context, onHandshake);
     SSL_CTX_set_msg_callback(context, onRecord);
@@ -78,17 +67,17 @@ void Connections::makeRoom(std::size_t count)
     }
 }
 
+// Runs in the thread that serves the connection from then on.
 void Connections::onHandshake(const SSL *ssl, int where, int)
 {
     if ((where & SSL_CB_HANDSHAKE_START) == 0)
         return;
-    auto *const owner =
-        static_cast<Connections *>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(ssl), ownerIndex()));
-    // The callback has it const, yet it is the connection that the handshake is about to change.
+    auto *const owner = static_cast<Connections *>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(ssl)));
+    // OpenSSL has it constant here, yet it is the connection that the handshake will change.
     owner->add(const_cast<SSL *>(ssl));
 }
 
-// Called with the five bytes before each record; the last two are the length of what follows.
+// The header of a record has five bytes; the last two are the length of what follows.
 void Connections::onRecord(int isWritten, int, int type, const void *bytes, std::size_t length,
                            SSL *, void *)
 {
@@ -100,23 +89,18 @@ void Connections::onRecord(int isWritten, int, int type, const void *bytes, std:
         ::shutdown(socketOfThisThread, SHUT_RDWR);
 }
 
-// The server closes a socket only after it has freed the connection on it, so a number in the set
-// always means that connection.
+// The HTTP library frees a connection before it closes the socket, so the number of a socket that
+// is known here never stands for a later connection.
 void Connections::onFreed(void *parent, void *value, CRYPTO_EX_DATA *, int, long, void *)
 {
     if (value)
         static_cast<Connections *>(value)->remove(SSL_get_fd(static_cast<SSL *>(parent)));
 }
 
+// Where a connection has the object that knows it.
 int Connections::connectionIndex()
 {
     static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, onFreed);
-    return index;
-}
-
-int Connections::ownerIndex()
-{
-    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
     return index;
 }
 
@@ -141,10 +125,10 @@ void Connections::remove(int socket)
     m_states.erase(socket);
 }
 
-void Connections::setRestsSince(int socket, Clock::time_point time)
+void Connections::setRestsSince(Clock::time_point time)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const auto found = m_states.find(socket);
+    const auto found = m_states.find(socketOfThisThread);
     if (found != m_states.end() && !found->second.isEnding)
         found->second.restsSince = time;
 }

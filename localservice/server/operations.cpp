@@ -1,19 +1,23 @@
 #include "localservice/server/operations.h"
 
-#include "localservice/server/headervalue.h"
-
 #include <algorithm>
 #include <array>
 #include <string_view>
 
 namespace localservice {
 
+// What a client asks with.
 struct Operations::Question
 {
     const httplib::Request &request;
     const std::string &body;
 
-    std::string authorization() const { return headerValue(request, "Authorization"); }
+    // The library's own get_header_value() ends it at its first NUL.
+    std::string authorization() const
+    {
+        const auto found = request.headers.find("Authorization");
+        return found == request.headers.end() ? std::string() : found->second;
+    }
     std::string parameter(const char *name) const { return request.get_param_value(name); }
 };
 
@@ -66,10 +70,9 @@ std::optional<nlohmann::json> Operations::call(const std::string &path,
                                                const httplib::Request &request,
                                                const std::string &body) const
 {
-    for (const Operation &operation : m_operations) {
+    for (const Operation &operation : m_operations)
         if (operation.method == request.method && operation.path == path)
             return operation.call({request, body});
-    }
     return std::nullopt;
 }
 

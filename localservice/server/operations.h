@@ -15,18 +15,19 @@
 
 namespace localservice {
 
-/// Which operation a method and a path stand for. May be used by several threads.
+/// The table of operations: which one a method and a path stand for. May be used by several
+/// threads.
 class Operations
 {
 public:
     /// All outlive this.
     Operations(SpeechApi &speech, SignInApi &signIn, Catalogue &catalogue, UpgradeFile &upgrade);
 
-    /// Whether @p path is one under which operations are.
+    /// Whether @p path begins with one of the three prefixes that operations have.
     static bool isResponsible(const std::string &path);
 
-    /// The "data" of the reply; nothing if there is no such operation. Throws what the operation
-    /// throws.
+    /// Calls the operation; returns the "data" of the reply, or nothing if there is no such
+    /// operation. Throws what the operation throws. @p path has no query.
     std::optional<nlohmann::json> call(const std::string &path, const httplib::Request &request,
                                        const std::string &body) const;
 

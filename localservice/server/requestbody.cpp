@@ -8,7 +8,7 @@ namespace localservice {
 
 namespace {
 
-constexpr std::size_t mostDiscarded = 1024UL * 1024 * 1024;
+constexpr std::size_t mostRead = 1024UL * 1024 * 1024; // bytes
 
 [[noreturn]] void refuseUnread(const std::string &message)
 {
@@ -16,6 +16,7 @@ constexpr std::size_t mostDiscarded = 1024UL * 1024 * 1024;
     throw Refusal(Code::Malformed, message);
 }
 
+// The library takes what is no number for 0, and the body for the next request.
 bool isNumber(const std::string &text)
 {
     return !text.empty() && text.size() < 19
@@ -44,7 +45,7 @@ std::string readBody(const httplib::Request &request, const httplib::ContentRead
             body.append(data, length);
         else
             body = std::string(); // of no use any more
-        return size <= mostDiscarded;
+        return size <= mostRead;
     });
     if (!complete)
         requestNotes().endsConnection = true;

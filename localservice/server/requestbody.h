@@ -7,10 +7,10 @@
 
 namespace localservice {
 
-/// Reads the body of a request to its end, even if it is too large, since a client reads no reply
-/// before it has sent everything. Refused if it has more than @p largest bytes (after
-/// decompression), if it is a form of several parts or if it does not arrive. When there may be a
-/// rest of it, the connection is noted to end after the reply.
+/// Reads the body of a request to its end, since most clients read no reply before they have sent
+/// everything. A Refusal says that it has more than @p largest bytes (after decompression), is a
+/// form of several parts or does not arrive; when a rest of it may still come, the notes on the
+/// request end the connection after the reply.
 std::string readBody(const httplib::Request &request, const httplib::ContentReader &reader,
                      std::size_t largest);
 

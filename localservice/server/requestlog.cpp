@@ -4,25 +4,26 @@
 
 #include <QDateTime>
 
+#include <algorithm>
+
 namespace localservice {
 
 namespace {
 
 constexpr std::size_t longestText = 200;
 
-// A client must not be able to write lines of its own, or to a terminal's controls.
+// What a client sent, as one word: it can write no line of its own and reach no terminal's
+// controls.
 std::string printable(const std::string &text)
 {
     std::string result = text.empty() ? "-" : text.substr(0, longestText);
-    for (char &c : result) {
-        if (c <= ' ' || c > '~')
-            c = '?';
-    }
+    std::replace_if(
+        result.begin(), result.end(), [](char c) { return c <= ' ' || c > '~'; }, '?');
     return result;
 }
 
-// Who has the address of a sign-in page or of its picture can sign in, and who has that of a
-// recording can have it recognised.
+// The address of a sign-in page, or of its picture, lets its reader sign in; that of a recording
+// has it recognised.
 std::string withoutSecrets(const std::string &path)
 {
     for (const char *folder : {"/signin", "/storage"}) {

@@ -10,24 +10,26 @@
 
 namespace localservice {
 
-/// A few threads that work on a queue.
+/// A few threads that work on a queue of jobs. May be used by several threads.
 class ThreadPool
 {
 public:
-    /// std::system_error if there cannot be @p count threads; there is none then.
+    /// Begins the threads; std::system_error if there cannot be @p count.
     explicit ThreadPool(std::size_t count);
+
+    /// Calls shutdown().
     ~ThreadPool();
 
     ThreadPool(const ThreadPool &) = delete;
     ThreadPool &operator=(const ThreadPool &) = delete;
 
-    /// @p job must not throw.
+    /// Puts @p job, which must not throw, at the end of the queue.
     void enqueue(std::function<void()> job);
 
-    /// Waits until the whole queue has been worked on.
+    /// Waits until all jobs are done, and ends the threads.
     void shutdown();
 
-    /// The jobs that no thread is free for.
+    /// The number of jobs that no thread is free for.
     std::size_t waiting();
 
 private:

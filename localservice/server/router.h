@@ -1,0 +1,46 @@
+#pragma once
+
+#include "localservice/accounts/signinpage.h"
+#include "localservice/catalogue/catalogue.h"
+#include "localservice/server/operations.h"
+#include "localservice/storage/storageapi.h"
+
+#include <httplib.h>
+
+#include <cstddef>
+#include <string>
+
+namespace localservice {
+
+/// Takes each request to the part of the service that it is for, by the path as it was sent. May be
+/// used by several threads.
+class Router
+{
+public:
+    /// All outlive this.
+    Router(const Operations &operations, StorageApi &storage, SignInPage &signInPage,
+           Catalogue &catalogue);
+
+    /// Fills in the reply to a request, be it a refusal; never throws.
+    void respond(const httplib::Request &request, httplib::Response &response,
+                 const std::string &body) const;
+
+    /// The bytes that the body of a request may have: those of an object for an upload, 512 KiB for
+    /// every other one.
+    static std::size_t largestBody(const httplib::Request &request);
+
+private:
+    void serve(const httplib::Request &request, httplib::Response &response,
+               const std::string &path, const std::string &body) const;
+    void serveObject(const httplib::Request &request, httplib::Response &response,
+                     const std::string &path, const std::string &body) const;
+    void servePage(const httplib::Request &request, httplib::Response &response,
+                   const std::string &path) const;
+
+    const Operations &m_operations;
+    StorageApi &m_storage;
+    SignInPage &m_signInPage;
+    Catalogue &m_catalogue;
+};
+
+} // namespace localservice
