@@ -13,15 +13,16 @@ namespace localservice {
 
 namespace {
 
-// A terminal or a pipe that is opened once more can be told not to wait; the stream itself is
-// shared with whoever started the service, who may not want that.
-int openOnce(int file)
+// A pipe or a terminal, opened once more so that writing to it does not wait. The stream itself is
+// shared with whoever started the service and stays as it is, as does any other kind of file.
+int withoutWaiting(int file)
 {
     struct stat status = {};
     if (::fstat(file, &status) != 0 || !(S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode)))
-        return -1;
+        return file;
     const std::string path = "/proc/self/fd/" + std::to_string(file);
-    return ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int own = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    return own < 0 ? file : own;
 }
 
 /// A stream of the process. What does not fit into it is dropped at once: nobody is to wait for a
@@ -30,27 +31,22 @@ class Stream
 {
 public:
     explicit Stream(int file)
-        : m_file(file)
-        , m_own(openOnce(file))
+        : m_file(withoutWaiting(file))
     {
     }
 
     void write(const std::string &line)
     {
         const std::string bytes = line + '\n';
-        // A pipe takes as many at once and as a whole.
-        const std::size_t size = std::min<std::size_t>(bytes.size(), PIPE_BUF);
         const std::lock_guard<std::mutex> lock(m_mutex);
         pollfd target{m_file, POLLOUT, 0};
-        if (m_own >= 0)
-            (void)!::write(m_own, bytes.data(), size);
-        else if (::poll(&target, 1, 0) == 1 && (target.revents & POLLOUT) != 0)
-            (void)!::write(m_file, bytes.data(), size);
+        // A pipe takes PIPE_BUF bytes as a whole or not at all.
+        if (::poll(&target, 1, 0) == 1 && (target.revents & POLLOUT) != 0)
+            (void)!::write(m_file, bytes.data(), std::min<std::size_t>(bytes.size(), PIPE_BUF));
     }
 
 private:
-    int m_file;
-    int m_own;
+    const int m_file;
     std::mutex m_mutex;
 };
 

@@ -3,7 +3,6 @@
 #include "localservice/base/refusal.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace localservice {
 
@@ -18,8 +17,8 @@ constexpr int deepestNesting = 64; // within the object that the body is
 
 std::string quoted(const char *key) { return std::string(1, '"') + key + '"'; }
 
-// How deep the arrays and objects of a JSON text are nested. What follows its first error may be
-// counted wrongly: the parser gets no further than there.
+// How deep the arrays and objects of a JSON text are nested. Behind its first error, which the
+// parser does not get beyond, it may count wrongly.
 int nestingOf(const std::string &json)
 {
     int depth = 0;
@@ -43,7 +42,7 @@ int nestingOf(const std::string &json)
 
 JsonBody::JsonBody(const std::string &bytes)
 {
-    // Counted before anything is built, since the parser has no limit of its own.
+    // The parser has no limit of its own.
     if (nestingOf(bytes) > 1 + deepestNesting)
         refuseMalformed("the body is nested too deeply");
     try {
@@ -79,9 +78,8 @@ int JsonBody::integer(const char *key, int fallback, int least, int most) const
         return fallback;
     if (!found->is_number_integer())
         refuseMalformed(quoted(key) + " has to be an integer");
-    // Unsigned values too large for the signed type are beyond every limit here.
-    const bool huge = found->is_number_unsigned() && found->get<std::uint64_t>() > INT32_MAX;
-    const std::int64_t value = huge ? INT64_MAX : found->get<std::int64_t>();
+    // A double may round a large integer, and stays beyond every limit here.
+    const auto value = found->get<double>();
     if (value < least || value > most)
         throw Refusal(Code::UnusableValue, quoted(key) + " has to be from " + std::to_string(least)
                                                + " to " + std::to_string(most));

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::int64_t leastToken = 2;
 constexpr std::int64_t largestToken = (std::int64_t{1} << 53) - 1;
-constexpr int codes = 1000000;
+constexpr int codes = 1000000; // of six digits
 
 } // namespace
 
@@ -25,11 +25,6 @@ std::string randomId()
     return QByteArray(reinterpret_cast<const char *>(bits.data()), sizeof bits)
         .toHex()
         .toStdString();
-}
-
-bool isRandomId(const std::string &text)
-{
-    return text.size() == 32 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
 std::int64_t randomToken()

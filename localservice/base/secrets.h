@@ -8,11 +8,8 @@ namespace localservice {
 /// 128 bits of the system's secure random numbers as 32 lower-case hexadecimal digits.
 std::string randomId();
 
-/// Whether @p text has the form of a random id.
-bool isRandomId(const std::string &text);
-
-/// A random token from 2 to 2^53 - 1: a double can hold it. 0 and 1 are left out: clients without a
-/// token may send them.
+/// A random number from 2 to 2^53 - 1, which a double holds. Clients without a token may send 0
+/// or 1.
 std::int64_t randomToken();
 
 /// Six random decimal digits.
@@ -21,7 +18,7 @@ std::string randomCode();
 /// Whether both are the same, in a time that does not tell where they differ.
 bool isSameSecret(const std::string &one, const std::string &other);
 
-/// The SHA-256 of @p secret in hexadecimal: it tells a secret again without being one.
+/// The SHA-256 of @p secret as 64 lower-case hexadecimal digits.
 std::string digestOf(const std::string &secret);
 
 } // namespace localservice

@@ -1,5 +1,6 @@
 #include "localservice/catalogue/catalogue.h"
 
+#include "localservice/base/refusal.h"
 #include "localservice/catalogue/avatars.h"
 #include "localservice/catalogue/music.h"
 #include "localservice/speech/speechtext.h"
@@ -19,14 +20,15 @@ constexpr const char *features = "语音合成,长文本语音合成";
 
 constexpr int longestAudition = 60; // seconds
 
+// A voice as it is listed.
 struct Description
 {
-    const char *voice; ///< As the engine names it.
+    const char *voice; // as the engine names it
     const char *name;
-    const char *type;
+    const char *type; // "man" or "woman"
     const char *category;
     const char *scene;
-    const char *avatar;
+    const char *avatar; // the file of its picture, percent-encoded
 };
 
 constexpr std::array<Description, 4> descriptions{{
@@ -57,12 +59,13 @@ Catalogue::Catalogue(Synthesizer &synthesizer, const std::string &origin)
     , m_origin(origin)
 {
     for (const std::string &name : avatarNames())
-        m_files.add(avatarFolder + name, [name] { return drawAvatar(name); });
+        m_files[avatarFolder + name].make = [name] { return drawAvatar(name); };
     for (const Tune &tune : tunes())
-        m_files.add(musicFolder + tune.file, [&tune] { return encodeWave(play(tune)); });
+        m_files[musicFolder + tune.file].make = [&tune] { return encodeWave(play(tune)); };
     for (const Description &description : descriptions)
-        m_files.add(auditionPath(description),
-                    [this, &description] { return audition(m_synthesizer, description); });
+        m_files[auditionPath(description)].make = [this, &description] {
+            return audition(m_synthesizer, description);
+        };
 }
 
 nlohmann::json Catalogue::voices() const
@@ -89,7 +92,17 @@ nlohmann::json Catalogue::music() const
     return list;
 }
 
-std::string Catalogue::file(const std::string &path) { return m_files.get(path); }
+std::string Catalogue::file(const std::string &path)
+{
+    const auto found = m_files.find(path);
+    if (found == m_files.end())
+        throw Refusal(Code::NotFound, "there is no such file");
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    File &file = found->second;
+    if (file.bytes.empty())
+        file.bytes = file.make();
+    return file.bytes;
+}
 
 bool Catalogue::isResponsible(const std::string &path)
 {

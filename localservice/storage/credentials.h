@@ -9,32 +9,32 @@
 
 namespace localservice {
 
-/// What a holder may do with the objects of a directory.
+/// What the holder of a credential may do with the objects of its directory.
 enum class Access {
-    Read,
-    ReadAndWrite, ///< Replacing objects included.
+    Read,         ///< Get them.
+    ReadAndWrite, ///< Get, put and replace them.
 };
 
 /// A right of access to one directory of the storage.
 struct Credential
 {
-    std::string directory; ///< Such as "uploads/<id>"; no other credential has it.
+    std::string directory; ///< "uploads/ID" or "results/ID"; no other credential has it.
     std::string token;     ///< The secret that goes with it.
     QDateTime expiration;  ///< In UTC.
 };
 
-/// The credentials that have been given out. They live in memory: none survives the process.
-/// May be used by several threads.
+/// The credentials that were given out. They live in memory: none survives the process. May be used
+/// by several threads.
 class Credentials
 {
 public:
-    /// A new credential for a new directory under @p parent.
+    /// Makes a credential for a new directory under @p parent, valid for @p lifetime.
     Credential issue(const std::string &parent, Access access, std::chrono::seconds lifetime);
 
     /// Whether @p token is valid now for @p access to @p directory.
     bool allows(const std::string &directory, const std::string &token, Access access) const;
 
-    /// Forgets what has expired.
+    /// Forgets the credentials that have expired.
     void sweep();
 
 private:
@@ -42,7 +42,7 @@ private:
     {
         std::string token;
         Access access = Access::Read;
-        // Not affected by changes of the clock, unlike the time that the holder is told.
+        // Changes of the clock do not affect it, unlike the time that the holder is told.
         std::chrono::steady_clock::time_point expiration;
     };
 

@@ -3,30 +3,20 @@
 #include "localservice/base/secrets.h"
 
 #include <fstream>
-#include <sstream>
+#include <regex>
 #include <stdexcept>
-#include <string_view>
 #include <system_error>
 
 namespace localservice {
 
 namespace {
 
-constexpr std::string_view prefix = "/storage/speech/";
-constexpr std::size_t longestName = 128;
-
-bool isObjectName(const std::string &name)
-{
-    return !name.empty() && name.size() <= longestName && name != "." && name != ".."
-           && name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                                     "0123456789._-")
-                  == std::string::npos;
-}
+constexpr const char *prefix = "/storage/speech/";
 
 void removeOlderThan(const std::filesystem::path &folder, std::chrono::seconds lifetime)
 {
     const auto now = std::filesystem::file_time_type::clock::now();
-    // Errors are left to the next time: another sweep, or an upload, may have come in between.
+    // The next sweep makes up for errors: an upload may come in between here.
     std::error_code error;
     for (const auto &entry : std::filesystem::directory_iterator(folder, error)) {
         const auto changed = entry.last_write_time(error);
@@ -48,25 +38,17 @@ Storage::Storage(std::filesystem::path folder)
 
 std::optional<ObjectName> Storage::parsePath(const std::string &path)
 {
-    if (path.rfind(prefix, 0) != 0)
+    static const std::regex form(
+        "/storage/speech/((?:uploads|results)/[0-9a-f]{32})/([A-Za-z0-9._-]{1,128})");
+    std::smatch parts;
+    if (!std::regex_match(path, parts, form) || parts[2] == "." || parts[2] == "..")
         return std::nullopt;
-    std::istringstream stream(path.substr(prefix.size()));
-    std::string parent;
-    std::string id;
-    std::string name;
-    std::getline(stream, parent, '/');
-    std::getline(stream, id, '/');
-    std::getline(stream, name, '\0');
-    if ((parent != uploads && parent != results) || !isRandomId(id) || !isObjectName(name))
-        return std::nullopt;
-    ObjectName object{parent + "/" + id, name};
-    // Equal only if nothing was overlooked, such as what follows a NUL.
-    return pathOf(object) == path ? std::optional<ObjectName>(object) : std::nullopt;
+    return ObjectName{parts[1], parts[2]};
 }
 
 std::string Storage::pathOf(const ObjectName &object)
 {
-    return std::string(prefix) + object.directory + "/" + object.name;
+    return prefix + object.directory + "/" + object.name;
 }
 
 void Storage::write(const ObjectName &object, const std::string &bytes)
@@ -108,8 +90,7 @@ void Storage::sweep(std::chrono::seconds uploadsLifetime, std::chrono::seconds r
 {
     removeOlderThan(m_objects / uploads, uploadsLifetime);
     removeOlderThan(m_objects / results, resultsLifetime);
-    removeOlderThan(m_unfinished,
-                    uploadsLifetime); // left behind by a process that was killed
+    removeOlderThan(m_unfinished, uploadsLifetime); // of a process that was killed
 }
 
 } // namespace localservice

@@ -10,11 +10,11 @@
 
 namespace localservice {
 
-/// Where an object is.
+/// The place of an object.
 struct ObjectName
 {
-    std::string directory; ///< "uploads/<id>" or "results/<id>".
-    std::string name;      ///< 1 to 128 of the characters that README.md lists.
+    std::string directory; ///< "uploads/ID" or "results/ID", where ID is a randomId().
+    std::string name;      ///< 1 to 128 of A-Z a-z 0-9 . _ -, except "." and "..".
 };
 
 /// An object that can be read whatever becomes of its file.
@@ -29,14 +29,14 @@ class Storage
 {
 public:
     static constexpr std::size_t largestObject = 64UL * 1024 * 1024; ///< Bytes.
-    static constexpr const char *uploads = "uploads";                ///< What clients put there.
-    static constexpr const char *results = "results";                ///< What tasks put there.
+    static constexpr const char *uploads = "uploads"; ///< The parent of what clients put there.
+    static constexpr const char *results = "results"; ///< The parent of what tasks put there.
 
     /// Makes the folders in @p folder; std::filesystem::filesystem_error if that fails.
     explicit Storage(std::filesystem::path folder);
 
-    /// The object that is meant by the path of an address, nothing escaped in it; nothing if it
-    /// cannot be the path of any object.
+    /// The object that the path of an address means, taken as it is written: nothing is unescaped.
+    /// Nothing if it cannot be the path of any object.
     static std::optional<ObjectName> parsePath(const std::string &path);
 
     /// The opposite of parsePath().
@@ -46,13 +46,13 @@ public:
     /// std::runtime_error if that fails.
     void write(const ObjectName &object, const std::string &bytes);
 
-    /// Nothing if there is no such object.
+    /// Opens an object at its end; nothing if there is no such object.
     std::optional<OpenObject> open(const ObjectName &object) const;
 
-    /// The file of an object; nothing if there is no such object. It stays until it is swept.
+    /// The file of an object, which stays until it is swept; nothing if there is no such object.
     std::optional<std::filesystem::path> file(const ObjectName &object) const;
 
-    /// Removes the directories that were last changed longer ago than given for their kind.
+    /// Removes the directories that were last changed longer ago than given for their parent.
     void sweep(std::chrono::seconds uploadsLifetime, std::chrono::seconds resultsLifetime);
 
 private:

@@ -29,8 +29,8 @@ OpenObject StorageApi::get(const std::string &path, const std::string &token) co
     return std::move(*object);
 }
 
-// A path that cannot be an object's is refused like one without the right token: who has none
-// learns nothing about what there is.
+// A path that cannot be an object's is refused like one without the right token, so that who has
+// none learns nothing about what there is.
 ObjectName StorageApi::permitted(const std::string &path, const std::string &token,
                                  Access access) const
 {
