@@ -75,7 +75,7 @@ private:
                        {origin, 8443, std::nullopt, hour, hour}};
     SignInApi m_signIn{{m_accounts, m_smsCodes, m_qrSignIns, m_catalogue}, origin};
     const std::string m_token =
-        std::to_string(m_accounts.issueAccessToken(m_accounts.local().id).number);
+        std::to_string(m_accounts.issue(m_accounts.local().id, TokenKind::Access).number);
 };
 
 struct Outcome

@@ -45,7 +45,7 @@ constexpr int wrongUse = 2;
 constexpr unsigned patience = 4;       // seconds
 constexpr int largeBlock = 128 * 1024; // bytes
 
-sem_t termination;
+sem_t termination; // posted by SIGINT and SIGTERM, be the main thread waiting for it or not
 
 // An orderly end waits for whatever is being worked on, which may be a call of an engine that takes
 // minutes. After some seconds it is cut short; SQLite undoes what was half written at the next
@@ -57,13 +57,10 @@ void onTermination(int)
         alarm(left); // not the first signal
 }
 
-void onPatienceOver(int) { _exit(0); }
-
-// SIGINT and SIGTERM are told to the main thread when it waits for them, which may be later.
 void prepareTermination()
 {
     sem_init(&termination, 0, 0);
-    std::signal(SIGALRM, onPatienceOver);
+    std::signal(SIGALRM, [](int) { _exit(0); });
     std::signal(SIGINT, onTermination);
     std::signal(SIGTERM, onTermination);
     std::signal(SIGPIPE, SIG_IGN); // clients that are gone are noticed when writing fails
@@ -81,12 +78,12 @@ void awaitTermination(const std::function<void()> &sweep)
         try {
             sweep();
         } catch (const std::exception &) { // NOLINT(bugprone-empty-catch)
-            // Such as a file that is locked; it is swept the next time.
+            // The next sweep makes up for it, such as for a file that was locked.
         }
     }
 }
 
-// What is written to a standard file that was closed would go to whatever is opened next.
+// Output to a standard file that was closed would go to whatever is opened next.
 void openStandardFiles()
 {
     int file = 0;
@@ -95,26 +92,23 @@ void openStandardFiles()
     ::close(file);
 }
 
-/// What is in the data folder.
+/// Everything that is kept in the data folder.
 struct Data
 {
     explicit Data(const std::filesystem::path &folder)
-        : lock(folder)
-        , tls(prepareTlsFiles(folder / "tls"))
+        : tls(prepareTlsFiles(folder / "tls"))
         , storage(folder / "storage")
         , database(folder / "accounts.sqlite")
         , upgrade(folder / "upgrade.json")
     {
-        // They may have been copied here, or made by hand, with other rights.
+        // Files that were copied here, or made by hand, may have other rights.
         using std::filesystem::perms;
-        std::filesystem::permissions(folder / "tls", perms::owner_all);
-        std::filesystem::permissions(folder / "storage", perms::owner_all);
-        std::filesystem::permissions(tls.key, perms::owner_read | perms::owner_write);
-        std::filesystem::permissions(folder / "accounts.sqlite",
-                                     perms::owner_read | perms::owner_write);
+        for (const char *name : {"tls", "storage"})
+            std::filesystem::permissions(folder / name, perms::owner_all);
+        for (const char *name : {"tls/server-key.pem", "accounts.sqlite"})
+            std::filesystem::permissions(folder / name, perms::owner_read | perms::owner_write);
     }
 
-    FolderLock lock;
     TlsFiles tls;
     Storage storage;
     AccountDatabase database;
@@ -152,21 +146,22 @@ struct SignIn
 void serve(const Options &options)
 {
     prepareTermination();
-    // The memory of a large body goes back to the system with it. By itself the allocator would
-    // keep blocks of ever larger sizes, in each of its arenas.
+    // The memory of a large body goes back to the system with the body. By itself the allocator
+    // would keep blocks of ever larger sizes, in each of its arenas.
     mallopt(M_MMAP_THRESHOLD, largeBlock);
     umask(S_IRWXG | S_IRWXO); // recordings are nobody else's business
     std::atomic<bool> stopping(false);
     const std::chrono::seconds resultLifetime(options.resultLifetime);
     const std::chrono::seconds credentialLifetime(options.credentialLifetime);
 
-    Data data(std::filesystem::absolute(options.data));
+    const std::filesystem::path folder = std::filesystem::absolute(options.data);
+    lockFolder(folder);
+    Data data(folder);
     Server server(data.tls);
     const int port = server.bind(options.port);
     const std::string origin = "https://localhost:" + std::to_string(port);
-    // One more than there are workers, so that short recordings need not wait for long ones.
-    Recognizer recognizer(LOCALSERVICE_MODEL_DIR, static_cast<std::size_t>(options.workers) + 1,
-                          stopping);
+    // With a decoder more than there are workers, short recordings need not wait for long ones.
+    Recognizer recognizer(LOCALSERVICE_MODEL_DIR, options.workers + 1, stopping);
     Synthesizer synthesizer(stopping);
     Catalogue catalogue(synthesizer, origin);
     SignIn signIn(options, data.database, catalogue, origin);

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <limits>
 
 namespace localservice {
 
@@ -14,6 +13,7 @@ constexpr int hour = 3600; // seconds
 constexpr int week = 7 * 24 * hour;
 constexpr int year = 365 * 24 * hour;
 
+// An option that takes a number from least to most.
 struct NumberOption
 {
     const char *name;
@@ -39,7 +39,7 @@ constexpr std::array<NumberOption, 7> numberOptions{{
      1, year},
 }};
 
-// Arguments are bytes and need not be text. As Latin-1 each byte is a character: none is lost.
+// Arguments are bytes that need not be text. As Latin-1 each is a character, and none is lost.
 QString toText(const std::string &bytes)
 {
     return QString::fromLatin1(bytes.data(), static_cast<int>(bytes.size()));
@@ -47,17 +47,15 @@ QString toText(const std::string &bytes)
 
 std::string toBytes(const QString &text) { return text.toLatin1().toStdString(); }
 
-template <typename Number>
-Number number(const QCommandLineParser &parser, const char *name,
-              Number least = std::numeric_limits<Number>::min(),
-              Number most = std::numeric_limits<Number>::max())
+std::int64_t number(const QCommandLineParser &parser, const char *name, std::int64_t least,
+                    std::int64_t most)
 {
     bool isNumber = false;
     const qint64 result = parser.value(QLatin1String(name)).toLongLong(&isNumber);
     if (!isNumber || result < least || result > most)
         throw UsageError("--" + std::string(name) + " takes a number from " + std::to_string(least)
                          + " to " + std::to_string(most));
-    return static_cast<Number>(result);
+    return result;
 }
 
 std::string defaultDataFolder()
@@ -104,9 +102,10 @@ Options parseOptions(const std::vector<std::string> &arguments)
     Options options;
     for (const NumberOption &option : numberOptions)
         if (parser.isSet(QLatin1String(option.name)))
-            options.*option.member = number<int>(parser, option.name, option.least, option.most);
+            options.*option.member =
+                static_cast<int>(number(parser, option.name, option.least, option.most));
     if (parser.isSet(token))
-        options.developmentToken = number<std::int64_t>(parser, "development-token");
+        options.developmentToken = number(parser, "development-token", INT64_MIN, INT64_MAX);
     options.help = parser.isSet(help);
     options.data = toBytes(parser.value(data));
     if (options.data.empty() && parser.isSet(data))

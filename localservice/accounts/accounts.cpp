@@ -11,10 +11,6 @@ namespace localservice {
 
 namespace {
 
-// The kinds of tokens in the database.
-constexpr int accessKind = 0;
-constexpr int refreshKind = 1;
-
 constexpr int mostTokens = 1000; // of an account and a kind
 constexpr std::size_t shownDigits = 4;
 
@@ -53,27 +49,17 @@ Account Accounts::ofPhone(const std::string &phone)
     });
 }
 
-Token Accounts::issueAccessToken(std::int64_t account)
-{
-    return issue(account, accessKind, m_lifetimes.access);
-}
-
-Token Accounts::issueRefreshToken(std::int64_t account)
-{
-    return issue(account, refreshKind, m_lifetimes.refresh);
-}
-
 bool Accounts::accepts(const std::string &token)
 {
-    return accountOf(token, accessKind).has_value();
+    return accountOf(token, TokenKind::Access).has_value();
 }
 
 std::optional<Token> Accounts::renew(const std::string &refreshToken)
 {
-    const auto account = accountOf(refreshToken, refreshKind);
+    const auto account = accountOf(refreshToken, TokenKind::Refresh);
     if (!account)
         return std::nullopt;
-    return issueAccessToken(*account);
+    return issue(*account, TokenKind::Access);
 }
 
 void Accounts::sweep()
@@ -85,30 +71,32 @@ void Accounts::sweep()
     });
 }
 
-Token Accounts::issue(std::int64_t account, int kind, std::chrono::seconds lifetime)
+Token Accounts::issue(std::int64_t account, TokenKind kind)
 {
+    const auto lifetime = kind == TokenKind::Access ? m_lifetimes.access : m_lifetimes.refresh;
     const Token token{randomToken(), std::time(nullptr) + lifetime.count()};
     m_database.transaction([&](SQLite::Database &database) {
         SQLite::Statement insertion(
             database, "INSERT INTO token (digest, account, kind, expires) VALUES (?, ?, ?, ?)");
-        SQLite::bind(insertion, digestOf(std::to_string(token.number)), account, kind,
-                     token.expires);
+        SQLite::bind(insertion, digestOf(std::to_string(token.number)), account,
+                     static_cast<int>(kind), token.expires);
         insertion.exec();
         SQLite::Statement deletion(
             database, "DELETE FROM token WHERE digest IN (SELECT digest FROM token "
                       "WHERE account = ? AND kind = ? ORDER BY expires DESC LIMIT -1 OFFSET ?)");
-        SQLite::bind(deletion, account, kind, mostTokens);
+        SQLite::bind(deletion, account, static_cast<int>(kind), mostTokens);
         return deletion.exec();
     });
     return token;
 }
 
-std::optional<std::int64_t> Accounts::accountOf(const std::string &token, int kind)
+std::optional<std::int64_t> Accounts::accountOf(const std::string &token, TokenKind kind)
 {
     return m_database.transaction([&](SQLite::Database &database) -> std::optional<std::int64_t> {
         SQLite::Statement query(
             database, "SELECT account FROM token WHERE digest = ? AND kind = ? AND expires > ?");
-        SQLite::bind(query, digestOf(token), kind, std::int64_t{std::time(nullptr)});
+        SQLite::bind(query, digestOf(token), static_cast<int>(kind),
+                     std::int64_t{std::time(nullptr)});
         if (!query.executeStep())
             return std::nullopt;
         return query.getColumn(0).getInt64();

@@ -16,6 +16,12 @@ struct Account
     std::string nickname; ///< The name that people see.
 };
 
+/// The kinds of tokens, as the database has them.
+enum class TokenKind {
+    Access = 0,  ///< Operations want one.
+    Refresh = 1, ///< Accounts::renew() takes one.
+};
+
 /// A token that was given out just now.
 struct Token
 {
@@ -29,11 +35,11 @@ struct Token
 class Accounts
 {
 public:
-    /// How long tokens are valid.
+    /// How long tokens of each kind are valid.
     struct Lifetimes
     {
-        std::chrono::seconds access{};  ///< Of tokens that operations want.
-        std::chrono::seconds refresh{}; ///< Of tokens that renew() takes.
+        std::chrono::seconds access{};
+        std::chrono::seconds refresh{};
     };
 
     /// @p database outlives this.
@@ -45,10 +51,9 @@ public:
     /// The account of a phone number of four digits at least, which is made if there is none.
     Account ofPhone(const std::string &phone);
 
-    /// Give out a token. An account that has more than 1000 of a kind loses those that would expire
+    /// Gives out a token. An account with more than 1000 of a kind loses those that would expire
     /// first.
-    Token issueAccessToken(std::int64_t account);
-    Token issueRefreshToken(std::int64_t account);
+    Token issue(std::int64_t account, TokenKind kind);
 
     /// Whether @p token is an access token that has not expired.
     bool accepts(const std::string &token);
@@ -61,8 +66,7 @@ public:
     void sweep();
 
 private:
-    Token issue(std::int64_t account, int kind, std::chrono::seconds lifetime);
-    std::optional<std::int64_t> accountOf(const std::string &token, int kind);
+    std::optional<std::int64_t> accountOf(const std::string &token, TokenKind kind);
 
     AccountDatabase &m_database;
     const Lifetimes m_lifetimes;

@@ -96,8 +96,8 @@ nlohmann::json SignInApi::renew(const std::string &refreshToken)
 
 nlohmann::json SignInApi::signedIn(const Account &account)
 {
-    const Token access = m_services.accounts.issueAccessToken(account.id);
-    const Token refresh = m_services.accounts.issueRefreshToken(account.id);
+    const Token access = m_services.accounts.issue(account.id, TokenKind::Access);
+    const Token refresh = m_services.accounts.issue(account.id, TokenKind::Refresh);
     return {{"base",
              {{"user_id", account.id},
               {"nickname", account.nickname},

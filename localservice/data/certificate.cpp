@@ -59,7 +59,7 @@ Certificate signedCertificate(EVP_PKEY *key, const char *commonName, const Exten
     X509 *const self = certificate.get();
     require(self && X509_set_version(self, X509_VERSION_3) == 1);
     require(ASN1_INTEGER_set_int64(X509_get_serialNumber(self), randomToken()) == 1);
-    // A clock that is set back a little must not make a new certificate invalid.
+    // A clock that is set back by less than an hour leaves it valid.
     require(X509_gmtime_adj(X509_getm_notBefore(self), -3600)
             && X509_gmtime_adj(X509_getm_notAfter(self), validity));
     X509_NAME *const name = X509_get_subject_name(self);
@@ -79,7 +79,7 @@ Certificate signedCertificate(EVP_PKEY *key, const char *commonName, const Exten
     return certificate;
 }
 
-// Under another name first: a reader sees the old file or the new one, never a part of it.
+// Writes under another name first: a reader sees the old file or the new one, never a part of it.
 template <typename Write>
 void replaceFile(const std::filesystem::path &path, Write write)
 {
@@ -108,32 +108,23 @@ bool isValidTomorrow(const X509 *certificate)
     return X509_cmp_time(X509_get0_notAfter(certificate), &tomorrow) > 0;
 }
 
-// A clock that is wrong now would cost the clients an authority that they trust.
-void requireThatItHasBegun(const X509 *certificate, const std::filesystem::path &path)
-{
-    if (X509_cmp_current_time(X509_get0_notBefore(certificate)) > 0)
-        throw std::runtime_error("\"" + path.string()
-                                 + "\" is not valid yet: set the clock right, or remove the file "
-                                   "and trust the new authority");
-}
-
 bool areUsable(const TlsFiles &files)
 {
     const Certificate authority = readCertificate(files.authority);
     const Certificate server = readCertificate(files.certificate);
     const Key key = readKey(files.key);
-    // Also where another of the files cannot be used: what hosts trust is not replaced in silence.
-    if (authority)
-        requireThatItHasBegun(authority.get(), files.authority);
-    if (!authority || !server || !key)
-        return false;
-    requireThatItHasBegun(server.get(), files.certificate);
-    return isValidTomorrow(authority.get()) && isValidTomorrow(server.get())
-           && X509_check_private_key(server.get(), key.get()) == 1
+    // A clock that is wrong now would cost the clients an authority that they trust, be the other
+    // files usable or not.
+    if (authority && X509_cmp_current_time(X509_get0_notBefore(authority.get())) > 0)
+        throw std::runtime_error("\"" + files.authority.string()
+                                 + "\" is not valid yet: set the clock right, or remove the file "
+                                   "and trust the new authority");
+    return authority && server && key && isValidTomorrow(authority.get())
+           && isValidTomorrow(server.get()) && X509_check_private_key(server.get(), key.get()) == 1
            && X509_verify(server.get(), X509_get0_pubkey(authority.get())) == 1;
 }
 
-// The authority signs this one certificate; its own key is gone when this returns.
+// The authority signs the server's certificate only: its own key is never written.
 void makeNew(const TlsFiles &files)
 {
     const Key authorityKey = newKey();

@@ -33,8 +33,8 @@ struct CloseSound
 };
 using SoundFile = std::unique_ptr<SNDFILE, CloseSound>;
 
-// The sound library reads as much as there is of a truncated file. The size that the data are
-// said to have tells a whole file from a part of one.
+// The sound library reads as much as there is of a truncated file, which names the size of the
+// whole.
 void checkComplete(const std::filesystem::path &path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -87,6 +87,7 @@ std::int16_t clipped(float sample)
     return static_cast<std::int16_t>(std::clamp(scaled, -fullScale, fullScale - 1));
 }
 
+// Appends the lowest bytes of a number, the lowest first.
 void append(std::string &bytes, std::uint32_t value, int count)
 {
     for (int i = 0; i < count; ++i)
@@ -152,10 +153,10 @@ std::vector<std::int16_t> toPcm(const Audio &audio)
 
 std::string encodePcm(const Audio &audio)
 {
-    std::string bytes;
-    bytes.reserve(audio.samples.size() * bytesPerSample);
-    for (const float sample : audio.samples)
-        append(bytes, static_cast<std::uint16_t>(clipped(sample)), bytesPerSample);
+    const std::vector<std::int16_t> samples = toPcm(audio);
+    std::string bytes(samples.size() * bytesPerSample, '\0');
+    qToLittleEndian<std::int16_t>(samples.data(), static_cast<qsizetype>(samples.size()),
+                                  bytes.data());
     return bytes;
 }
 

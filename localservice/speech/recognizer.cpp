@@ -9,7 +9,6 @@
 #include <pocketsphinx.h>
 #include <sphinxbase/err.h>
 
-#include <chrono>
 #include <sstream>
 #include <stdexcept>
 
@@ -18,7 +17,7 @@ namespace localservice {
 namespace {
 
 constexpr int modelRate = 16000; // Hz
-constexpr std::chrono::milliseconds patience(200);
+constexpr int patience = 200;    // ms, until a client that waits is looked for
 
 // Fillers such as <sil>, [NOISE] and ++BREATH++ are no words, and which of its pronunciations a
 // word had, as in "a(2)", is of no interest.
@@ -86,11 +85,10 @@ private:
     ps_decoder_t *m_decoder = nullptr;
 };
 
-Recognizer::Recognizer(const std::string &modelDir, std::size_t decoders,
-                       const std::atomic<bool> &stopping)
+Recognizer::Recognizer(const std::string &modelDir, int decoders, const std::atomic<bool> &stopping)
     : m_modelDir(modelDir)
     , m_stopping(stopping)
-    , m_unmade(decoders - 1)
+    , m_seats(decoders)
 {
     m_idle.push_back(std::make_unique<Decoder>(m_modelDir));
 }
@@ -100,6 +98,9 @@ Recognizer::~Recognizer() = default;
 std::vector<Sentence> Recognizer::recognize(Audio recording)
 {
     const std::vector<std::int16_t> samples = toPcm(resampled(std::move(recording), modelRate));
+    while (!m_seats.tryAcquire(1, patience))
+        checkWanted();
+    const QSemaphoreReleaser seat(m_seats);
     std::unique_ptr<Decoder> decoder = takeDecoder();
     const auto lease = qScopeGuard([&] { giveBack(std::move(decoder)); });
     std::vector<Sentence> sentences;
@@ -119,17 +120,12 @@ void Recognizer::checkWanted() const
         throw Refusal(Code::Failed, "nobody waits for it any more");
 }
 
-// Loading takes a while, so further decoders are made only when there is use for them.
+// Loading takes a while, so a decoder is made only when all that there are have work.
 std::unique_ptr<Recognizer::Decoder> Recognizer::takeDecoder()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    while (!m_returned.wait_for(lock, patience, [this] { return !m_idle.empty() || m_unmade > 0; }))
-        checkWanted();
-    if (m_idle.empty()) {
-        auto made = std::make_unique<Decoder>(m_modelDir);
-        --m_unmade;
-        return made;
-    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_idle.empty())
+        return std::make_unique<Decoder>(m_modelDir);
     auto decoder = std::move(m_idle.back());
     m_idle.pop_back();
     return decoder;
@@ -139,7 +135,6 @@ void Recognizer::giveBack(std::unique_ptr<Decoder> decoder)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_idle.push_back(std::move(decoder));
-    m_returned.notify_one();
 }
 
 } // namespace localservice

@@ -2,8 +2,9 @@
 
 #include "localservice/speech/audio.h"
 
+#include <QSemaphore>
+
 #include <atomic>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,21 +20,21 @@ struct Sentence
     int endTime = 0;   ///< Milliseconds.
 };
 
-/// Recognises English speech. May be used by several threads at a time.
+/// Recognises English speech. May be used by several threads.
 class Recognizer
 {
 public:
     /// Loads the model under @p modelDir; std::runtime_error if that fails. Up to @p decoders
-    /// recordings are worked on at the same time; others wait. Once @p stopping is set, or the
-    /// client has gone, work ends with a Refusal at the next sentence.
-    Recognizer(const std::string &modelDir, std::size_t decoders,
-               const std::atomic<bool> &stopping);
+    /// recordings are worked on at a time; others wait. @p stopping outlives this.
+    Recognizer(const std::string &modelDir, int decoders, const std::atomic<bool> &stopping);
     ~Recognizer();
 
     Recognizer(const Recognizer &) = delete;
     Recognizer &operator=(const Recognizer &) = delete;
 
-    /// The sentences of a recording, in their order; none if nothing was said.
+    /// The sentences of a recording, in their order; none if nothing was said. Refusal if the
+    /// engine fails, and at the next sentence once the service is stopping or the client of this
+    /// thread has gone.
     std::vector<Sentence> recognize(Audio recording);
 
 private:
@@ -45,10 +46,9 @@ private:
 
     const std::string m_modelDir;
     const std::atomic<bool> &m_stopping;
+    QSemaphore m_seats; // of those who have a decoder
     std::mutex m_mutex;
-    std::condition_variable m_returned;
     std::vector<std::unique_ptr<Decoder>> m_idle; // guarded by m_mutex
-    std::size_t m_unmade = 0;                     // decoders that may yet be made; likewise
 };
 
 } // namespace localservice

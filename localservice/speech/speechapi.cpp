@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char *longRecognition = "recordingRecognition";
 constexpr const char *longSynthesis = "longVoiceSynthesis";
+constexpr const char *noSuchFeature = "this operation does not have that feature";
 
 constexpr int longestShortRecording = 60; // seconds
 constexpr int longestRecording = 3600;    // seconds
@@ -27,9 +28,7 @@ constexpr int furthestRate = 500;
 
 constexpr int waveHead = 44; // bytes
 
-constexpr std::array stateNames{"QUEUEING", "RUNNING", "SUCCESS", "FAILED"}; // by TaskState
-
-// Clients put nothing between the sentences, so each but the first begins with a blank.
+// Clients put nothing between the sentences: each but the first begins with a blank.
 nlohmann::json sentencesJson(const std::vector<Sentence> &sentences)
 {
     nlohmann::json result = nlohmann::json::array();
@@ -47,12 +46,13 @@ JsonBody parsed(const std::string &bytes)
     return body;
 }
 
-[[noreturn]] void refuseFeature()
+void require(bool isUsable, const std::string &message)
 {
-    throw Refusal(Code::UnusableValue, "this operation does not have that feature");
+    if (!isUsable)
+        throw Refusal(Code::UnusableValue, message);
 }
 
-// One of the seats, until the releaser goes.
+// Takes one of the seats for as long as the releaser lives.
 QSemaphoreReleaser taken(QSemaphore &seats)
 {
     if (!seats.tryAcquire())
@@ -60,7 +60,7 @@ QSemaphoreReleaser taken(QSemaphore &seats)
     return QSemaphoreReleaser(seats);
 }
 
-// As many as fit into an object of the storage.
+// The seconds of speech that fit into an object of the storage.
 int longestSpeech(int sampleRate)
 {
     return (static_cast<int>(Storage::largestObject) - waveHead) / (2 * sampleRate);
@@ -94,14 +94,13 @@ nlohmann::json SpeechApi::process(const std::string &authorization, const std::s
         return speakNow(request, longestShortText);
     if (feature == longSynthesis)
         return speakLater(request);
-    refuseFeature();
+    throw Refusal(Code::UnusableValue, noSuchFeature);
 }
 
 nlohmann::json SpeechApi::freeProcess(const std::string &body)
 {
     const JsonBody request = parsed(body);
-    if (request.text("feature") != "voiceSynthesis")
-        refuseFeature();
+    require(request.text("feature") == "voiceSynthesis", noSuchFeature);
     return speakNow(request, longestFreeText);
 }
 
@@ -110,17 +109,11 @@ nlohmann::json SpeechApi::taskResult(const std::string &authorization, const std
     checkToken(authorization);
     const JsonBody request = parsed(body);
     const std::string feature = request.text("feature");
-    if (feature != longRecognition && feature != longSynthesis)
-        refuseFeature();
+    require(feature == longRecognition || feature == longSynthesis, noSuchFeature);
     const std::string id = request.text("task_id");
-    const TaskReport report = m_services.tasks.report(id, feature);
-    nlohmann::json data{{"status", stateNames[static_cast<std::size_t>(report.state)]},
-                        {"task_id", id},
-                        {"request_id", randomId()}};
-    if (report.state == TaskState::Success)
-        data.update(report.result);
-    if (report.state == TaskState::Failed)
-        data["error_message"] = report.errorMessage;
+    nlohmann::json data = m_services.tasks.report(id, feature);
+    data["task_id"] = id;
+    data["request_id"] = randomId();
     return data;
 }
 
@@ -128,7 +121,7 @@ nlohmann::json SpeechApi::uploadCredential()
 {
     const Credential credential = m_services.credentials.issue(
         Storage::uploads, Access::ReadAndWrite, m_settings.credentialLifetime);
-    // The storage goes by the token alone; the keys are there for clients that expect some.
+    // The storage looks at the token alone; the keys are for clients that expect some.
     return {{"AccessKeyId", randomId()},
             {"AccessKeySecret", randomId()},
             {"endpoint", m_settings.origin + "/storage"},
@@ -150,23 +143,20 @@ void SpeechApi::checkToken(const std::string &authorization) const
         throw Refusal(Code::Unauthorized, "the access token is missing or not valid");
 }
 
-// Only what is in the storage is recognised, so a client cannot have other files or hosts read.
+// A client can have nothing read that is not in the storage, be it a file or another host.
 std::filesystem::path SpeechApi::recordingOf(const JsonBody &body) const
 {
     const std::string link = body.text("file_link");
     const std::string address = link.substr(0, link.find('?'));
     const std::string byNumber = "https://127.0.0.1:" + std::to_string(m_settings.port);
-    for (const std::string &origin : {m_settings.origin, byNumber}) {
-        if (address.rfind(origin, 0) != 0)
-            continue;
-        const auto object = Storage::parsePath(address.substr(origin.size()));
-        if (!object)
-            continue;
-        if (const auto file = m_services.storage.file(*object))
-            return *file;
-        throw Refusal(Code::NotFound, "there is no recording at \"file_link\"");
-    }
-    throw Refusal(Code::UnusableValue, "\"file_link\" is not an address in this service's storage");
+    std::optional<ObjectName> object;
+    for (const std::string &origin : {m_settings.origin, byNumber})
+        if (address.rfind(origin, 0) == 0)
+            object = Storage::parsePath(address.substr(origin.size()));
+    require(object.has_value(), "\"file_link\" is not an address in this service's storage");
+    if (const auto file = m_services.storage.file(*object))
+        return *file;
+    throw Refusal(Code::NotFound, "there is no recording at \"file_link\"");
 }
 
 SpeechApi::Request SpeechApi::synthesisOf(const JsonBody &body, std::size_t longest) const
@@ -177,21 +167,20 @@ SpeechApi::Request SpeechApi::synthesisOf(const JsonBody &body, std::size_t long
         throw Refusal(Code::TooLarge,
                       "\"text\" has more than " + std::to_string(longest) + " characters");
     request.text = speakableText(text);
-    if (request.text.empty())
-        throw Refusal(Code::UnusableValue, "there is nothing to say in \"text\"");
+    require(!request.text.empty(), "there is nothing to say in \"text\"");
 
     Speaking &speaking = request.speaking;
     speaking.voice = body.text("voice", speaking.voice);
-    if (!m_services.synthesizer.hasVoice(speaking.voice))
-        throw Refusal(Code::UnusableValue, "\"voice\" has to be rms, kal16, slt or awb");
+    require(m_services.synthesizer.hasVoice(speaking.voice),
+            "\"voice\" has to be rms, kal16, slt or awb");
     const std::string format = body.text("format", "wav");
-    if (format != "wav" && format != "pcm")
-        throw Refusal(Code::UnusableValue, "\"format\" has to be wav or pcm");
+    require(format == "wav" || format == "pcm", "\"format\" has to be wav or pcm");
     request.hasHeader = format == "wav";
     speaking.sampleRate =
         body.integer("sample_rate", speaking.sampleRate, sampleRates.front(), sampleRates.back());
-    if (std::find(sampleRates.begin(), sampleRates.end(), speaking.sampleRate) == sampleRates.end())
-        throw Refusal(Code::UnusableValue, "\"sample_rate\" is not one of the usual rates");
+    require(std::find(sampleRates.begin(), sampleRates.end(), speaking.sampleRate)
+                != sampleRates.end(),
+            "\"sample_rate\" is not one of the usual rates");
     speaking.volume = body.integer("volume", speaking.volume, 0, 100);
     speaking.speechRate =
         body.integer("speech_rate", speaking.speechRate, -furthestRate, furthestRate);

@@ -19,7 +19,7 @@
 
 namespace localservice {
 
-/// What the operations need; everything outlives them.
+/// What the operations on speech need; everything outlives them.
 struct SpeechServices
 {
     Recognizer &recognizer;
@@ -30,24 +30,25 @@ struct SpeechServices
     Accounts &accounts;
 };
 
-/// The operations on speech. Each returns the "data" of its reply or throws a Refusal. May be used
-/// by several threads.
+/// The operations on speech. Each takes the body of its request, and the value of "Authorization"
+/// if it wants a token, and returns the "data" of its reply or throws a Refusal. May be used by
+/// several threads.
 class SpeechApi
 {
 public:
-    /// How the operations were set up.
+    /// The set-up of the operations.
     struct Settings
     {
         std::string origin;                           ///< Begins the addresses that are given out.
         int port = 0;                                 ///< Of the service.
         std::optional<std::int64_t> developmentToken; ///< Accepted without a sign-in.
-        std::chrono::seconds resultLifetime{};        ///< Of what tasks have made.
+        std::chrono::seconds resultLifetime{};        ///< Of audio that tasks have made.
         std::chrono::seconds credentialLifetime{};    ///< Of upload credentials.
     };
 
     SpeechApi(const SpeechServices &services, const Settings &settings);
 
-    /// Recognises or speaks at once, or creates a task for it.
+    /// Recognises or speaks at once, or begins a task for it.
     nlohmann::json process(const std::string &authorization, const std::string &body);
 
     /// Speaks a short text for whoever asks.
@@ -56,7 +57,7 @@ public:
     /// Tells how far a task has come.
     nlohmann::json taskResult(const std::string &authorization, const std::string &body);
 
-    /// Gives out a credential for the storage to whoever asks.
+    /// Gives out a credential for uploads to whoever asks.
     nlohmann::json uploadCredential();
 
 private:
@@ -74,7 +75,7 @@ private:
 
     SpeechServices m_services;
     Settings m_settings;
-    // Seats for those who wait for an answer, be it their turn or not: more of them would keep
+    // Seats for clients that wait for an answer, be it their turn or not: more of them would keep
     // others from being served.
     QSemaphore m_recognitions{8};
     QSemaphore m_syntheses{16};

@@ -25,7 +25,7 @@ std::string Tasks::add(const std::string &feature, Work work)
     return id;
 }
 
-TaskReport Tasks::report(const std::string &id, const std::string &feature) const
+nlohmann::json Tasks::report(const std::string &id, const std::string &feature) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const auto found = m_tasks.find(id);
@@ -41,30 +41,25 @@ void Tasks::sweep()
         i = hasExpired(*i->second) ? m_tasks.erase(i) : std::next(i);
 }
 
-bool Tasks::hasExpired(const Task &task) const
-{
-    const TaskState state = task.report.state;
-    return (state == TaskState::Success || state == TaskState::Failed)
-           && std::chrono::steady_clock::now() - task.changed >= m_lifetime;
-}
-
 void Tasks::workOn(Task &task, const Work &work)
 {
     if (m_stopping)
         return;
-    setReport(task, {TaskState::Running, {}, {}});
+    setReport(task, {{"status", "RUNNING"}}, Clock::time_point::max());
+    nlohmann::json report{{"status", "SUCCESS"}};
     try {
-        setReport(task, {TaskState::Success, work(), {}});
+        report.update(work());
     } catch (const std::exception &error) {
-        setReport(task, {TaskState::Failed, {}, error.what()});
+        report = {{"status", "FAILED"}, {"error_message", error.what()}};
     }
+    setReport(task, report, Clock::now() + m_lifetime);
 }
 
-void Tasks::setReport(Task &task, const TaskReport &report)
+void Tasks::setReport(Task &task, const nlohmann::json &report, Clock::time_point expires)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     task.report = report;
-    task.changed = std::chrono::steady_clock::now();
+    task.expires = expires;
 }
 
 } // namespace localservice

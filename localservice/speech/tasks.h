@@ -15,57 +15,45 @@
 
 namespace localservice {
 
-enum class TaskState {
-    Queueing, ///< No worker has begun it.
-    Running,
-    Success, ///< It has ended and there is a result.
-    Failed,  ///< It has ended and there is a message.
-};
-
-/// How far a task has come.
-// Moving JSON never throws, although its checks of itself look as if they could.
-// NOLINTNEXTLINE(bugprone-exception-escape)
-struct TaskReport
-{
-    TaskState state = TaskState::Queueing;
-    nlohmann::json result;    ///< Of a success: the members that its reply has besides the usual.
-    std::string errorMessage; ///< Of a failure.
-};
-
 /// Work that is done in the background by a few threads. May be used by several threads.
 class Tasks
 {
 public:
-    /// Returns the result; an exception is a failure and its what() the message.
+    /// Does the work and returns the members that its report then has besides "status". The what()
+    /// of an exception says why it failed.
     using Work = std::function<nlohmann::json()>;
 
-    static constexpr std::size_t longestQueue = 64;
+    static constexpr std::size_t longestQueue = 64; ///< Tasks that no thread is free for.
 
-    /// Results are kept for @p lifetime after their end. Once @p stopping is set, no further task
-    /// is begun; the end of this object waits for those that were. std::system_error if there
-    /// cannot be as many @p workers.
+    /// Begins @p workers threads; std::system_error if that fails. Reports are kept for @p lifetime
+    /// after the end of their task. Once @p stopping, which outlives this, is set, no further task
+    /// is begun; the destructor waits for those that were.
     Tasks(int workers, std::chrono::seconds lifetime, const std::atomic<bool> &stopping);
 
     /// Puts @p work into the queue and returns the id of its task; Refusal if the queue is full.
     std::string add(const std::string &feature, Work work);
 
-    /// Refusal if there is no such task, or no longer, or it belongs to another feature.
-    TaskReport report(const std::string &id, const std::string &feature) const;
+    /// An object whose "status" is "QUEUEING", "RUNNING", "SUCCESS" or, with "error_message",
+    /// "FAILED". Refusal if there is no such task, or no longer, or it belongs to another feature.
+    nlohmann::json report(const std::string &id, const std::string &feature) const;
 
-    /// Forgets the tasks whose lifetime is over.
+    /// Forgets the tasks whose reports need not be kept any longer.
     void sweep();
 
 private:
+    using Clock = std::chrono::steady_clock;
+    // Moving JSON never throws, although its checks of itself look as if they could.
+    // NOLINTNEXTLINE(bugprone-exception-escape)
     struct Task
     {
         std::string feature;
-        TaskReport report;                             // guarded by m_mutex
-        std::chrono::steady_clock::time_point changed; // when the report did; likewise
+        nlohmann::json report{{"status", "QUEUEING"}};        // guarded by m_mutex
+        Clock::time_point expires = Clock::time_point::max(); // likewise
     };
 
-    bool hasExpired(const Task &task) const;
+    static bool hasExpired(const Task &task) { return task.expires <= Clock::now(); }
     void workOn(Task &task, const Work &work);
-    void setReport(Task &task, const TaskReport &report);
+    void setReport(Task &task, const nlohmann::json &report, Clock::time_point expires);
 
     const std::chrono::seconds m_lifetime;
     const std::atomic<bool> &m_stopping;
