@@ -9,7 +9,6 @@
 #include "localservice/accounts/smscodes.h"
 #include "localservice/base/refusal.h"
 #include "localservice/storage/storage.h"
-#include "localservice/storage/storageapi.h"
 #include "temporaryfolder.h"
 
 #include <chrono>
@@ -21,7 +20,6 @@ using namespace localservice;
 namespace {
 
 constexpr std::chrono::hours hour(1);
-constexpr const char *origin = "https://localhost:8443";
 constexpr const char *prefix = "/storage/speech/";
 
 struct Service
@@ -29,7 +27,6 @@ struct Service
     TemporaryFolder folder;
     Storage storage{folder.path() / "storage"};
     Credentials credentials;
-    StorageApi objects{storage, credentials, origin};
     Credential mayWrite = credentials.issue(Storage::uploads, Access::ReadAndWrite, hour);
     Credential mayRead = credentials.issue(Storage::results, Access::Read, hour);
     AccountDatabase database{folder.path() / "accounts.sqlite"};
@@ -80,13 +77,18 @@ void checkAccess(Service &service, const Credential &credential, bool mayWrite, 
     token = replaced(token, '#', credential.token);
     checkPath(path);
     const std::string bytes = path + token;
-    const bool isWritten = isAllowed([&] { service.objects.put(path, token, bytes); });
+    const bool isWritten = isAllowed([&] {
+        service.storage.write(service.credentials.permitted(path, token, Access::ReadAndWrite),
+                              bytes);
+    });
     require(!isWritten
                 || (mayWrite && token == credential.token
                     && path.rfind(prefix + credential.directory + "/", 0) == 0),
             "only the right token writes, and only there");
     if (isWritten)
-        require(contents(service.objects.get(path, token)) == bytes,
+        require(contents(
+                    *service.storage.open(service.credentials.permitted(path, token, Access::Read)))
+                    == bytes,
                 "an object is read as it was written");
 }
 

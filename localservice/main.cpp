@@ -19,7 +19,6 @@
 #include "localservice/speech/tasks.h"
 #include "localservice/storage/credentials.h"
 #include "localservice/storage/storage.h"
-#include "localservice/storage/storageapi.h"
 
 #include <atomic>
 #include <csignal>
@@ -171,9 +170,8 @@ void serve(const Options &options)
     SpeechApi speechApi(
         {recognizer, synthesizer, data.storage, credentials, tasks, signIn.accounts},
         {origin, port, options.developmentToken, resultLifetime, credentialLifetime});
-    StorageApi storageApi(data.storage, credentials, origin);
     const Operations operations(speechApi, signIn.api, catalogue, data.upgrade);
-    const Router router(operations, storageApi, signIn.page, catalogue);
+    const Router router({operations, data.storage, credentials, signIn.page, catalogue}, origin);
     server.start(router);
 
     if (options.developmentToken)

@@ -5,6 +5,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <regex>
 
 namespace localservice {
 
@@ -26,15 +27,8 @@ std::string printable(const std::string &text)
 // has it recognised.
 std::string withoutSecrets(const std::string &path)
 {
-    for (const char *folder : {"/signin", "/storage"}) {
-        const std::size_t found = path.find(folder);
-        if (found == std::string::npos)
-            continue;
-        const std::size_t secret = path.find('/', found + 1);
-        if (secret != std::string::npos)
-            return path.substr(0, secret) + "/*";
-    }
-    return path;
+    static const std::regex secret("(/(?:signin|storage)[^/]*)/.*");
+    return std::regex_replace(path, secret, "$1/*");
 }
 
 } // namespace
@@ -50,9 +44,9 @@ void logRequest(const httplib::Request &request, const httplib::Response &respon
     const RequestNotes &notes = requestNotes();
     const auto duration = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - notes.start);
-    const std::string path = withoutSecrets(request.target.substr(0, request.target.find('?')));
+    const std::string path = printable(request.target.substr(0, request.target.find('?')));
     const std::string line = QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toStdString()
-                             + ' ' + printable(request.method) + ' ' + printable(path) + ' '
+                             + ' ' + printable(request.method) + ' ' + withoutSecrets(path) + ' '
                              + printable(notes.feature) + ' ' + std::to_string(response.status)
                              + ' ' + std::to_string(static_cast<int>(notes.code)) + ' '
                              + std::to_string(duration.count()) + " ms";

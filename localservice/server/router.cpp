@@ -54,19 +54,16 @@ OpenObject inMemory(const std::string &bytes)
 
 } // namespace
 
-Router::Router(const Operations &operations, StorageApi &storage, SignInPage &signInPage,
-               Catalogue &catalogue)
-    : m_operations(operations)
-    , m_storage(storage)
-    , m_signInPage(signInPage)
-    , m_catalogue(catalogue)
+Router::Router(const Parts &parts, const std::string &origin)
+    : m_parts(parts)
+    , m_origin(origin)
 {
 }
 
 std::size_t Router::largestBody(const httplib::Request &request)
 {
     const bool isUpload =
-        request.method == "PUT" && StorageApi::isResponsible(normalPath(request.target));
+        request.method == "PUT" && Storage::isResponsible(normalPath(request.target));
     return isUpload ? Storage::largestObject : largestOperation;
 }
 
@@ -84,7 +81,7 @@ void Router::respond(const httplib::Request &request, httplib::Response &respons
         // Operations are for applications. A page of somebody else's could use up or ask for codes.
         if (request.has_header("Origin") || isFromElsewhere(request))
             throw Refusal(Code::Forbidden, "the operations are not for pages");
-        const auto data = m_operations.call(path, request, body);
+        const auto data = m_parts.operations.call(path, request, body);
         isOfOperation = data.has_value();
         if (!data)
             refuseUnknown();
@@ -97,14 +94,14 @@ void Router::respond(const httplib::Request &request, httplib::Response &respons
 void Router::serve(const httplib::Request &request, httplib::Response &response,
                    const std::string &path, const std::string &body) const
 {
-    if (StorageApi::isResponsible(path))
+    if (Storage::isResponsible(path))
         serveObject(request, response, path, body);
     else if (SignInPage::isPage(path))
         servePage(request, response, path);
     else if (SignInPage::isPicture(path) && isReading(request))
-        setFile(request, response, path, inMemory(m_signInPage.picture(path)));
+        setFile(request, response, path, inMemory(m_parts.signInPage.picture(path)));
     else if (Catalogue::isResponsible(path) && isReading(request))
-        setFile(request, response, path, inMemory(m_catalogue.file(path)));
+        setFile(request, response, path, inMemory(m_parts.catalogue.file(path)));
     else
         refuseUnknown();
 }
@@ -118,10 +115,17 @@ void Router::serveObject(const httplib::Request &request, httplib::Response &res
     const std::string token = isPut || request.has_header("x-security-token")
                                   ? request.get_header_value("x-security-token")
                                   : request.get_param_value("security-token");
-    if (isPut)
-        response.set_content(successEnvelope(m_storage.put(path, token, body)), envelopeType);
-    else
-        setFile(request, response, path, m_storage.get(path, token));
+    const ObjectName object =
+        m_parts.credentials.permitted(path, token, isPut ? Access::ReadAndWrite : Access::Read);
+    if (isPut) {
+        m_parts.storage.write(object, body);
+        const nlohmann::json data{{"address", m_origin + Storage::pathOf(object)}};
+        response.set_content(successEnvelope(data), envelopeType);
+    } else if (const auto file = m_parts.storage.open(object)) {
+        setFile(request, response, path, *file);
+    } else {
+        throw Refusal(Code::NotFound, "there is no such object, or no longer");
+    }
 }
 
 void Router::servePage(const httplib::Request &request, httplib::Response &response,
@@ -132,7 +136,7 @@ void Router::servePage(const httplib::Request &request, httplib::Response &respo
     if (!isReading(request) && (isFromElsewhere(request) || hasOtherOrigin(request)))
         throw Refusal(Code::Forbidden, "only the page itself can confirm");
     const SignInPage::Reply reply =
-        isReading(request) ? m_signInPage.show(path) : m_signInPage.confirm(path);
+        isReading(request) ? m_parts.signInPage.show(path) : m_parts.signInPage.confirm(path);
     requestNotes().code = reply.status == 200 ? Code::Ok : static_cast<Code>(reply.status);
     response.status = reply.status;
     for (const auto &[name, value] : SignInPage::headers())

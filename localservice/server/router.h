@@ -3,7 +3,8 @@
 #include "localservice/accounts/signinpage.h"
 #include "localservice/catalogue/catalogue.h"
 #include "localservice/server/operations.h"
-#include "localservice/storage/storageapi.h"
+#include "localservice/storage/credentials.h"
+#include "localservice/storage/storage.h"
 
 #include <httplib.h>
 
@@ -17,9 +18,18 @@ namespace localservice {
 class Router
 {
 public:
-    /// All outlive this.
-    Router(const Operations &operations, StorageApi &storage, SignInPage &signInPage,
-           Catalogue &catalogue);
+    /// Where requests go; everything outlives the router.
+    struct Parts
+    {
+        const Operations &operations;
+        Storage &storage;
+        const Credentials &credentials;
+        SignInPage &signInPage;
+        Catalogue &catalogue;
+    };
+
+    /// @p origin, such as "https://localhost:8443", begins the addresses of objects.
+    Router(const Parts &parts, const std::string &origin);
 
     /// Fills in the reply to a request, be it a refusal; never throws.
     void respond(const httplib::Request &request, httplib::Response &response,
@@ -37,10 +47,8 @@ private:
     void servePage(const httplib::Request &request, httplib::Response &response,
                    const std::string &path) const;
 
-    const Operations &m_operations;
-    StorageApi &m_storage;
-    SignInPage &m_signInPage;
-    Catalogue &m_catalogue;
+    const Parts m_parts;
+    const std::string m_origin;
 };
 
 } // namespace localservice

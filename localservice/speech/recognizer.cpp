@@ -102,7 +102,10 @@ std::vector<Sentence> Recognizer::recognize(Audio recording)
         checkWanted();
     const QSemaphoreReleaser seat(m_seats);
     std::unique_ptr<Decoder> decoder = takeDecoder();
-    const auto lease = qScopeGuard([&] { giveBack(std::move(decoder)); });
+    const auto lease = qScopeGuard([&] {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_idle.push_back(std::move(decoder));
+    });
     std::vector<Sentence> sentences;
     for (const Segment &segment : segmentsOfSpeech(samples, modelRate)) {
         checkWanted();
@@ -129,12 +132,6 @@ std::unique_ptr<Recognizer::Decoder> Recognizer::takeDecoder()
     auto decoder = std::move(m_idle.back());
     m_idle.pop_back();
     return decoder;
-}
-
-void Recognizer::giveBack(std::unique_ptr<Decoder> decoder)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_idle.push_back(std::move(decoder));
 }
 
 } // namespace localservice

@@ -42,7 +42,6 @@ private:
 
     void checkWanted() const;
     std::unique_ptr<Decoder> takeDecoder();
-    void giveBack(std::unique_ptr<Decoder> decoder);
 
     const std::string m_modelDir;
     const std::atomic<bool> &m_stopping;

@@ -1,5 +1,6 @@
 #include "localservice/storage/credentials.h"
 
+#include "localservice/base/refusal.h"
 #include "localservice/base/secrets.h"
 
 namespace localservice {
@@ -13,6 +14,17 @@ Credential Credentials::issue(const std::string &parent, Access access,
     m_entries[credential.directory] = {credential.token, access,
                                        std::chrono::steady_clock::now() + lifetime};
     return credential;
+}
+
+// A path that cannot be an object's is refused like one without the right token, so that who has
+// none learns nothing about what there is.
+ObjectName Credentials::permitted(const std::string &path, const std::string &token,
+                                  Access access) const
+{
+    const auto object = Storage::parsePath(path);
+    if (!object || !allows(object->directory, token, access))
+        throw Refusal(Code::Forbidden, "the security token does not allow that, or no longer");
+    return *object;
 }
 
 bool Credentials::allows(const std::string &directory, const std::string &token,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "localservice/storage/storage.h"
+
 #include <QDateTime>
 
 #include <chrono>
@@ -31,8 +33,9 @@ public:
     /// Makes a credential for a new directory under @p parent, valid for @p lifetime.
     Credential issue(const std::string &parent, Access access, std::chrono::seconds lifetime);
 
-    /// Whether @p token is valid now for @p access to @p directory.
-    bool allows(const std::string &directory, const std::string &token, Access access) const;
+    /// The object at the path of an address, to which @p token now allows @p access; Refusal if it
+    /// does not.
+    ObjectName permitted(const std::string &path, const std::string &token, Access access) const;
 
     /// Forgets the credentials that have expired.
     void sweep();
@@ -45,6 +48,8 @@ private:
         // Changes of the clock do not affect it, unlike the time that the holder is told.
         std::chrono::steady_clock::time_point expiration;
     };
+
+    bool allows(const std::string &directory, const std::string &token, Access access) const;
 
     mutable std::mutex m_mutex;
     std::map<std::string, Entry> m_entries; // by directory; guarded by m_mutex

@@ -35,6 +35,9 @@ public:
     /// Makes the folders in @p folder; std::filesystem::filesystem_error if that fails.
     explicit Storage(std::filesystem::path folder);
 
+    /// Whether @p path is under the folder of the storage.
+    static bool isResponsible(const std::string &path) { return path.rfind("/storage/", 0) == 0; }
+
     /// The object that the path of an address means, taken as it is written: nothing is unescaped.
     /// Nothing if it cannot be the path of any object.
     static std::optional<ObjectName> parsePath(const std::string &path);
