@@ -41,14 +41,13 @@ namespace {
 constexpr int failure = 1;
 constexpr int wrongUse = 2;
 
-constexpr unsigned patience = 4;       // seconds
+constexpr unsigned patience = 4;       // seconds, with an orderly end
 constexpr int largeBlock = 128 * 1024; // bytes
 
 sem_t termination; // posted by SIGINT and SIGTERM, be the main thread waiting for it or not
 
-// An orderly end waits for whatever is being worked on, which may be a call of an engine that takes
-// minutes. After some seconds it is cut short; SQLite undoes what was half written at the next
-// start.
+// An orderly end waits for whatever is being worked on, be it a call of an engine that takes
+// minutes. The alarm cuts it short; SQLite undoes what was half written at the next start.
 void onTermination(int)
 {
     sem_post(&termination);
@@ -198,11 +197,8 @@ int main(int argc, char *argv[])
             return std::cout << usage() << std::flush ? 0 : failure;
         serve(options);
         return 0;
-    } catch (const UsageError &error) {
-        std::fprintf(stderr, "vo-localservice: %s\n", error.what());
-        return wrongUse;
     } catch (const std::exception &error) {
         std::fprintf(stderr, "vo-localservice: %s\n", error.what());
-        return failure;
+        return dynamic_cast<const UsageError *>(&error) ? wrongUse : failure;
     }
 }

@@ -40,12 +40,10 @@ Account Accounts::ofPhone(const std::string &phone)
 {
     return m_database.transaction([&](SQLite::Database &database) {
         SQLite::Statement insertion(
-            database, "INSERT OR IGNORE INTO account (phone, nickname) VALUES (?, ?)");
+            database, "INSERT INTO account (phone, nickname) VALUES (?, ?) "
+                      "ON CONFLICT (phone) DO UPDATE SET phone = phone RETURNING id, nickname");
         SQLite::bind(insertion, phone, "User " + phone.substr(phone.size() - shownDigits));
-        insertion.exec();
-        SQLite::Statement query(database, "SELECT id, nickname FROM account WHERE phone = ?");
-        SQLite::bind(query, phone);
-        return accountFrom(query);
+        return accountFrom(insertion);
     });
 }
 

@@ -14,17 +14,12 @@ namespace {
 constexpr int moduleSize = 8; // points
 constexpr int margin = 4;     // modules, as the standard wants it
 
-struct FreeCode
-{
-    void operator()(QRcode *code) const { QRcode_free(code); }
-};
-using QrCode = std::unique_ptr<QRcode, FreeCode>;
-
 } // namespace
 
 std::string qrPicture(const std::string &text)
 {
-    const QrCode code(QRcode_encodeString8bit(text.c_str(), 0, QR_ECLEVEL_M));
+    const std::unique_ptr<QRcode, decltype(&QRcode_free)> code(
+        QRcode_encodeString8bit(text.c_str(), 0, QR_ECLEVEL_M), QRcode_free);
     if (!code)
         throw std::runtime_error("a QR code cannot be made");
     const int width = code->width;

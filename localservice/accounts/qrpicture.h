@@ -4,7 +4,7 @@
 
 namespace localservice {
 
-/// The QR code of @p text as a PNG file, with the margin that readers need; std::runtime_error if
+/// The QR code of @p text, with the margin that readers need, as a PNG file; std::runtime_error if
 /// the text is too long for one.
 std::string qrPicture(const std::string &text);
 

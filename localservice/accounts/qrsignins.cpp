@@ -102,7 +102,7 @@ QrSignInState QrSignIns::stateOf(const Entry &entry)
 QrSignIns::Entry *QrSignIns::find(std::string QrSignIn::*secret, const std::string &value)
 {
     const auto found = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry &entry) {
-        return isSameSecret(entry.told.*secret, value);
+        return entry.told.*secret == value;
     });
     return found == m_entries.end() ? nullptr : &*found;
 }

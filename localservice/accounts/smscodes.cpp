@@ -61,7 +61,7 @@ bool SmsCodes::redeem(const std::string &phone, const std::string &code)
         SQLite::bind(query, phone, now(), mostWrongGuesses);
         if (!query.executeStep())
             return false;
-        const bool isRight = isSameSecret(query.getColumn(1).getString(), code);
+        const bool isRight = query.getColumn(1).getString() == code;
         SQLite::Statement update(
             database, isRight
                           ? "UPDATE sms_code SET used = 1 WHERE id = ?"

@@ -3,8 +3,6 @@
 #include <QCryptographicHash>
 #include <QRandomGenerator>
 
-#include <openssl/crypto.h>
-
 #include <array>
 #include <random>
 
@@ -35,11 +33,6 @@ std::int64_t randomToken()
 std::string randomCode()
 {
     return std::to_string(codes + QRandomGenerator::system()->bounded(codes)).substr(1);
-}
-
-bool isSameSecret(const std::string &one, const std::string &other)
-{
-    return one.size() == other.size() && CRYPTO_memcmp(one.data(), other.data(), one.size()) == 0;
 }
 
 std::string digestOf(const std::string &secret)

@@ -15,9 +15,6 @@ std::int64_t randomToken();
 /// Six random decimal digits.
 std::string randomCode();
 
-/// Whether both are the same, in a time that does not tell where they differ.
-bool isSameSecret(const std::string &one, const std::string &other);
-
 /// The SHA-256 of @p secret as 64 lower-case hexadecimal digits.
 std::string digestOf(const std::string &secret);
 

@@ -11,12 +11,12 @@ namespace localservice {
 
 namespace {
 
-/// An ellipse within the unit square, of which only what is above @c bottom is drawn.
+// An ellipse within the unit square, of which the part below its bottom is not drawn.
 struct Ellipse
 {
-    qreal x;
+    qreal x; // of the centre
     qreal y;
-    qreal width; // from the centre, likewise the height
+    qreal width; // from the centre to the edge
     qreal height;
     qreal bottom = 1;
 };
@@ -27,8 +27,8 @@ struct Person
     QRgb clothes;
     QRgb hair;
     QRgb skin;
-    std::vector<Ellipse> hairBehind; // the face
-    qreal fringe;                    // down to where it reaches
+    std::vector<Ellipse> hairBehind; // behind the face
+    qreal fringe;                    // its lower edge
 };
 
 constexpr int size = 160; // points
@@ -65,7 +65,7 @@ void draw(QPainter &painter, QRgb colour, const Ellipse &ellipse)
     painter.drawEllipse(QPointF(ellipse.x, ellipse.y), ellipse.width, ellipse.height);
 }
 
-// What is later lies on top.
+// Draws from back to front.
 void draw(QPainter &painter, const Person &person)
 {
     painter.fillRect(QRectF(0, 0, 1, 1), QColor(person.background));
@@ -81,7 +81,7 @@ void draw(QPainter &painter, const Person &person)
     draw(painter, person.hair, {0.5, 0.43, 0.21, 0.23, person.fringe});
 }
 
-// Only a disc of the picture stays.
+// Leaves a disc of the picture.
 void clearCorners(QPainter &painter)
 {
     QPainterPath corners;

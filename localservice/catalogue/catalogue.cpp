@@ -15,7 +15,7 @@ constexpr const char *avatarFolder = "/speechdesk/voice_avatar/";
 constexpr const char *auditionFolder = "/speechdesk/audition/";
 constexpr const char *musicFolder = "/speechdesk/music/";
 
-// Short and long synthesis: every voice can do both.
+// The names of short and long synthesis; every voice can do both.
 constexpr const char *features = "语音合成,长文本语音合成";
 
 constexpr int longestAudition = 60; // seconds

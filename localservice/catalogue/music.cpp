@@ -16,7 +16,8 @@ constexpr double bassLoudness = 0.18;
 
 double frequency(int pitch) { return 440 * std::exp2(pitch / 12.0); }
 
-// From silence to silence, so that no note begins or ends with a click.
+// The loudness of a note in its course, from 0 to 1. It begins and ends with silence, so that
+// nothing clicks. Times are in seconds.
 double envelope(double time, double duration)
 {
     const double rise = std::min(1.0, time / attack);
@@ -24,12 +25,14 @@ double envelope(double time, double duration)
     return rise * fall * std::exp(-1.5 * time / duration);
 }
 
+// A tone with two overtones.
 double tone(double turns)
 {
     return std::sin(fullTurn * turns) + 0.35 * std::sin(2 * fullTurn * turns)
            + 0.12 * std::sin(3 * fullTurn * turns);
 }
 
+// Mixes notes into what the audio has already.
 void add(Audio &audio, const std::vector<Tune::Note> &notes, double beat, double loudness)
 {
     std::size_t begin = 0;

@@ -25,9 +25,10 @@ constexpr const char *initialContents = R"({
 }
 )";
 
-constexpr int mostUrgent = 2; // of the status values, which begin with 0
+constexpr int mostUrgent = 2; // the largest value of "upgradeStatus"
 
-// Only what the operation has, and only in its types.
+// Copies the members that clients read; throws if one is missing or has another type than they
+// read.
 nlohmann::json checked(const nlohmann::json &object)
 {
     const nlohmann::json &status = object.at("upgradeStatus");

@@ -13,8 +13,8 @@ public:
     /// Writes @p file if there is none; std::runtime_error if that fails.
     explicit UpgradeFile(std::filesystem::path file);
 
-    /// The "data" of the reply, as the file has it now; Refusal, and a line on standard error, if
-    /// it cannot be used.
+    /// The "data" of the reply, as the file has it now; a Refusal, and a line on standard error, if
+    /// it is missing, broken or of other types. May be called by several threads.
     nlohmann::json read() const;
 
 private:

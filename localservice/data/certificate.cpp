@@ -79,15 +79,12 @@ Certificate signedCertificate(EVP_PKEY *key, const char *commonName, const Exten
     return certificate;
 }
 
-// Writes under another name first: a reader sees the old file or the new one, never a part of it.
 template <typename Write>
-void replaceFile(const std::filesystem::path &path, Write write)
+void writeFile(const std::filesystem::path &path, Write write)
 {
-    const std::filesystem::path temporary = path.string() + ".new";
-    const File file(std::fopen(temporary.c_str(), "w"));
+    const File file(std::fopen(path.c_str(), "w"));
     if (!file || write(file.get()) != 1 || std::fflush(file.get()) != 0)
-        throw std::runtime_error("cannot write \"" + temporary.string() + "\"");
-    std::filesystem::rename(temporary, path);
+        throw std::runtime_error("cannot write \"" + path.string() + "\"");
 }
 
 Certificate readCertificate(const std::filesystem::path &path)
@@ -145,13 +142,13 @@ void makeNew(const TlsFiles &files)
                            {NID_authority_key_identifier, "keyid:always"},
                            {NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1"}},
                           authorityKey.get(), authority.get());
-    replaceFile(files.key, [&](std::FILE *file) {
+    writeFile(files.key, [&](std::FILE *file) {
         return PEM_write_PrivateKey(file, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
     });
-    replaceFile(files.certificate,
-                [&](std::FILE *file) { return PEM_write_X509(file, server.get()); });
-    replaceFile(files.authority,
-                [&](std::FILE *file) { return PEM_write_X509(file, authority.get()); });
+    writeFile(files.certificate,
+              [&](std::FILE *file) { return PEM_write_X509(file, server.get()); });
+    writeFile(files.authority,
+              [&](std::FILE *file) { return PEM_write_X509(file, authority.get()); });
 }
 
 } // namespace

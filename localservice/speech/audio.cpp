@@ -5,13 +5,12 @@
 #include <QtEndian>
 
 #include <samplerate.h>
-#include <sndfile.h>
+#include <sndfile.hh>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <fstream>
-#include <memory>
 
 namespace localservice {
 
@@ -26,12 +25,6 @@ constexpr float fullScale = 32768.0F;
 {
     throw Refusal(Code::UnusableAudio, "the recording " + message);
 }
-
-struct CloseSound
-{
-    void operator()(SNDFILE *file) const { sf_close(file); }
-};
-using SoundFile = std::unique_ptr<SNDFILE, CloseSound>;
 
 // The sound library reads as much as there is of a truncated file, which names the size of the
 // whole.
@@ -58,24 +51,23 @@ void checkComplete(const std::filesystem::path &path)
     refuse("has no samples");
 }
 
-SoundFile openWave(const std::filesystem::path &path, int longest, SF_INFO *info)
+SndfileHandle openWave(const std::filesystem::path &path, int longest)
 {
     checkComplete(path);
-    *info = {};
-    SoundFile file(sf_open(path.c_str(), SFM_READ, info));
+    SndfileHandle file(path.string());
     if (!file)
         refuse("cannot be read");
-    const int type = info->format & SF_FORMAT_TYPEMASK;
+    const int type = file.format() & SF_FORMAT_TYPEMASK;
     if ((type != SF_FORMAT_WAV && type != SF_FORMAT_WAVEX)
-        || (info->format & SF_FORMAT_SUBMASK) != SF_FORMAT_PCM_16)
+        || (file.format() & SF_FORMAT_SUBMASK) != SF_FORMAT_PCM_16)
         refuse("does not have 16-bit PCM samples");
-    if (info->channels < 1 || info->channels > 2)
+    if (file.channels() < 1 || file.channels() > 2)
         refuse("has more than two channels");
-    if (info->samplerate < lowestRate || info->samplerate > highestRate)
+    if (file.samplerate() < lowestRate || file.samplerate() > highestRate)
         refuse("has a sampling rate below 8000 Hz or above 192000 Hz");
-    if (info->frames < 1)
+    if (file.frames() < 1)
         refuse("has no samples");
-    if (info->frames > std::int64_t{longest} * info->samplerate)
+    if (file.frames() > std::int64_t{longest} * file.samplerate())
         throw Refusal(Code::TooLarge,
                       "the recording is longer than " + std::to_string(longest) + " seconds");
     return file;
@@ -96,24 +88,19 @@ void append(std::string &bytes, std::uint32_t value, int count)
 
 } // namespace
 
-void checkWave(const std::filesystem::path &path, int longest)
-{
-    SF_INFO info;
-    openWave(path, longest, &info);
-}
+void checkWave(const std::filesystem::path &path, int longest) { openWave(path, longest); }
 
 Audio readWave(const std::filesystem::path &path, Channels channels, int longest)
 {
-    SF_INFO info;
-    const SoundFile file = openWave(path, longest, &info);
-    const auto frames = static_cast<std::size_t>(info.frames);
-    const auto width = static_cast<std::size_t>(info.channels);
+    SndfileHandle file = openWave(path, longest);
+    const auto frames = static_cast<std::size_t>(file.frames());
+    const auto width = static_cast<std::size_t>(file.channels());
     std::vector<float> interleaved(frames * width);
-    if (sf_readf_float(file.get(), interleaved.data(), info.frames) != info.frames)
+    if (file.readf(interleaved.data(), file.frames()) != file.frames())
         refuse("is truncated");
     if (width == 1)
-        return {info.samplerate, std::move(interleaved)};
-    Audio audio{info.samplerate, std::vector<float>(frames)};
+        return {file.samplerate(), std::move(interleaved)};
+    Audio audio{file.samplerate(), std::vector<float>(frames)};
     for (std::size_t i = 0; i < frames; ++i) {
         const float first = interleaved[2 * i];
         audio.samples[i] =

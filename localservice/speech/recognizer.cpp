@@ -19,8 +19,8 @@ namespace {
 constexpr int modelRate = 16000; // Hz
 constexpr int patience = 200;    // ms, until a client that waits is looked for
 
-// Fillers such as <sil>, [NOISE] and ++BREATH++ are no words, and which of its pronunciations a
-// word had, as in "a(2)", is of no interest.
+// The words of what the engine has heard. Fillers such as <sil>, [NOISE] and ++BREATH++ are none,
+// and the number of a word's pronunciation, as in "a(2)", is no part of it.
 std::string cleanWords(const std::string &hypothesis)
 {
     std::istringstream stream(hypothesis);
@@ -40,14 +40,14 @@ int milliseconds(std::size_t samples) { return static_cast<int>(samples * 1000 /
 
 } // namespace
 
-/// One instance of the engine; for one thread at a time.
+/// An instance of the engine, for one thread at a time.
 class Recognizer::Decoder
 {
 public:
     explicit Decoder(const std::string &modelDir)
     {
-        // The engine would tell its whole configuration to stderr, which is for the requests. This
-        // has to be said in every thread.
+        // Standard error is for requests, and the engine would print its whole configuration. It
+        // has a setting of its own for every thread.
         err_set_logfp(nullptr);
         const std::string model = modelDir + "/en-us/";
         // The engine's noise removal needs a while of background to learn from and spoils the
@@ -67,8 +67,8 @@ public:
     Decoder(const Decoder &) = delete;
     Decoder &operator=(const Decoder &) = delete;
 
-    // Every sentence is a stream of its own, given at once: the levels are then normalised over
-    // all of it, and what was decoded before has no influence.
+    // The words of a sentence. As a stream of its own, given at once, it has its levels normalised
+    // over all of it and depends on nothing that was decoded before.
     std::string words(const std::int16_t *samples, std::size_t count)
     {
         const bool decoded = ps_start_stream(m_decoder) == 0 && ps_start_utt(m_decoder) == 0

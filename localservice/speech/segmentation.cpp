@@ -16,7 +16,7 @@ constexpr double faintestSpeech = 40;        // of 32767, root mean square
 
 using Levels = std::vector<double>;
 
-// The root mean square of every frame; what is left at the end is part of the last one.
+// The root mean square of every frame; the last one may be shorter.
 Levels levels(const std::vector<std::int16_t> &samples, std::size_t frame)
 {
     Levels result;
@@ -37,8 +37,8 @@ double quantile(Levels values, double part)
     return values[static_cast<std::size_t>(at)];
 }
 
-// Between the background, which is what the quietest twentieth has, and the loudest speech, much
-// nearer to the background.
+// The least level of speech. It lies between the background, which is the level of the quietest
+// twentieth, and the loudest speech, much nearer to the background.
 double threshold(const Levels &values)
 {
     const double background = quantile(values, 0.05);
@@ -46,7 +46,7 @@ double threshold(const Levels &values)
     return std::max(faintestSpeech, std::min(background * 3, loud * 0.2) + loud * 0.015);
 }
 
-// Runs of speech, in frames; those that are closer than a pause are one.
+// The runs of speech, in frames; two with less than a pause between them are one.
 std::vector<Segment> runs(const Levels &values)
 {
     const double least = threshold(values);
@@ -66,7 +66,7 @@ std::vector<Segment> runs(const Levels &values)
     return result;
 }
 
-// A run without a pause is cut where its second half is quietest.
+// Appends a run; one that is too long is cut where the second half of what fits is quietest.
 void appendCut(std::vector<Segment> &result, Segment run, const Levels &values)
 {
     while (run.end - run.begin > longestSegment) {

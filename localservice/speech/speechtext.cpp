@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t longestPiece = 400;
 constexpr std::size_t longestAbbreviation = 4; // without its dot
 
-// Of the characters that this decomposition leaves whole.
+// The plain forms of characters that Unicode's compatibility decomposition leaves whole.
 constexpr std::array<std::pair<char16_t, const char *>, 20> plainForms{{
     {u'‘', "'"},   {u'’', "'"},   {u'“', "\""}, {u'”', "\""}, {u'‐', "-"},
     {u'–', " - "}, {u'—', " - "}, {u'ß', "ss"}, {u'æ', "ae"}, {u'Æ', "Ae"},
@@ -27,8 +27,8 @@ bool isSpoken(char c)
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// What is spoken for a character of a text in compatibility decomposition. An accent follows its
-// letter there; it leaves nothing behind, nor does a soft hyphen.
+// The plain form of a character of a text in compatibility decomposition. That of an accent, which
+// follows its letter there, and of a soft hyphen is empty.
 std::string plainForm(QChar character)
 {
     for (const auto &[typographic, plain] : plainForms)
@@ -40,7 +40,7 @@ std::string plainForm(QChar character)
     return std::string(1, c >= ' ' && c < 0x7f ? c : ' ');
 }
 
-// The words that end in a dot within a sentence: "Dr.", "Prof.", initials, "e.g.".
+// Whether the word before a dot ends in one within a sentence: "Dr.", "Prof.", initials, "e.g.".
 bool isAbbreviation(const std::string &text, std::size_t dot)
 {
     const std::size_t blank = text.rfind(' ', dot);
@@ -58,8 +58,8 @@ bool endsSentence(const std::string &text, std::size_t at)
     return text[at] == '!' || text[at] == '?' || (text[at] == '.' && !isAbbreviation(text, at));
 }
 
-// Where the piece that begins at @p begin ends: after the sentence, if that is not too long for
-// one piece, else after the last blank, else anywhere.
+// The end of the piece that begins at @p begin: behind the sentence if that is short enough, else
+// behind the last blank that is near enough, else as far as a piece may reach.
 std::size_t endOfPiece(const std::string &text, std::size_t begin)
 {
     std::size_t blank = 0;

@@ -5,16 +5,16 @@
 
 namespace localservice {
 
-/// The characters in @p utf8, which has to be valid UTF-8.
+/// The number of characters in @p utf8, which has to be valid UTF-8.
 std::size_t characterCount(const std::string &utf8);
 
-/// What the engine can speak of @p utf8: ASCII. Letters lose their accents, typographic quotes and
-/// dashes become their plain forms, and whatever has none becomes a blank. Empty if no letter or
-/// digit is left.
+/// The part of @p utf8 that the engine can speak, in printable ASCII. Letters lose their accents,
+/// typographic quotes and dashes get their plain forms, and whatever has none becomes a blank.
+/// Empty if no letter or digit is left.
 std::string speakableText(const std::string &utf8);
 
-/// A speakable text in pieces of at most 400 characters: its sentences, the longer ones cut between
-/// words where possible. What has nothing to say in it is left out.
+/// Cuts a speakable text into its sentences, and those of more than 400 characters further, between
+/// words where possible. Pieces without a letter or digit are left out.
 std::vector<std::string> speakablePieces(const std::string &text);
 
 } // namespace localservice

@@ -6,7 +6,7 @@
 
 extern "C" {
 #include <flite/flite.h>
-// flite.h has to come first.
+// This header needs what flite.h defines.
 #include <flite/cst_cg.h>
 
 cst_voice *register_cmu_us_rms(const char *voxdir);
@@ -33,16 +33,13 @@ constexpr int octave = 500;     // of a rate
 constexpr float ownVolume = 50; // of 100
 constexpr float fullScale = 32768.0F;
 
+// The factor by which a rate, from -500 to 500, changes a speed or a pitch.
 float factor(int rate) { return std::exp2(static_cast<float>(rate) / octave); }
 
-// Some voices hardly pause between sentences; a listener has to hear where one ends.
+// The samples between two sentences, where some voices hardly pause by themselves.
 std::size_t pauseAt(int sampleRate) { return static_cast<std::size_t>(sampleRate) / 4; }
 
-struct DeleteWave
-{
-    void operator()(cst_wave *wave) const { delete_wave(wave); }
-};
-using Wave = std::unique_ptr<cst_wave, DeleteWave>;
+using Wave = std::unique_ptr<cst_wave, decltype(&delete_wave)>;
 
 } // namespace
 
@@ -60,7 +57,7 @@ public:
         const cst_val *const model = flite_get_param_val(voice->features, "cg_db", nullptr);
         if (!model)
             return;
-        // Installed in place of the voice's own, which is constant.
+        // A copy takes the place of the voice's own model, which is constant.
         m_model = std::make_unique<cst_cg_db>(*val_cg_db(model));
         m_hasContours = m_model->spamf0 != 0;
         flite_feat_set(voice->features, "cg_db", cg_db_val(m_model.get()));
@@ -81,7 +78,10 @@ public:
             m_model->spamf0 = speaking.pitchRate == 0 ? 1 : 0;
     }
 
-    Wave speak(const std::string &text) { return Wave(flite_text_to_wave(text.c_str(), m_voice)); }
+    Wave speak(const std::string &text)
+    {
+        return {flite_text_to_wave(text.c_str(), m_voice), delete_wave};
+    }
 
 private:
     cst_voice *m_voice;

@@ -10,14 +10,14 @@
 
 namespace localservice {
 
-/// How a text is spoken.
+/// The way in which a text is spoken.
 struct Speaking
 {
-    std::string voice = "rms";
-    int sampleRate = 16000; ///< Hz, of the result.
-    int volume = 50;        ///< 0: silence, 50: the voice's own, 100: twice that, clipped.
-    int speechRate = 0;     ///< -500: half as fast, 0: the voice's own, 500: twice as fast.
-    int pitchRate = 0;      ///< -500: an octave lower, 0: the voice's own, 500: an octave higher.
+    std::string voice = "rms"; ///< One that hasVoice().
+    int sampleRate = 16000;    ///< Hz, of the result.
+    int volume = 50;           ///< 0: silence, 50: the voice's own, 100: twice that, clipped.
+    int speechRate = 0;        ///< -500: half as fast, 0: the voice's own, 500: twice as fast.
+    int pitchRate = 0; ///< -500: an octave lower, 0: the voice's own, 500: an octave higher.
 };
 
 /// Speaks English texts. May be used by several threads, one of which is served at a time: the
@@ -25,19 +25,20 @@ struct Speaking
 class Synthesizer
 {
 public:
-    /// Once @p stopping is set, or the client has gone, work ends with a Refusal within a sentence
-    /// or two.
+    /// Loads the voices. @p stopping outlives this.
     explicit Synthesizer(const std::atomic<bool> &stopping);
     ~Synthesizer();
 
     Synthesizer(const Synthesizer &) = delete;
     Synthesizer &operator=(const Synthesizer &) = delete;
 
+    /// Whether the engine has the voice @p name.
     bool hasVoice(const std::string &name) const;
 
-    /// Speaks a text that speakableText() has returned, which is not empty, with a short pause
-    /// between sentences. The same text and settings give the same sound. Refusal if the engine
-    /// fails or the result would be longer than @p longest seconds.
+    /// Speaks a speakableText() that is not empty, with a short pause between sentences. The same
+    /// text and settings give the same sound. Refusal if the engine fails or the result would be
+    /// longer than @p longest seconds, and at the next sentence once the service is stopping or the
+    /// client of this thread has gone.
     Audio speak(const std::string &text, const Speaking &speaking, int longest);
 
 private:
