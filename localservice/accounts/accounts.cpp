@@ -5,7 +5,6 @@
 #include <SQLiteCpp/VariadicBind.h>
 
 #include <ctime>
-#include <utility>
 
 namespace localservice {
 

@@ -9,7 +9,7 @@ namespace localservice {
 
 namespace {
 
-// After its end a page can say for so long why it is of no use.
+// A page can say why it is of no use for so long after its end.
 constexpr std::chrono::minutes memory(10);
 
 // An application that polls hears of a confirmation in the last second of a code, too.

@@ -12,7 +12,7 @@ namespace localservice {
 
 namespace {
 
-// A code counts among those of the last hour whatever becomes of it.
+// Limits count the codes that were sent in so long a time, whatever became of them.
 constexpr std::int64_t hour = 3600; // seconds
 
 std::int64_t now() { return std::time(nullptr); }

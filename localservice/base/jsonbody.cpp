@@ -17,8 +17,8 @@ constexpr int deepestNesting = 64; // within the object that the body is
 
 std::string quoted(const char *key) { return std::string(1, '"') + key + '"'; }
 
-// How deep the arrays and objects of a JSON text are nested. Behind its first error, which the
-// parser does not get beyond, it may count wrongly.
+// The depth to which arrays and objects of a JSON text are nested. It may be wrong behind the first
+// error, which the parser does not get beyond.
 int nestingOf(const std::string &json)
 {
     int depth = 0;

@@ -8,6 +8,7 @@ namespace localservice {
 
 namespace {
 
+// A connection has at least so long for a request, and for another one after an answer.
 constexpr std::chrono::seconds patience(1);
 constexpr std::size_t mostUnused = 256UL * 1024; // bytes
 
@@ -97,7 +98,7 @@ void Connections::onFreed(void *parent, void *value, CRYPTO_EX_DATA *, int, long
         static_cast<Connections *>(value)->remove(SSL_get_fd(static_cast<SSL *>(parent)));
 }
 
-// Where a connection has the object that knows it.
+// The place of a connection for the object that knows it.
 int Connections::connectionIndex()
 {
     static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, onFreed);

@@ -6,8 +6,7 @@ namespace localservice {
 
 namespace {
 
-// A message may repeat bytes of a client that are no UTF-8; replaced, they leave the reply
-// readable.
+// What is no UTF-8 in a message, which may repeat what a client sent, is replaced.
 std::string bytes(const nlohmann::json &envelope)
 {
     return envelope.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);

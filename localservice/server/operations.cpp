@@ -6,7 +6,7 @@
 
 namespace localservice {
 
-// What a client asks with.
+// The parts of a request that operations read.
 struct Operations::Question
 {
     const httplib::Request &request;

@@ -13,8 +13,7 @@ namespace {
 
 constexpr std::size_t longestText = 200;
 
-// What a client sent, as one word: it can write no line of its own and reach no terminal's
-// controls.
+// A client's text as one word: it can write no line of its own and reach no terminal's controls.
 std::string printable(const std::string &text)
 {
     std::string result = text.empty() ? "-" : text.substr(0, longestText);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t largestOperation = 512UL * 1024; // bytes of its body
 
-// Without the query, and repeated slashes as one: clients put one at either side of a joint.
+// The path without the query. Repeated slashes are one: clients put one at either side of a joint.
 std::string normalPath(const std::string &target)
 {
     std::string path = target.substr(0, target.find('?'));
@@ -72,7 +72,7 @@ void Router::respond(const httplib::Request &request, httplib::Response &respons
 {
     const std::string path = normalPath(request.target);
     bool isOfOperation = Operations::isResponsible(path);
-    response.status = 200; // whatever the library made of it before
+    response.status = 200; // a request that the library refused has another one
     try {
         if (!isOfOperation) {
             serve(request, response, path, body);

@@ -9,6 +9,7 @@
 #include <openssl/ssl.h>
 
 #include <chrono>
+#include <functional>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <utility>
@@ -24,7 +25,7 @@ constexpr std::size_t keepAliveCount = 1000; // requests
 constexpr int transferSeconds = 30;          // without a byte
 constexpr std::size_t longestTarget = 2048;  // bytes
 
-/// Gives every connection a thread, and those that wait for one the room of others.
+/// Gives every connection a thread, and ends others when one has to wait for it.
 class ConnectionPool final : public httplib::TaskQueue
 {
 public:
@@ -102,7 +103,7 @@ Server::Server(const TlsFiles &files)
     m_http.set_write_timeout(transferSeconds);
     m_http.set_idle_interval(1); // to look for connections that wait
     m_http.new_task_queue = [this] { return m_pool.release(); };
-    // There are tokens in replies, and files are made anew with the service.
+    // Replies hold tokens, and another run of the service may have other files.
     m_http.set_default_headers({{"Cache-Control", "no-store"}});
     setHandlers();
 }
@@ -122,10 +123,10 @@ int Server::bind(int port)
 void Server::start(const Router &router)
 {
     m_router = &router;
-    // Threads may fail to begin, and what the library asks for must not throw.
+    // A failure to begin threads can be told here, and not where the library asks for the pool.
     m_pool = std::make_unique<ConnectionPool>(m_connections);
     m_thread = std::thread([this] { m_http.listen_after_bind(); });
-    // Before it runs it cannot be stopped.
+    // The library cannot be stopped before it runs.
     while (!m_http.is_running())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }

@@ -23,7 +23,6 @@ void unregister_cmu_us_awb(cst_voice *voice);
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
 
 namespace localservice {
 
