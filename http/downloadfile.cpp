@@ -4,6 +4,7 @@
 
 namespace {
 
+constexpr int pieceSize = 65536; // bytes
 constexpr char lengthHeader[] = "Content-Length";
 constexpr char codingHeader[] = "Transfer-Encoding";
 
@@ -32,10 +33,20 @@ bool DownloadFile::open(const QString &name, bool isContinued)
     return !m_hasFailedToOpen;
 }
 
-qint64 DownloadFile::write(const QByteArray &data)
+DownloadFile::Taken DownloadFile::takeFrom(QIODevice *source)
 {
-    m_received += data.size();
-    return m_file.write(data);
+    m_piece.resize(pieceSize);
+    Taken taken;
+    while (source->bytesAvailable() > 0) {
+        const qint64 size = source->read(m_piece.data(), pieceSize);
+        if (size <= 0)
+            break;
+        if (taken.written == taken.read)
+            taken.written += qMax<qint64>(m_file.write(m_piece.constData(), size), 0);
+        taken.read += size;
+    }
+    m_received += taken.read;
+    return taken;
 }
 
 // Qt drops the headers that it has when it announces a redirect. Headers of the redirecting answer

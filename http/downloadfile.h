@@ -20,8 +20,16 @@ public:
     /// The name that open() was given; empty before.
     QString name() const { return m_file.fileName(); }
 
-    /// Writes @p data behind what is there. Returns how many bytes of it the disk took; -1: none.
-    qint64 write(const QByteArray &data);
+    /// Bytes that were there and that the disk took.
+    struct Taken
+    {
+        qint64 read = 0;
+        qint64 written = 0;
+    };
+
+    /// Takes all that @p source has and writes it behind what is there; nothing behind a piece that
+    /// the disk did not take as a whole.
+    Taken takeFrom(QIODevice *source);
 
     /// To be called for each redirect that the reply follows.
     void noteRedirect();
@@ -41,6 +49,7 @@ private:
 
     QFile m_file;
     bool m_hasFailedToOpen = false;
+    QByteArray m_piece;    ///< Kept, since memory for each piece would cost more than writing it.
     qint64 m_received = 0; ///< Bytes of this transfer, written or not.
     Leftover m_leftover;
 };

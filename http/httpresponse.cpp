@@ -41,7 +41,7 @@ constexpr auto headList = QOverload<QList<QNetworkReply::RawHeaderPair>>::of(&Ht
 constexpr auto headMap = QOverload<QMap<QString, QString>>::of(&HttpResponse::head);
 
 // Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
-constexpr qint64 downloadBufferSize = 65536; // bytes
+constexpr qint64 downloadBufferSize = 262144; // bytes
 
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
 {
@@ -385,10 +385,10 @@ bool HttpResponse::writeAvailable()
 {
     if (!isWriting() || m_reply->bytesAvailable() == 0)
         return true;
-    const QByteArray data = m_reply->readAll();
-    const qint64 written = m_file->write(data);
-    m_request.fields.downloadedBytes += qMax<qint64>(written, 0);
-    return written == data.size() || tellFileProblem(QStringLiteral("Url: %1 %2 Write failed!"));
+    const DownloadFile::Taken taken = m_file->takeFrom(m_reply);
+    m_request.fields.downloadedBytes += taken.written;
+    return taken.written == taken.read
+           || tellFileProblem(QStringLiteral("Url: %1 %2 Write failed!"));
 }
 
 bool HttpResponse::tellFileProblem(const QString &pattern)
