@@ -1,18 +1,20 @@
 #!/usr/bin/env bash
 # Installs, on Debian 12, those of the named packages that are missing. As root or with sudo.
-# Usage: scripts/install-packages.sh [build | test | check | fuzz | PACKAGE ...]
+# Usage: scripts/install-packages.sh [build | test | check | fuzz | benchmark | PACKAGE ...]
 #   build (the default)  for building and running everything
 #   test                 build, the programs that the tests start, and ccache
 #   check                build, and the tools that check the sources
 #   fuzz                 build, and clang with its run-time libraries
+#   benchmark            build, libcurl, and the programs that measure and serve
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
     libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev openssl ca-certificates)
 test=(ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
-check=(git clang clang-format clang-tidy clazy valgrind)
+check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev)
 fuzz=(clang libclang-rt-dev)
+benchmark=(ccache iproute2 libcurl4-openssl-dev nginx-light python3 valgrind)
 
 wanted=()
 for name in "${@:-build}"; do
@@ -21,8 +23,9 @@ for name in "${@:-build}"; do
     test) wanted+=("${build[@]}" "${test[@]}") ;;
     check) wanted+=("${build[@]}" "${check[@]}") ;;
     fuzz) wanted+=("${build[@]}" "${fuzz[@]}") ;;
+    benchmark) wanted+=("${build[@]}" "${benchmark[@]}") ;;
     -*)
-        echo "usage: scripts/install-packages.sh [build | test | check | fuzz | PACKAGE ...]" >&2
+        echo "usage: scripts/install-packages.sh [build | test | check | fuzz | benchmark | PACKAGE ...]" >&2
         exit 2
         ;;
     *) wanted+=("$name") ;;

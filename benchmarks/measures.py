@@ -1,0 +1,72 @@
+"""What is measured, and how the program is run for it."""
+
+import collections
+import concurrent.futures
+import json
+import os
+import re
+import subprocess
+
+MIB = 1024 * 1024
+
+# One run of the program. A counted run does not depend on what else the machine does.
+Run = collections.namedtuple("Run", "tool contender work times round")
+
+# unit; tool that runs the program; what a run gives; whether the shorter run is taken off; how the value
+# follows from what was used, the times and the pieces; how it is compared with the base's
+Measure = collections.namedtuple("Measure", "unit tool used by_difference value compare")
+
+
+def each(scale):
+    return lambda used, times, pieces: used * scale / times / pieces
+
+
+def ratio(value, base):
+    return value / base
+
+
+MEASURES = {
+    "instructions": Measure("", "callgrind", "instructions", True, each(1), ratio),
+    "allocations": Measure("", "counted", "allocations", True, each(1), lambda value, base: value - base),
+    "time": Measure("ms", "timed", "seconds", False, each(1000), ratio),
+    "cpu": Measure("ms/MiB", "timed", "cpuSeconds", False, each(1000), ratio),
+    "memory": Measure("MiB", "timed", "memoryBytes", False, lambda used, times, pieces: used / MIB, ratio),
+    "rate": Measure("MiB/s", "timed", "seconds", False, lambda used, times, pieces: times * pieces / used, ratio),
+}
+
+
+class Runner:
+    """Runs the program in the server's folder and keeps what each run gave."""
+
+    def __init__(self, program, folder):
+        self.program = program
+        self.folder = folder
+        self.results = {}
+
+    def perform(self, runs, progress):
+        new = [run for run in dict.fromkeys(runs) if run not in self.results]
+        counted = [run for run in new if run.tool != "timed"]
+        pool = concurrent.futures.ThreadPoolExecutor(os.cpu_count())
+        try:
+            self._keep(counted, pool.map(self._execute, counted), progress)
+        finally:
+            pool.shutdown(cancel_futures=True)
+        timed = [run for run in new if run.tool == "timed"]
+        self._keep(timed, map(self._execute, timed), progress)
+
+    def _keep(self, runs, results, progress):
+        for run, result in zip(runs, results):
+            self.results[run] = result
+            progress(run)
+
+    def _execute(self, run):
+        command = [self.program, run.contender, run.work, str(run.times)]
+        if run.tool == "callgrind":
+            command = ["valgrind", "--tool=callgrind", "--fair-sched=yes", "--child-silent-after-fork=yes",
+                       "--callgrind-out-file=/dev/null"] + command
+        done = subprocess.run(command, cwd=self.folder, capture_output=True, text=True)
+        if done.returncode != 0:
+            raise SystemExit(f"benchmark: {' '.join(command)} failed:\n{done.stderr}")
+        if run.tool == "callgrind":
+            return {"instructions": int(re.search(r"Collected : (\d+)", done.stderr).group(1))}
+        return json.loads(done.stdout)
