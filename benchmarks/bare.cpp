@@ -67,7 +67,7 @@ private:
         if (!file->open(QFile::WriteOnly))
             fail("cannot open the file");
         if (m_options.readBufferSize != 0)
-            reply->setReadBufferSize(m_options.readBufferSize);
+            boundReadBuffer(reply);
         QObject::connect(reply, &QIODevice::readyRead, file,
                          [reply, file] { file->write(reply->readAll()); });
         QObject::connect(reply, &QNetworkReply::finished, file, [this, reply, file] {
@@ -76,6 +76,15 @@ private:
             reply->deleteLater();
             answered(file->size());
         });
+    }
+
+    // Qt forgets a bound when its network thread takes up the request, and takes none after the
+    // first data; this event comes between the two.
+    void boundReadBuffer(QNetworkReply *reply)
+    {
+        QMetaObject::invokeMethod(
+            reply, [this, reply] { reply->setReadBufferSize(m_options.readBufferSize); },
+            Qt::QueuedConnection);
     }
 
     const Options m_options;

@@ -46,6 +46,7 @@ KIB = 1024
 MIB = 1024 * KIB
 STORAGE = "https://localhost:8443/speechdesk/voice_avatar/"
 AVATARS = ["%E5%A5%B301", "%E5%A5%B302", "avatar_girl", "%E7%94%B701", "%E7%94%B702", "another"]
+SIGNATURE = "Expires=1790000000&OSSAccessKeyId=" + 24 * "k" + "&Signature=" + 200 * "s" # as storages sign
 CATEGORIES = ["超高清", "文学", "通用", "英文", "美式英语", "多语种", "方言", "客服", "直播", "童声", "多情感"]
 
 
@@ -57,7 +58,8 @@ def voice(number):
         "avatar": f"{STORAGE}{AVATARS[number % len(AVATARS)]}.png",
         "category": CATEGORIES[number % len(CATEGORIES)],
         "scene": "通用场景",
-        "audition_url": f"https://localhost:8443/speechdesk/audition/voice_{number}.wav",
+        "description": "声音自然亲切，" * 15,
+        "audition_url": f"https://localhost:8443/speechdesk/audition/voice_{number}.wav?{SIGNATURE}",
         "supportFeature": "语音合成,长文本语音合成",
     }
 
@@ -79,7 +81,7 @@ def write_files(folder, voices):
         os.truncate(f"{folder}/www/{name}", size)
     write_answer(folder, "getVoice", {"list": [voice(number) for number in range(voices)]})
     write_answer(folder, "getBackgroundMusic", [])
-    audio = base64.b64encode(os.urandom(20 * MIB)).decode()
+    audio = base64.b64encode(os.urandom(15 * MIB)).decode()
     write_answer(folder, "freeProcess", {"audio": audio})
     configuration = CONFIGURATION.format(folder=folder, service=SERVICE, answer="x" * 200)
     write(f"{folder}/nginx.conf", configuration.encode())
