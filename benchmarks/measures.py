@@ -12,9 +12,10 @@ MIB = 1024 * 1024
 # One run of the program. A counted run does not depend on what else the machine does.
 Run = collections.namedtuple("Run", "tool contender work times round")
 
-# unit; tool that runs the program; what a run gives; whether the shorter run is taken off; how the value
-# follows from what was used, the times and the pieces; how it is compared with the base's
-Measure = collections.namedtuple("Measure", "unit tool used by_difference value compare")
+# unit; tool that runs the program; what of its result is used; whether that is counted, and so the longer
+# run's less the shorter's; how the value follows from it, the times and the pieces; how it is compared with
+# the base's
+Measure = collections.namedtuple("Measure", "unit tool used is_counted value compare")
 
 
 def each(scale):

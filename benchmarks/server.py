@@ -21,6 +21,7 @@ http {{
     scgi_temp_path {folder}/temporary;
     default_type application/octet-stream;
     sendfile on;
+    tcp_nopush on; # a head and what follows it come together
     keepalive_requests 1000000;
     ssl_certificate {folder}/localhost.pem;
     ssl_certificate_key {folder}/localhost.key;
@@ -46,7 +47,7 @@ KIB = 1024
 MIB = 1024 * KIB
 STORAGE = "https://localhost:8443/speechdesk/voice_avatar/"
 AVATARS = ["%E5%A5%B301", "%E5%A5%B302", "avatar_girl", "%E7%94%B701", "%E7%94%B702", "another"]
-SIGNATURE = "Expires=1790000000&OSSAccessKeyId=" + 24 * "k" + "&Signature=" + 200 * "s" # as storages sign
+SIGNATURE = "Expires=1790000000&OSSAccessKeyId=" + 24 * "k" + "&Signature=" + 490 * "s"  # as storages sign
 CATEGORIES = ["超高清", "文学", "通用", "英文", "美式英语", "多语种", "方言", "客服", "直播", "童声", "多情感"]
 
 
@@ -58,7 +59,6 @@ def voice(number):
         "avatar": f"{STORAGE}{AVATARS[number % len(AVATARS)]}.png",
         "category": CATEGORIES[number % len(CATEGORIES)],
         "scene": "通用场景",
-        "description": "声音自然亲切，" * 15,
         "audition_url": f"https://localhost:8443/speechdesk/audition/voice_{number}.wav?{SIGNATURE}",
         "supportFeature": "语音合成,长文本语音合成",
     }
