@@ -6,11 +6,13 @@
 // A program's own malloc() takes the place of the C library's for all that it loads. These count
 // and pass on to the C library, which keeps free(): the blocks are its own.
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's own names
 extern "C" {
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 void *__libc_realloc(void *block, std::size_t size);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 

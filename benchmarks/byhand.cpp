@@ -91,8 +91,8 @@ QList<DubInfo *> voicesIn(const QByteArray &reply)
     const QJsonArray list =
         envelope.value(QLatin1String("data")).toObject().value(QLatin1String("list")).toArray();
     QList<DubInfo *> voices;
-    for (int i = 0; i < list.size(); ++i)
-        voices.append(voiceOf(list.at(i).toObject()));
+    for (const QJsonValue &voice : list)
+        voices.append(voiceOf(voice.toObject()));
     return voices;
 }
 

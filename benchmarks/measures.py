@@ -9,30 +9,25 @@ import subprocess
 
 MIB = 1024 * 1024
 
-# One run of the program. A counted run does not depend on what else the machine does.
+# One run of the program. One that is not timed may share the machine with others.
 Run = collections.namedtuple("Run", "tool contender work times round")
 
 # unit; tool that runs the program; what of its result is used; whether that is counted, and so the longer
-# run's less the shorter's; how the value follows from it, the times and the pieces; how it is compared with
-# the base's
-Measure = collections.namedtuple("Measure", "unit tool used is_counted value compare")
+# run's less the shorter's; how the value follows from it, the times and the pieces
+Measure = collections.namedtuple("Measure", "unit tool used is_counted value")
 
 
 def each(scale):
     return lambda used, times, pieces: used * scale / times / pieces
 
 
-def ratio(value, base):
-    return value / base
-
-
 MEASURES = {
-    "instructions": Measure("", "callgrind", "instructions", True, each(1), ratio),
-    "allocations": Measure("", "counted", "allocations", True, each(1), lambda value, base: value - base),
-    "time": Measure("ms", "timed", "seconds", False, each(1000), ratio),
-    "cpu": Measure("ms/MiB", "timed", "cpuSeconds", False, each(1000), ratio),
-    "memory": Measure("MiB", "timed", "memoryBytes", False, lambda used, times, pieces: used / MIB, ratio),
-    "rate": Measure("MiB/s", "timed", "seconds", False, lambda used, times, pieces: times * pieces / used, ratio),
+    "instructions": Measure("", "callgrind", "instructions", True, each(1)),
+    "allocations": Measure("", "plain", "allocations", True, each(1)),
+    "time": Measure("ms", "timed", "seconds", False, each(1000)),
+    "cpu": Measure("ms/MiB", "timed", "cpuSeconds", False, each(1000)),
+    "memory": Measure("MiB", "timed", "memoryBytes", False, lambda used, times, pieces: used / MIB),
+    "rate": Measure("MiB/s", "timed", "seconds", False, lambda used, times, pieces: times * pieces / used),
 }
 
 

@@ -4,6 +4,7 @@ import argparse
 import json
 import operator
 import os
+import signal
 import statistics
 import sys
 import time
@@ -22,6 +23,7 @@ class Row:
         fields = [field.strip() for field in line.split("|")]
         self.name, self.what, measure, self.work, times, pieces, self.base, contenders, goal, quick = fields
         self.measure = MEASURES[measure]
+        self.is_difference = measure == "allocations"  # compared by it, and not by a ratio
         self.times = [int(number) for number in times.split()]
         self.pieces = int(pieces)
         self.contenders = contenders.split()
@@ -43,16 +45,19 @@ class Row:
             return self.measure.value(used[1] - used[0], self.times[1] - self.times[0], self.pieces)
         return self.measure.value(used[0], self.times[0], self.pieces)
 
+    def compare(self, value, base):
+        return value - base if self.is_difference else value / base
+
     def outcome(self, results, contender):
         """The medians of a contender's values, and of what they are to the base's of the same round."""
         values = [self.value(results, contender, number) for number in self.rounds]
-        compared = [self.measure.compare(value, self.value(results, self.base, number))
+        compared = [self.compare(value, self.value(results, self.base, number))
                     for number, value in zip(self.rounds, values)]
         judged = contender == self.contenders[0] and self.goal
         return {"row": self.name, "what": self.what, "unit": self.measure.unit, "base": self.base,
                 "contender": contender, "value": statistics.median(values), "values": values,
                 "compared": statistics.median(compared), "comparisons": compared,
-                "goal": self.goal if judged else None}
+                "isDifference": self.is_difference, "goal": self.goal if judged else None}
 
 
 def read_rows():
@@ -81,7 +86,7 @@ def number(value):
 
 
 def comparison(outcome, value):
-    return f"{value:+.1f}" if outcome["row"] == "allocations" else f"{value:.3f}"
+    return f"{value:+.1f}" if outcome["isDifference"] else f"{value:.3f}"
 
 
 def cells(outcome):
@@ -123,7 +128,8 @@ def parse_arguments():
                         help="only what is counted, beside the base alone, once or, where that is beyond the goal "
                         "by more than 2 %%, three times; the exit status is 1 when it still is")
     parser.add_argument("--row", action="append", metavar="NAME", help="only this row; may be repeated")
-    parser.add_argument("--rounds", type=int, metavar="N", help=f"how often all is measured (counts {COUNTED_ROUNDS} times, times {TIMED_ROUNDS}; quick: once)")
+    parser.add_argument("--rounds", type=int, metavar="N",
+                        help=f"how often all is measured (counts {COUNTED_ROUNDS} times, times {TIMED_ROUNDS})")
     parser.add_argument("--json", metavar="FILE", help="writes what was measured there as well")
     parser.add_argument("--voices", type=int, metavar="N", default=10000, help="entries of the catalogue")
     parser.add_argument("--program", required=True, help=argparse.SUPPRESS)
@@ -150,6 +156,7 @@ def chosen_rows(arguments):
 
 
 def main():
+    signal.signal(signal.SIGTERM, lambda *unused: sys.exit(1))  # nginx is not left behind
     arguments = parse_arguments()
     rows = chosen_rows(arguments)
     runner = Runner(os.path.abspath(arguments.program), os.path.abspath(arguments.folder))

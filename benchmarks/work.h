@@ -17,12 +17,12 @@ constexpr char downloadedFile[] = "downloaded";
 /// Something that every contender can be asked to do over and over.
 struct Work
 {
-    const char *name;
-    Kind kind;
-    const char *address;
-    qint64 answerBytes;  ///< Of the body, except of those that become records.
-    int postedBytes = 0; ///< 0: a GET.
-    int inFlight = 1;    ///< How many requests are under way at a time.
+    const char *name = "";
+    Kind kind = Kind::Memory;
+    const char *address = "";
+    qint64 answerBytes = 0; ///< Of the body, except of those that become records.
+    int postedBytes = 0;    ///< 0: a GET.
+    int inFlight = 1;       ///< How many requests are under way at a time.
 };
 
 /// Null when there is no such work.
