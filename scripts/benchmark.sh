@@ -16,4 +16,5 @@ folder=$build/served
 bash tests/support/make-certificates.sh "$folder"
 network=()
 ! tests/own-network.sh true 2>/dev/null || network=(tests/own-network.sh)
-exec "${network[@]}" python3 benchmarks/run.py --program "$build/benchmarks/contest" --folder "$folder" "$@"
+exec "${network[@]}" python3 -B benchmarks/run.py \
+    --program "$build/benchmarks/contest" --folder "$folder" "$@"
