@@ -81,27 +81,20 @@ bool namesMember(const QString &key)
 /// What a slot text names in a class of receivers, and the signals of one kind that it fits.
 struct Member
 {
-    int index = -1;            ///< In the class's meta-object; -1: there is no such member.
-    QByteArray name;           ///< What the meta-object has at the index,
-    std::vector<int> argument; ///< and the meta-types of its arguments.
-    std::vector<int> fitting;  ///< Indices of the signals whose arguments begin with the member's.
+    int index = -1;             ///< In the class's meta-object; -1: there is no such member.
+    QByteArray name;            ///< What the meta-object has at the index,
+    std::vector<int> arguments; ///< and the meta-types of its arguments.
+    std::vector<int> fitting;   ///< Indices of the signals whose arguments begin with the member's.
 };
 
-std::vector<int> argumentTypes(const QMetaMethod &method)
+/// Whether @p method is the one that was found; told without allocating anything.
+bool isThe(const Member &member, const QMetaMethod &method)
 {
-    std::vector<int> types;
-    for (int i = 0; i < method.parameterCount(); ++i)
-        types.push_back(method.parameterType(i));
-    return types;
-}
-
-/// Without the allocations that taking a signature apart or putting it together needs.
-bool isStillAt(const QMetaMethod &method, const Member &member)
-{
-    if (method.parameterCount() != int(member.argument.size()) || method.name() != member.name)
+    const auto count = std::size_t(method.parameterCount());
+    if (count != member.arguments.size() || method.name() != member.name)
         return false;
-    for (int i = 0; i < method.parameterCount(); ++i) {
-        if (method.parameterType(i) != member.argument[std::size_t(i)])
+    for (std::size_t i = 0; i < count; ++i) {
+        if (method.parameterType(int(i)) != member.arguments[i])
             return false;
     }
     return true;
@@ -123,8 +116,11 @@ Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
     if (member.index < 0)
         return member;
     const QMetaMethod method = metaObject->method(member.index);
-    member.name = method.name();
-    member.argument = argumentTypes(method);
+    const QByteArray name = method.name();
+    member.name = QByteArray(name.constData(), name.size()); // Qt's is a part of the meta-object
+    member.arguments.resize(std::size_t(method.parameterCount()));
+    for (std::size_t i = 0; i < member.arguments.size(); ++i)
+        member.arguments[i] = method.parameterType(int(i));
     for (const TargetSignal &signal : *familyOf(kind)) {
         if (QMetaObject::checkConnectArgs(signal.signature.constData(), signature.constData()))
             member.fitting.push_back(signal.index);
@@ -143,7 +139,7 @@ const Member &memberOf(const QMetaObject *metaObject, int kind, const QString &k
     const auto place = qMakePair(qMakePair(metaObject, kind), key);
     const auto known = found.constFind(place);
     if (known != found.constEnd() && known->index >= 0
-        && isStillAt(metaObject->method(known->index), *known))
+        && isThe(*known, metaObject->method(known->index)))
         return *known;
     if (found.size() >= mostEntries)
         found.clear();
