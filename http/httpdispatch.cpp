@@ -5,6 +5,7 @@
 #include "http/httpdump.h"
 #include "http/httprequest.h"
 #include "http/httpresponse.h"
+#include "http/promptbody.h"
 
 #include <QDebug>
 #include <QFile>
@@ -27,7 +28,10 @@ void setMultiPartContentType(HttpRequestFields &fields, const QHttpMultiPart *mu
 
 QNetworkReply *sendBytes(const HttpRequestFields &fields, const QByteArray &verb)
 {
-    return fields.client->sendCustomRequest(fields.networkRequest, verb, fields.body.toByteArray());
+    const QByteArray body = fields.body.toByteArray();
+    QNetworkReply *reply = fields.client->sendCustomRequest(fields.networkRequest, verb, body);
+    PromptBody::arrange(reply, body.size());
+    return reply;
 }
 
 /// The reply owns @p multiPart afterwards; without a reply the caller still does.

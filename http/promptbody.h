@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QMetaMethod>
+#include <QObject>
+
+class QNetworkReply;
+
+/// Has a small body at hand when the head of its request is written, so that TLS sends both at once.
+///
+/// Qt writes the head before it asks the thread of the reply for the body, which thus goes out in a
+/// segment of its own. TCP keeps that back until the server has acknowledged the head, and servers
+/// take their time over it: some 40 ms for every request on a connection that is kept. The reply is
+/// therefore made to give the body away just before the request begins, by what Qt itself calls for
+/// it then.
+///
+/// This leans on an internal of Qt 5.14 and 5.15, which are frozen: a signal and a slot of the reply
+/// that the access manager makes, found by their names. Where they are missing, with another Qt or
+/// with VONETWORK_PROMPT_BODIES off, nothing is done; the same bytes go out, later.
+class PromptBody : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(PromptBody)
+
+public:
+    /// To be called on the thread of @p reply, before that is back in its event loop. Does nothing
+    /// without a reply, and unless the body has between 1 byte and 16 KiB, which is what Qt takes
+    /// of it at a time.
+    static void arrange(QNetworkReply *reply, int bodySize);
+
+private Q_SLOTS:
+    void give();
+
+private:
+    PromptBody(QNetworkReply *reply, const QMetaMethod &begin, const QMetaMethod &give);
+
+    const QMetaMethod m_give;
+};
