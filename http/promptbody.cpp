@@ -6,59 +6,71 @@ namespace {
 
 constexpr int mostBytes = 16 * 1024;
 
-/// What a class of replies has; invalid where it does not have all of it.
-struct Internals
-{
-    QMetaMethod begin; ///< Emitted before the request goes to the network thread.
-    QMetaMethod give;  ///< Hands so many bytes of the body to that thread.
-};
-
-Internals internalsOf(const QMetaObject *type)
-{
-#if defined(VONETWORK_PROMPT_BODIES) && QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    const int begin = type->indexOfSignal("startHttpRequest()");
-    const int hand = type->indexOfSignal("haveUploadData(qint64,QByteArray,bool,qint64)");
-    const int give = type->indexOfSlot("wantUploadDataSlot(qint64)");
-    if (begin >= 0 && hand >= 0 && give >= 0)
-        return {type->method(begin), type->method(give)};
-#else
-    Q_UNUSED(type)
-#endif
-    return {};
-}
-
-// A manager makes replies of one class, so the last one is all that needs to be remembered.
-const Internals &knownInternalsOf(const QMetaObject *type)
-{
-    thread_local const QMetaObject *known = nullptr;
-    thread_local Internals internals;
-    if (type != known) {
-        internals = internalsOf(type);
-        known = type;
-    }
-    return internals;
-}
-
 } // namespace
 
 void PromptBody::arrange(QNetworkReply *reply, int bodySize)
 {
     if (!reply || bodySize < 1 || bodySize > mostBytes)
         return;
-    const Internals &internals = knownInternalsOf(reply->metaObject());
+    const Internals &internals = internalsOf(reply->metaObject());
     if (internals.begin.isValid())
-        new PromptBody(reply, internals.begin, internals.give); // the reply's child
+        new PromptBody(reply, internals); // the reply's child
 }
 
-PromptBody::PromptBody(QNetworkReply *reply, const QMetaMethod &begin, const QMetaMethod &give)
+PromptBody::PromptBody(QNetworkReply *reply, const Internals &internals)
     : QObject(reply)
-    , m_give(give)
+    , m_reply(reply)
+    , m_internals(internals)
+{
+    listen();
+    connect(reply, &QNetworkReply::redirected, this, &PromptBody::startOver);
+}
+
+PromptBody::Internals PromptBody::lookUp(const QMetaObject *type)
+{
+#if defined(VONETWORK_PROMPT_BODIES) && QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const int begin = type->indexOfSignal("startHttpRequest()");
+    const int body = type->indexOfSignal("haveUploadData(qint64,QByteArray,bool,qint64)");
+    const int give = type->indexOfSlot("wantUploadDataSlot(qint64)");
+    if (begin >= 0 && body >= 0 && give >= 0)
+        return {type->method(begin), type->method(body), type->method(give)};
+#else
+    Q_UNUSED(type)
+#endif
+    return {};
+}
+
+// A manager makes replies of one class, so the last one is all that a thread remembers.
+const PromptBody::Internals &PromptBody::internalsOf(const QMetaObject *type)
+{
+    thread_local const QMetaObject *known = nullptr;
+    thread_local Internals internals;
+    if (type != known) {
+        internals = lookUp(type);
+        known = type;
+    }
+    return internals;
+}
+
+void PromptBody::listen()
 {
     static const int slot = staticMetaObject.indexOfSlot("give()");
-    QMetaObject::connect(reply, begin.methodIndex(), this, slot, Qt::DirectConnection);
+    QMetaObject::connect(m_reply, m_internals.begin.methodIndex(), this, slot,
+                         Qt::DirectConnection);
 }
 
+// The receivers are in the network thread and get both in this order: the body, since this comes
+// first among the connections, and the call to begin.
 void PromptBody::give()
 {
-    m_give.invoke(parent(), Qt::DirectConnection, Q_ARG(qint64, mostBytes));
+    m_internals.give.invoke(m_reply, Qt::DirectConnection, Q_ARG(qint64, mostBytes));
+}
+
+// Qt begins anew when it follows a redirect. What has sent the request before may still be there
+// then, and would send it once more, if the answer came soon enough.
+void PromptBody::startOver()
+{
+    disconnect(m_reply, m_internals.begin, nullptr, QMetaMethod());
+    disconnect(m_reply, m_internals.body, nullptr, QMetaMethod());
+    listen();
 }

@@ -5,7 +5,8 @@
 
 class QNetworkReply;
 
-/// Has a small body at hand when the head of its request is written, so that TLS sends both at once.
+/// Has a small body at hand when the head of its request is written, so that TLS sends both at
+/// once.
 ///
 /// Qt writes the head before it asks the thread of the reply for the body, which thus goes out in a
 /// segment of its own. TCP keeps that back until the server has acknowledged the head, and servers
@@ -13,9 +14,9 @@ class QNetworkReply;
 /// therefore made to give the body away just before the request begins, by what Qt itself calls for
 /// it then.
 ///
-/// This leans on an internal of Qt 5.14 and 5.15, which are frozen: a signal and a slot of the reply
-/// that the access manager makes, found by their names. Where they are missing, with another Qt or
-/// with VONETWORK_PROMPT_BODIES off, nothing is done; the same bytes go out, later.
+/// This leans on internals of Qt 5.14 and 5.15, which are frozen: two signals and a slot of the
+/// reply that the access manager makes, found by their names. Where they are missing, with another
+/// Qt or with VONETWORK_PROMPT_BODIES off, nothing is done; the same bytes go out, later.
 class PromptBody : public QObject
 {
     Q_OBJECT
@@ -29,9 +30,23 @@ public:
 
 private Q_SLOTS:
     void give();
+    void startOver();
 
 private:
-    PromptBody(QNetworkReply *reply, const QMetaMethod &begin, const QMetaMethod &give);
+    /// What a class of replies has for it; invalid where not all of it is there.
+    struct Internals
+    {
+        QMetaMethod begin; ///< Signal: the network thread is to send the request.
+        QMetaMethod body;  ///< Signal: carries some of the body to that thread.
+        QMetaMethod give;  ///< Slot: emits it, for at most so many bytes.
+    };
 
-    const QMetaMethod m_give;
+    PromptBody(QNetworkReply *reply, const Internals &internals);
+
+    static Internals lookUp(const QMetaObject *type);
+    static const Internals &internalsOf(const QMetaObject *type);
+    void listen();
+
+    QNetworkReply *const m_reply; // the parent
+    const Internals m_internals;
 };
