@@ -134,6 +134,22 @@ private Q_SLOTS:
         compare(calls, good ? served : refused, logOf(tls, user, good), good ? 1 : 0);
     }
 
+    void aBodyIsSentOnceTheProxyHasItsCredentials_data() { addKinds(); }
+    void aBodyIsSentOnceTheProxyHasItsCredentials()
+    {
+        QFETCH(bool, tls);
+        use(tls);
+        HttpClient client;
+        client.setProxy(m_squid.proxy(SquidServer::user(), SquidServer::password()));
+        HttpRequest request(HttpMethod::Post, &client);
+        CallbackLog calls;
+        request.url(m_server->address("/"_s)).rawBody("body");
+        QVERIFY(waitUntilGone(calls.bindOutcomes(request).send()));
+        QCOMPARE(calls.lines(), served);
+        QCOMPARE(m_server->requests().size(), 1);
+        QCOMPARE(WireRequest(m_server->requests().first()).body, "body"_b);
+    }
+
     void theProxyIsGivenTheCredentialsOfAReceiver_data() { addCredentials(); }
     void theProxyIsGivenTheCredentialsOfAReceiver()
     {

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QThread>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -102,6 +103,36 @@ private Q_SLOTS:
         for (int i = 0; i < rounds; ++i)
             expected.append("body"_s);
         QCOMPARE(told, std::vector<QStringList>(threadCount, expected));
+    }
+
+    void threadsThatPostHaveTheirBodiesSent()
+    {
+        const TrustTestAuthority trust;
+        ScriptedServer server(Identity::Localhost);
+        QVERIFY(server.start());
+        server.answer(ScriptedServer::reply("ok"), ScriptedServer::Then::KeepOpen);
+        const QString address = server.address("/"_s);
+        QVERIFY(onThreads([&](int thread) {
+            HttpClient client;
+            Receiver receiver;
+            for (int i = 0; i < rounds; ++i) {
+                HttpRequest request = get(&client, address, &receiver);
+                request.fields.method = HttpMethod::Post;
+                request.rawBody(QByteArray(1000, char('a' + thread)));
+                if (i % 2 == 0)
+                    run(request);
+                else
+                    request.block(true).send();
+            }
+        }));
+        QByteArrayList expected;
+        for (int i = 0; i < threadCount * rounds; ++i)
+            expected.append(QByteArray(1000, char('a' + i / rounds)));
+        QByteArrayList bodies;
+        for (const QByteArray &request : server.requests())
+            bodies.append(WireRequest(request).body);
+        std::sort(bodies.begin(), bodies.end());
+        QCOMPARE(bodies, expected);
     }
 
     void threadsThatDownloadHaveTheirFiles()
