@@ -163,7 +163,7 @@ private:
                     return;
                 }
                 ++failed;
-                std::printf("%s: %s\n", qPrintable(reply->url().path()),
+                std::printf("%s: %s\n", qPrintable(reply->request().url().path()),
                             qPrintable(reply->errorString()));
             });
         request.fields.networkRequest.setHeader(QNetworkRequest::ContentTypeHeader,
