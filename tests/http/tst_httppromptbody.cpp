@@ -285,7 +285,8 @@ class TestHttpPromptBody : public QObject
         if (kept)
             sender.send(HttpMethod::Post, m_address, "first");
         Exchange result = sender.send(method, m_address, body);
-        for (const QByteArray &request : m_server.requests().mid(kept ? 1 : 0))
+        const QList<QByteArray> requests = m_server.requests().mid(kept ? 1 : 0);
+        for (const QByteArray &request : requests)
             result.requests.append(HttpTesting::withoutLanguage(request));
         return result;
     }
@@ -460,10 +461,6 @@ private Q_SLOTS:
             {"308", {status("308 There", away), ok}, 2, "ok"_s},
             {"307 and credentials",
              {status("307 There", away), status("401 Who", challenge), ok},
-             3,
-             "ok"_s},
-            {"credentials and 307",
-             {status("401 Who", challenge), status("307 There", away), ok},
              3,
              "ok"_s},
         };
