@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks the layout of every source, builds everything with clang, warnings as errors, and checks all
-# but the tests with clazy (level 1) and clang-tidy.
+# Checks the layout of every source, builds all but the tests with clang and clazy (level 1), and
+# checks all with clang-tidy; compiler warnings are errors in either.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh check
@@ -8,12 +8,15 @@ scripts/install-packages.sh check
 mapfile -t sources < <(git ls-files '*.cpp' '*.h')
 clang-format --dry-run --Werror "${sources[@]}"
 
-# clazy is clang with a plugin, so one build serves both. It leaves the tests out: they bind callbacks
-# to objects on the stack and look into temporary lists, which is safe within a test function.
+# clazy is clang with a plugin: one build is both. The tests are not compiled besides, since
+# clang-tidy reports the compiler's warnings too; it needs what the meta-object compiler makes of them.
 export CLAZY_CHECKS=level1
-export CLAZY_IGNORE_DIRS='(/usr/include|_autogen|/tests/)'
+export CLAZY_IGNORE_DIRS='(/usr/include|_autogen)'
 cmake --preset lint >/dev/null
-cmake --build --preset lint
+mapfile -t generated < <(ninja -C build/lint -t targets all | sed -n 's/^\([^/]*_autogen\): phony$/\1/p')
+cmake --build --preset lint --target "${generated[@]}" \
+    {http,network,localservice,examples,fuzz,benchmarks}/all
 
-git ls-files '*.cpp' ':!tests' |
-    xargs -P "$(nproc)" -n 4 clang-tidy -p build/lint --quiet 2> >(grep -v ' warnings generated\.$' >&2)
+# The one that must not compile stays out.
+git ls-files '*.cpp' ':!tests/http/misfit.cpp' |
+    xargs -P "$(nproc)" -n 1 clang-tidy -p build/lint --quiet 2> >(grep -v ' warnings generated\.$' >&2)

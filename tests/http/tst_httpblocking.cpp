@@ -121,7 +121,7 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         const QPointer<HttpResponse> response = log.bindTimeout(log.bindOutcomes(request)).send();
-        QVERIFY2(clock.elapsed() >= 100 * (retries + 1),
+        QVERIFY2(clock.elapsed() >= 100LL * (retries + 1),
                  qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(log.outcomes(), 1);
         QCOMPARE(log.lines().count("timeout()"_s), retries + 1);

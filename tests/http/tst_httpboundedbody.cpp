@@ -15,7 +15,7 @@
 
 using HttpTesting::waitUntilGone;
 
-static constexpr qint64 mebibyte = 1024 * 1024;
+static constexpr qint64 mebibyte = 1024LL * 1024;
 
 /// The handbook's way to bound what a body takes of the memory.
 class TestHttpBoundedBody : public QObject

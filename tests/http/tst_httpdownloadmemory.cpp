@@ -16,7 +16,7 @@
 
 using HttpTesting::waitUntilGone;
 
-static constexpr qint64 mebibyte = 1024 * 1024;
+static constexpr qint64 mebibyte = 1024LL * 1024;
 
 /// However long a download is, it does not pass through memory as a whole. The size of the file is
 /// VONETWORK_TEST_DOWNLOAD_MIB, 256 when that is not set.

@@ -52,6 +52,7 @@ private Q_SLOTS:
         // The right answer everywhere; a sanitised or instrumented run also sees a race.
         std::vector<QByteArray> verbs(8);
         std::vector<std::unique_ptr<QThread>> threads;
+        threads.reserve(verbs.size());
         for (QByteArray &verb : verbs) {
             threads.emplace_back(QThread::create([&verb] { verb = httpVerb(HttpMethod::Delete); }));
         }

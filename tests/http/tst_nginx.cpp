@@ -189,14 +189,14 @@ private Q_SLOTS:
         log.bindFile(request.url(address(tls, "/long"_s)).download(m_target).retry(3).block(block));
         int kills = 0;
         request.onReadyRead([&](QNetworkReply *) {
-            if (kills < 2 && QFile(m_target).size() > (kills + 1) * 50 * mebibyte) {
+            if (kills < 2 && QFile(m_target).size() > (kills + 1) * 50LL * mebibyte) {
                 ++kills;
                 m_server.kill();
                 log.add(m_server.start() ? "restarted"_s : m_server.errorText());
             }
         });
         request.onDownloadFileProgress([&log](qint64 received, qint64 total) {
-            const QString end = received < 101 * mebibyte ? "the rest"_s : "too much"_s;
+            const QString end = received < 101LL * mebibyte ? "the rest"_s : "too much"_s;
             if (received == total && !log.lines().endsWith(end)) // Qt may say it twice
                 log.add(end);
         });

@@ -62,6 +62,7 @@ class TestThreads : public QObject
     static bool onThreads(const std::function<void(int)> &work)
     {
         std::vector<std::thread> threads;
+        threads.reserve(threadCount);
         std::atomic<int> running(threadCount);
         for (int i = 0; i < threadCount; ++i) {
             threads.emplace_back([&running, &work, i] {

@@ -9,7 +9,7 @@ namespace {
 template <typename Record>
 QString consumed(const QList<Record *> &records)
 {
-    const QString text = written(records);
+    QString text = written(records);
     qDeleteAll(records);
     return text;
 }

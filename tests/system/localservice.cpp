@@ -69,7 +69,7 @@ QByteArray LocalService::takeLine(const QByteArray &part)
     while (elapsed.elapsed() < patienceMs) {
         m_out += m_process.readAllStandardOutput();
         for (int end = m_out.indexOf('\n'); end >= 0; end = m_out.indexOf('\n')) {
-            const QByteArray line = m_out.left(end);
+            QByteArray line = m_out.left(end);
             m_out.remove(0, end + 1);
             if (line.contains(part))
                 return line;

@@ -158,14 +158,14 @@ private Q_SLOTS:
         for (const char *word : {"voices", "music", "update", "login", "logout", "fetch", "--json",
                                  "--sms", "--resume"})
             QTest::addRow("%s in --help", word) << arguments("--help") << QString::fromLatin1(word);
+        const char *const voices =
+            "voices: [name, voice, type, category, scene, avatar, sampleUrl, "
+            "shortSynthesis, longSynthesis] music";
+        const char *const update = "status (0 newest, 1 newer there, 2 newer needed), "
+                                   "currentVersion, version, changes: [line], url login";
         for (const char *promise :
              {"in UTF-8 and ended by a line feed", "say file, bytes fetch", "fetch file, bytes rec",
-              "recognize text voices",
-              "voices: [name, voice, type, category, scene, avatar, sampleUrl, shortSynthesis, "
-              "longSynthesis] music",
-              "music: [name, url] update",
-              "status (0 newest, 1 newer there, 2 newer needed), currentVersion, version, changes: "
-              "[line], url login",
+              "recognize text voices", voices, "music: [name, url] update", update,
               "userId, nickname, pictureUrl, tokenExpires, sessionExpires Exit",
               "0 done, 1 refused or failed, 2 wrong use, 130 or 143 interrupted.",
               "its tokens stay valid at the service until they run out.",
