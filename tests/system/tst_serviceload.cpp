@@ -164,7 +164,7 @@ private Q_SLOTS:
         socket.write(beginning);
         qint64 sent = 0;
         const QByteArray parts = part.repeated(100000 / part.size());
-        while (socket.state() == QAbstractSocket::ConnectedState && sent < 100 * 1000 * 1000) {
+        while (socket.state() == QAbstractSocket::ConnectedState && sent < 100LL * 1000 * 1000) {
             sent += socket.write(parts);
             socket.waitForBytesWritten(patienceMs);
         }
@@ -309,8 +309,8 @@ private:
         const auto text = [&](const char *key) {
             return credentials.value(QLatin1String(key)).toString();
         };
-        const QString address = QStringLiteral("%1/%2/%3/noise.wav")
-                                    .arg(text("endpoint"), text("bucketName"), text("dir"));
+        QString address = QStringLiteral("%1/%2/%3/noise.wav")
+                              .arg(text("endpoint"), text("bucketName"), text("dir"));
         m_steps->client().put(address, recording, text("SecurityToken"));
         return address;
     }

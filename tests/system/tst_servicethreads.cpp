@@ -123,6 +123,7 @@ private:
 std::vector<std::thread> onThreads(const std::function<void(int)> &work)
 {
     std::vector<std::thread> threads;
+    threads.reserve(clients);
     for (int i = 0; i < clients; ++i)
         threads.emplace_back(work, i);
     return threads;
