@@ -314,7 +314,7 @@ bool HttpResponse::releaseReply()
 void HttpResponse::onHandleHead()
 {
     if (m_headHandled)
-        ReplyWires::disconnectReadyRead(m_reply, this, "onHandleHead()");
+        ReplyWires::disconnectHead(m_reply, this);
     else
         tellHead();
 }
@@ -341,7 +341,7 @@ void HttpResponse::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator
 
 void HttpResponse::onReadOnceReplyHeader()
 {
-    ReplyWires::disconnectReadyRead(m_reply, this, "onReadOnceReplyHeader()");
+    ReplyWires::disconnectOpening(m_reply, this);
     const HttpRequestFields &fields = m_request.fields;
     if (m_file->open(fields.downloadFilePath, fields.supportsResume && fields.enableResume))
         return;

@@ -114,6 +114,12 @@ void connectAuthentication(const QNetworkReply *reply, const HttpResponse *respo
         QMetaObject::connect(reply->manager(), signal, response, slot);
 }
 
+void disconnectReadyRead(QNetworkReply *reply, HttpResponse *response, int slot)
+{
+    static const int signal = indexOf(&QNetworkReply::readyRead);
+    QMetaObject::disconnect(reply, signal, response, slot);
+}
+
 } // namespace
 
 quint64 ReplyWires::bitOf(int signal)
@@ -142,8 +148,14 @@ void ReplyWires::connectFor(QNetworkReply *reply, HttpResponse *response, int si
     }
 }
 
-void ReplyWires::disconnectReadyRead(QNetworkReply *reply, HttpResponse *response, const char *slot)
+void ReplyWires::disconnectOpening(QNetworkReply *reply, HttpResponse *response)
 {
-    static const int signal = indexOf(&QNetworkReply::readyRead);
-    QMetaObject::disconnect(reply, signal, response, slotIndex(slot));
+    static const int slot = slotIndex("onReadOnceReplyHeader()");
+    disconnectReadyRead(reply, response, slot);
+}
+
+void ReplyWires::disconnectHead(QNetworkReply *reply, HttpResponse *response)
+{
+    static const int slot = slotIndex("onHandleHead()");
+    disconnectReadyRead(reply, response, slot);
 }

@@ -23,7 +23,10 @@ void connectNeeded(QNetworkReply *reply, HttpResponse *response, const HttpReque
 /// reply. May be called again.
 void connectFor(QNetworkReply *reply, HttpResponse *response, int signal);
 
-/// Ends the connection of readyRead() to the slot with the signature @p slot.
-void disconnectReadyRead(QNetworkReply *reply, HttpResponse *response, const char *slot);
+/// Ends the connection of readyRead() to the slot that opens a download's file.
+void disconnectOpening(QNetworkReply *reply, HttpResponse *response);
+
+/// Ends the connection of readyRead() to the slot that hands out the head.
+void disconnectHead(QNetworkReply *reply, HttpResponse *response);
 
 } // namespace ReplyWires
