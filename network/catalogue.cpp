@@ -39,20 +39,20 @@ constexpr struct
     {u"多情感", DUB_TYPE_EMOTIONAL},
 };
 
-constexpr char defaultPicture[] = "women_01.png";
+constexpr QStringView defaultPicture = u"women_01.png";
 
 // The stock pictures: their paths on the storage host, and the host's files for them.
 constexpr struct
 {
-    const char *path; // percent-encoded as the service sends it
-    const char *file;
+    QStringView path; // percent-encoded as the service sends it
+    QStringView file;
 } avatars[] = {
-    {"/speechdesk/voice_avatar/%E5%A5%B301.png", "women_01.png"},
-    {"/speechdesk/voice_avatar/%E5%A5%B302.png", "women_02.png"},
-    {"/speechdesk/voice_avatar/avatar_girl.png", "avatar_girl.png"},
-    {"/speechdesk/voice_avatar/%E7%94%B701.png", "man_01.png"},
-    {"/speechdesk/voice_avatar/%E7%94%B702.png", "man_02.png"},
-    {"/speechdesk/voice_avatar/avatar_children.png", "avatar_children.png"},
+    {u"/speechdesk/voice_avatar/%E5%A5%B301.png", u"women_01.png"},
+    {u"/speechdesk/voice_avatar/%E5%A5%B302.png", u"women_02.png"},
+    {u"/speechdesk/voice_avatar/avatar_girl.png", u"avatar_girl.png"},
+    {u"/speechdesk/voice_avatar/%E7%94%B701.png", u"man_01.png"},
+    {u"/speechdesk/voice_avatar/%E7%94%B702.png", u"man_02.png"},
+    {u"/speechdesk/voice_avatar/avatar_children.png", u"avatar_children.png"},
 };
 
 BgmInfo *bgmInfoFrom(const QJsonObject &track)
@@ -75,10 +75,14 @@ QList<DubInfo *> VoNetworker::GetDubList()
 
 void VoNetworker::slotGetDubListSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, getDubList)) {
-        const QJsonArray voices = data->toObject().value(QLatin1String("list")).toArray();
-        for (const QJsonValue &voice : voices)
-            dubList.append(dubInfoFrom(voice.toObject()));
+    if (auto data = ServiceEnvelope::read(jsonStr, getDubList)) {
+        QJsonArray voices = data->toObject().value(QLatin1String("list")).toArray();
+        data.reset(); // the voices have no other owner now, so each goes when it is replaced
+        dubList.reserve(voices.size());
+        for (int i = 0; i < voices.size(); ++i) {
+            dubList.append(dubInfoFrom(voices.at(i).toObject()));
+            voices.replace(i, QJsonValue()); // its memory serves the next record
+        }
     }
     endWait();
 }
@@ -124,9 +128,8 @@ DubInfo *VoNetworker::dubInfoFrom(const QJsonObject &voice)
     info->dubType = ConvertServerToClientDubType(info->category);
     info->scene = voice.value(QLatin1String("scene")).toString();
     info->audition_url = voice.value(QLatin1String("audition_url")).toString();
-    const QStringList features =
-        voice.value(QLatin1String("supportFeature")).toString().split(QLatin1Char(','));
-    for (const QString &feature : features) {
+    const QString features = voice.value(QLatin1String("supportFeature")).toString();
+    for (const QStringRef &feature : features.splitRef(QLatin1Char(','))) {
         info->supportTTS |= feature == shortSynthesis;
         info->supportLongTTS |= feature == longSynthesis;
     }
@@ -144,13 +147,17 @@ DubType VoNetworker::ConvertServerToClientDubType(QString category)
 
 QString VoNetworker::ConvertAvtUrlToClient(QString url)
 {
-    const QString storage =
-        QLatin1String("https://") + QLatin1String(BuildConstants::avatarStorageHost);
-    for (const auto &known : avatars) {
-        if (url == storage + QLatin1String(known.path))
-            return QLatin1String(known.file);
+    const QLatin1String scheme("https://");
+    const QLatin1String host(BuildConstants::avatarStorageHost);
+    const QStringView address(url);
+    if (address.startsWith(scheme) && address.mid(scheme.size()).startsWith(host)) {
+        const QStringView path = address.mid(scheme.size() + host.size());
+        for (const auto &known : avatars) {
+            if (path == known.path)
+                return known.file.toString();
+        }
     }
-    return QLatin1String(defaultPicture);
+    return defaultPicture.toString();
 }
 
 QString VoNetworker::DownloadAvt(QString url, QString savePath)
