@@ -43,6 +43,7 @@
 template <typename... Signatures>
 struct HttpCallbackFormList
 {
+    /// Whether @p Signature is one of the forms.
     template <typename Signature>
     static constexpr bool has = (std::is_same_v<Signature, Signatures> || ...);
 };

@@ -21,8 +21,9 @@ namespace HttpCallbackForms {
 template <typename Callable, typename = void>
 struct FormOf
 {
-    using Type = void;
+    using Type = void; ///< The form, or void.
 };
+/// @cond
 template <typename Callable>
 struct FormOf<Callable, std::void_t<decltype(&Callable::operator())>>
     : FormOf<decltype(&Callable::operator())>
@@ -55,6 +56,8 @@ struct FormOf<Result (Class::*)(Parameters...) const noexcept>
     : FormOf<Result (Class::*)(Parameters...)>
 {
 };
+
+/// @endcond
 
 /// The form of @p Callable, references and const apart.
 template <typename Callable>
@@ -96,8 +99,8 @@ struct Fits<Kind, Receiver, Target>
 /// A callback entry as HttpRequest::bind() takes it.
 struct Entry
 {
-    QString key;
-    QVariant target;
+    QString key;     ///< The slot text, or the name of a std::function type.
+    QVariant target; ///< The receiver, which is not owned, or the function.
 };
 
 /// The entry of a std::function; its key is the registered name of its type.
@@ -114,6 +117,7 @@ inline Entry slotEntry(const QObject *receiver, const QString &slot)
     return {slot, QVariant::fromValue(const_cast<QObject *>(receiver))};
 }
 
+/// The same for a slot text as SLOT() makes it.
 inline Entry slotEntry(const QObject *receiver, const char *slot)
 {
     return slotEntry(receiver, QString::fromLatin1(slot));

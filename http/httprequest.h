@@ -26,30 +26,30 @@ struct HttpRequestFields
     /// (key, target) pairs in binding order.
     using Callbacks = QList<QPair<QString, QVariant>>;
 
-    HttpMethod method = HttpMethod::Unknown;
-    HttpClient *client = nullptr;   ///< Sends the request; not owned.
+    HttpMethod method = HttpMethod::Unknown; ///< The verb.
+    HttpClient *client = nullptr;            ///< Sends the request; not owned.
     QNetworkReply *reply = nullptr; ///< Set by the toolkit in the copy that was sent; not owned.
     QNetworkRequest networkRequest; ///< Address and headers.
-    BodyType bodyType = BodyType::None;
-    QVariant body = QByteArray();      ///< What @c bodyType says.
-    qint32 timeoutMs = -1;             ///< Milliseconds; 0 and less: no limit.
-    bool block = false;                ///< send() waits for the reply.
-    qint32 retryCount = 0;             ///< How often a failure is sent again; 0 and less: never.
-    bool isRetry = false;              ///< Set by the toolkit in the copy that a retry sends.
-    qint32 repeatCount = 1;            ///< Attempts in all, retries apart; 1 and less: one.
-    QAuthenticator authenticator;      ///< Credentials; null: the receivers are asked.
-    qint32 maxAuthenticationTimes = 1; ///< Answers to authentication; negative: no limit.
-    qint64 readBufferSize = -1;        ///< Bytes; 0: no bound; negative: none, downloads 256 KiB.
-    QList<QSslError> ignoredSslErrors; ///< The TLS errors to expect.
-    bool isDownload = false;           ///< The body goes into a file.
-    QString downloadFilePath;          ///< Empty: the server or the address names the file.
-    bool enableResume = true;          ///< A partial file is continued.
-    bool supportsResume = false;       ///< Set by the toolkit: the server serves ranges.
-    qint64 downloadedBytes = 0;        ///< Set by the toolkit: bytes in the file.
-    qint64 totalBytes = 0;             ///< Set by the toolkit: bytes announced; 0: unknown.
-    QMap<int, Callbacks> callbacks;    ///< By CallbackKind.
-    QVariantMap extraMap1;             ///< The caller's; copied with the request, never read.
-    QVariantMap extraMap2;             ///< The caller's; copied with the request, never read.
+    BodyType bodyType = BodyType::None; ///< How the body is held and sent.
+    QVariant body = QByteArray();       ///< What @c bodyType says.
+    qint32 timeoutMs = -1;              ///< Milliseconds; 0 and less: no limit.
+    bool block = false;                 ///< send() waits for the reply.
+    qint32 retryCount = 0;              ///< How often a failure is sent again; 0 and less: never.
+    bool isRetry = false;               ///< Set by the toolkit in the copy that a retry sends.
+    qint32 repeatCount = 1;             ///< Attempts in all, retries apart; 1 and less: one.
+    QAuthenticator authenticator;       ///< Credentials; null: the receivers are asked.
+    qint32 maxAuthenticationTimes = 1;  ///< Answers to authentication; negative: no limit.
+    qint64 readBufferSize = -1;         ///< Bytes; 0: no bound; negative: none, downloads 256 KiB.
+    QList<QSslError> ignoredSslErrors;  ///< The TLS errors to expect.
+    bool isDownload = false;            ///< The body goes into a file.
+    QString downloadFilePath;           ///< Empty: the server or the address names the file.
+    bool enableResume = true;           ///< A partial file is continued.
+    bool supportsResume = false;        ///< Set by the toolkit: the server serves ranges.
+    qint64 downloadedBytes = 0;         ///< Set by the toolkit: bytes in the file.
+    qint64 totalBytes = 0;              ///< Set by the toolkit: bytes announced; 0: unknown.
+    QMap<int, Callbacks> callbacks;     ///< By CallbackKind.
+    QVariantMap extraMap1;              ///< The caller's; copied with the request, never read.
+    QVariantMap extraMap2;              ///< The caller's; copied with the request, never read.
     qint32 logLevel = HttpLogLevel::BadBindings; ///< What HttpLogLevel names with it and below.
 };
 
@@ -73,10 +73,13 @@ public:
     /// A request without address, headers and body. @p client sends it and is not owned; without a
     /// client nothing is sent.
     HttpRequest(HttpMethod method, HttpClient *client);
+    ///@{
+    /// Copies and moves; the pointers are shared.
     HttpRequest(const HttpRequest &) = default;
     HttpRequest(HttpRequest &&) = default;
     HttpRequest &operator=(const HttpRequest &) = default;
     HttpRequest &operator=(HttpRequest &&) = default;
+    ///@}
     virtual ~HttpRequest();
 
     /// Sets the address, parsed in tolerant mode.

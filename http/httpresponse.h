@@ -54,6 +54,7 @@ Q_SIGNALS:
     /// Another reply is served than before; it stays the toolkit's.
     void replyChanged(QNetworkReply *reply);
 
+    ///@{
     /// Success. Emitted in the order reply, nothing, body as bytes, text, map. The receiver of the
     /// reply owns it; what it reads from it is missing in the other forms.
     void finished(QNetworkReply *reply);
@@ -63,38 +64,50 @@ Q_SIGNALS:
     void finished(QVariantMap resultMap);
     /// The body read as UTF-8.
     void finished(QString result);
+    ///@}
 
     /// Declared for callbacks to attach to; never emitted. See downloadFileProgress().
     void downloadProgress(qint64, qint64);
     /// Bytes sent and in all; -1 where the total is unknown.
     void uploadProgress(qint64, qint64);
 
+    ///@{
     /// Final failure. Emitted in the order reply, nothing, code, text; the text is in the local
     /// 8-bit encoding. The receiver of the reply owns it.
     void error(QByteArray error);
     void error();
     void error(QNetworkReply::NetworkError error);
     void error(QNetworkReply *reply);
+    ///@}
 
+    ///@{
     /// The time-out ended the attempt; follows the error() family. Emitted in the order reply,
     /// nothing.
     void timeout();
     void timeout(QNetworkReply *reply);
+    ///@}
 
     /// Part of the body arrived. The reply stays the toolkit's.
     void readyRead(QNetworkReply *reply);
 
     /// Declared for callbacks to attach to; never emitted to a caller.
     void downloadFileNameChanged(QString fileName);
+
+    ///@{
     /// The file of a download is complete, unless an error was reported before; precedes the
     /// finished() family. @p file is its name as it was given.
     void downloadFileFinished();
     void downloadFileFinished(QString file);
+    ///@}
+
+    ///@{
     /// The file cannot be opened or written, in which case the exchange goes on, or the download
     /// failed; precedes the error() family. The text names address, file and fault.
     void downloadFileError();
     void downloadFileError(QString errorString);
+    ///@}
 
+    ///@{
     /// The events of the reply that have the same names, passed on.
     void encrypted();
     void metaDataChanged();
@@ -102,6 +115,7 @@ Q_SIGNALS:
     void redirectAllowed();
     void redirected(QUrl url);
     void sslErrors(QList<QSslError> errors);
+    ///@}
 
     /// This attempt was a retry; precedes its outcome.
     void retried();
@@ -111,9 +125,11 @@ Q_SIGNALS:
     /// The server asks for credentials and the request has none. To be filled in before the
     /// receiver returns.
     void authenticationRequired(QAuthenticator *authentication);
+    ///@{
     /// The server asks for the second time or later. The reply stays the toolkit's.
     void authenticationRequireFailed();
     void authenticationRequireFailed(QNetworkReply *);
+    ///@}
 
     /// The reply's headers, once, as soon as there is a body or an end.
     void head(QList<QNetworkReply::RawHeaderPair>);
@@ -124,6 +140,7 @@ Q_SIGNALS:
     void downloadFileProgress(qint64 bytesReceived, qint64 bytesTotal);
 
 protected:
+    /// Notes that @p signal has had a receiver.
     void connectNotify(const QMetaMethod &signal) override;
 
 private Q_SLOTS:

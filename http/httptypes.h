@@ -6,10 +6,10 @@
 enum class HttpMethod : qint32 {
     Unknown = 0, ///< No verb.
     Head = 1,    ///< May never finish; see docs/http-toolkit.md, "Known surprises".
-    Get = 2,
-    Put = 3,
-    Post = 4,
-    Delete = 5,
+    Get = 2,     ///< GET.
+    Put = 3,     ///< PUT.
+    Post = 4,    ///< POST.
+    Delete = 5,  ///< DELETE.
 };
 
 /// How the body of a request is held and sent.
@@ -24,29 +24,29 @@ enum class BodyType : qint32 {
 };
 
 /// The family of HttpResponse signals that a callback is attached to. Each is described at the
-/// operation of HttpRequest that has its name: onFinished() for Finished, and so on.
+/// operation of HttpRequest that stands beside it.
 enum class CallbackKind : qint32 {
-    Finished = 0,
-    Error = 1,
-    DownloadProgress = 2,
-    UploadProgress = 3,
-    Timeout = 4,
-    ReadyRead = 5,
-    DownloadFileFinished = 6,
-    DownloadFileError = 7,
-    Encrypted = 8,
-    MetaDataChanged = 9,
-    PreSharedKeyAuthenticationRequired = 10,
-    RedirectAllowed = 11,
-    Redirected = 12,
-    SslErrors = 13,
-    Retried = 14,
-    Repeated = 15,
-    AuthenticationRequired = 16,
-    AuthenticationRequireFailed = 17,
-    Head = 18,
-    DownloadFileProgress = 19,
-    DownloadFileNameChanged = 20,
+    Finished = 0,                            ///< onFinished().
+    Error = 1,                               ///< onError().
+    DownloadProgress = 2,                    ///< onDownloadProgress().
+    UploadProgress = 3,                      ///< onUploadProgress().
+    Timeout = 4,                             ///< onTimeout().
+    ReadyRead = 5,                           ///< onReadyRead().
+    DownloadFileFinished = 6,                ///< onDownloadFileFinished().
+    DownloadFileError = 7,                   ///< onDownloadFileError().
+    Encrypted = 8,                           ///< onEncrypted().
+    MetaDataChanged = 9,                     ///< onMetaDataChanged().
+    PreSharedKeyAuthenticationRequired = 10, ///< onPreSharedKeyAuthenticationRequired().
+    RedirectAllowed = 11,                    ///< onRedirectAllowed().
+    Redirected = 12,                         ///< onRedirected().
+    SslErrors = 13,                          ///< onSslErrors().
+    Retried = 14,                            ///< onRetried().
+    Repeated = 15,                           ///< onRepeated().
+    AuthenticationRequired = 16,             ///< onAuthenticationRequired().
+    AuthenticationRequireFailed = 17,        ///< onAuthenticationRequireFailed().
+    Head = 18,                               ///< onHead().
+    DownloadFileProgress = 19,               ///< onDownloadFileProgress().
+    DownloadFileNameChanged = 20,            ///< onDownloadFileNameChanged().
 };
 
 /// What a request logs to Qt's message stream. Each line names the lowest log level of the request

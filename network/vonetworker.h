@@ -66,8 +66,9 @@ protected:
     void DownloadLoginQrCode(QString qrUrl, QString savePath);
 
 protected Q_SLOTS:
-    // Called by the toolkit: jsonStr is the body of a reply, failInfo the text of a network error.
-    // Requests are bound to these slots by their names.
+    ///@{
+    /// Called by the toolkit: jsonStr is the body of a reply, failInfo the text of a network error.
+    /// Requests are bound to these slots by their names.
     void slotGetOssSignSuc(QByteArray jsonStr);
     void slotGetOssSignFail(QByteArray failInfo);
     void slotShortSTTSuc(QByteArray jsonStr);
@@ -98,6 +99,7 @@ protected Q_SLOTS:
     void slotSmsLoginFail(QByteArray failInfo);
     void slotRefreshTokenSuc(QByteArray jsonStr);
     void slotRefreshTokenFail(QByteArray failInfo);
+    ///@}
 
 private:
     QVariantMap commonHeaders() const;

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs, on Debian 12, those of the named packages that are missing. As root or with sudo.
-# Usage: scripts/install-packages.sh [build | test | check | fuzz | benchmark | PACKAGE ...]
+# Usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | PACKAGE ...]
 #   build (the default)  for building and running everything
 #   test                 build, the programs that the tests start, and ccache
 #   check                build, and the tools that check the sources
+#   docs                 what makes the documents
 #   fuzz                 build, and clang with its run-time libraries
 #   benchmark            build, libcurl, and the programs that measure and serve
 set -euo pipefail
@@ -13,6 +14,7 @@ build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev openssl ca-certificates)
 test=(ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
 check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev)
+docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 benchmark=(ccache iproute2 libcurl4-openssl-dev nginx-light python3 valgrind)
 
@@ -22,10 +24,11 @@ for name in "${@:-build}"; do
     build) wanted+=("${build[@]}") ;;
     test) wanted+=("${build[@]}" "${test[@]}") ;;
     check) wanted+=("${build[@]}" "${check[@]}") ;;
+    docs) wanted+=("${docs[@]}") ;;
     fuzz) wanted+=("${build[@]}" "${fuzz[@]}") ;;
     benchmark) wanted+=("${build[@]}" "${benchmark[@]}") ;;
     -*)
-        echo "usage: scripts/install-packages.sh [build | test | check | fuzz | benchmark | PACKAGE ...]" >&2
+        echo "usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | PACKAGE ...]" >&2
         exit 2
         ;;
     *) wanted+=("$name") ;;

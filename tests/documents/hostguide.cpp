@@ -9,6 +9,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QNetworkProxy>
 #include <QSslCertificate>
@@ -160,8 +161,8 @@ void signInByCode(VoNetworkIntf *service)
     QObject::connect(
         service, &VoNetworkIntf::signalGetLoginQrCodeEnd, service, [service](LoginQrCode *info) {
             const std::unique_ptr<LoginQrCode> code(info);
-            if (!code)
-                return; // the record may still come, without a picture
+            if (!code || QFileInfo(code->qrImagePath).size() == 0)
+                return; // no code, or none of its picture
             qInfo() << "scan" << code->qrImagePath << "before" << code->expire_time;
             service->GetLoginQrCodeStatus(code->business_code); // and again until there is a user
         });

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Draws the pictures of the documents, docs/*.dot, and makes build/docs/html of the public headers and
+# the documents; build/docs/html/index.html is the guide. A public name without a comment is an error.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-packages.sh docs
+
+for picture in docs/*.dot; do
+    dot -Tsvg "$picture" -o "${picture%.dot}.svg"
+done
+
+# The public headers are those in the lists of that name; generated ones are left out.
+public_headers() { # FOLDER
+    sed -n '/^set(public_headers/,/)/s/^ *\([a-z]*[.]h\).*/\1/p' "$1/CMakeLists.txt" | sed "s|^|$1/|"
+}
+inputs=({,localservice/,benchmarks/}README.md CONTRIBUTING.md CHANGELOG.md docs/*.md docs/decisions/*.md)
+for folder in http network; do
+    mapfile -t headers < <(public_headers "$folder")
+    [ ${#headers[@]} -gt 0 ] || { echo "docs: there are no public headers in $folder/" >&2; exit 1; }
+    inputs+=("${headers[@]}")
+done
+
+rm -rf build/docs
+mkdir -p build/docs
+{ cat docs/Doxyfile && echo "INPUT = ${inputs[*]}"; } | doxygen -
