@@ -40,16 +40,17 @@ struct HttpRequestFields
     QAuthenticator authenticator;       ///< Credentials; null: the receivers are asked.
     qint32 maxAuthenticationTimes = 1;  ///< Answers to authentication; negative: no limit.
     qint64 readBufferSize = -1;         ///< Bytes; 0: no bound; negative: none, downloads 256 KiB.
-    QList<QSslError> ignoredSslErrors;  ///< The TLS errors to expect.
-    bool isDownload = false;            ///< The body goes into a file.
-    QString downloadFilePath;           ///< Empty: the server or the address names the file.
-    bool enableResume = true;           ///< A partial file is continued.
-    bool supportsResume = false;        ///< Set by the toolkit: the server serves ranges.
-    qint64 downloadedBytes = 0;         ///< Set by the toolkit: bytes in the file.
-    qint64 totalBytes = 0;              ///< Set by the toolkit: bytes announced; 0: unknown.
-    QMap<int, Callbacks> callbacks;     ///< By CallbackKind.
-    QVariantMap extraMap1;              ///< The caller's; copied with the request, never read.
-    QVariantMap extraMap2;              ///< The caller's; copied with the request, never read.
+    bool gathersBody = false;          ///< The body leaves the reply as it arrives, into one array.
+    QList<QSslError> ignoredSslErrors; ///< The TLS errors to expect.
+    bool isDownload = false;           ///< The body goes into a file.
+    QString downloadFilePath;          ///< Empty: the server or the address names the file.
+    bool enableResume = true;          ///< A partial file is continued.
+    bool supportsResume = false;       ///< Set by the toolkit: the server serves ranges.
+    qint64 downloadedBytes = 0;        ///< Set by the toolkit: bytes in the file.
+    qint64 totalBytes = 0;             ///< Set by the toolkit: bytes announced; 0: unknown.
+    QMap<int, Callbacks> callbacks;    ///< By CallbackKind.
+    QVariantMap extraMap1;             ///< The caller's; copied with the request, never read.
+    QVariantMap extraMap2;             ///< The caller's; copied with the request, never read.
     qint32 logLevel = HttpLogLevel::BadBindings; ///< What HttpLogLevel names with it and below.
 };
 

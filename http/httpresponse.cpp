@@ -90,6 +90,12 @@ HttpResponse::~HttpResponse()
 
 const HttpRequest &HttpResponse::request() const { return m_request; }
 
+void HttpResponse::dropBody()
+{
+    if (m_told)
+        m_told->clear();
+}
+
 void HttpResponse::setRequest(const HttpRequest &request)
 {
     const bool changed = m_request.fields.reply != request.fields.reply;
@@ -108,6 +114,7 @@ void HttpResponse::serveRequest()
         HttpCallbackBinder::watchReceivers(fields); // it may go out again
     m_reply = fields.reply;
     m_isTaken = false;
+    m_body.clear();
     if (!m_reply)
         return;
     if (fields.isDownload)
@@ -243,14 +250,35 @@ bool HttpResponse::tellBody()
     if (!hasReceivers<finishedPlain>() && !hasReceivers<finishedBytes>()
         && !hasReceivers<finishedText>() && !hasReceivers<finishedMap>())
         return true;
-    const QByteArray body = m_reply->readAll();
-    if (!deliver<finishedPlain>() || !deliver<finishedBytes>(body))
+    const bool isGathered = m_request.fields.gathersBody;
+    if (isGathered)
+        gather();
+    QByteArray body = isGathered ? std::exchange(m_body, {}) : m_reply->readAll();
+    if (!deliver<finishedPlain>() || !tellBytes(&body))
         return false;
     // Text and map cost a copy of the body each, so they are made only for receivers.
     if (hasReceivers<finishedText>() && !deliver<finishedText>(QString::fromUtf8(body)))
         return false;
     return !hasReceivers<finishedMap>()
            || deliver<finishedMap>(QJsonDocument::fromJson(body).object().toVariantMap());
+}
+
+// What deliver() does, but without the copy that the signal's own function keeps until all
+// receivers have returned: dropBody() reaches the only one.
+bool HttpResponse::tellBytes(QByteArray *body)
+{
+    if (!hasReceivers<finishedBytes>())
+        return true;
+    static const int signal =
+        QMetaMethod::fromSignal(finishedBytes).methodIndex() - staticMetaObject.methodOffset();
+    const QPointer<HttpResponse> self(this);
+    const ReplyKeeper keeper(m_reply);
+    void *arguments[] = {nullptr, body};
+    m_told = body;
+    QMetaObject::activate(this, &staticMetaObject, signal, arguments);
+    if (self)
+        m_told = nullptr;
+    return !self.isNull();
 }
 
 bool HttpResponse::sendRetry()
@@ -351,8 +379,20 @@ void HttpResponse::onReadOnceReplyHeader()
 
 void HttpResponse::onReadyRead()
 {
+    if (m_request.fields.gathersBody)
+        gather();
     if (writeAvailable())
         deliver<&HttpResponse::readyRead>(m_reply.data());
+}
+
+// What the reply keeps of a long body are many pieces, and the C library does not give the memory
+// of freed ones back. Those that are taken as they arrive serve the next.
+void HttpResponse::gather()
+{
+    const int size = m_body.size();
+    m_body.resize(size + int(m_reply->bytesAvailable()));
+    const qint64 taken = m_reply->read(m_body.data() + size, m_body.size() - size);
+    m_body.truncate(size + int(qMax(taken, qint64(0))));
 }
 
 qint64 HttpResponse::readBufferBound() const

@@ -41,6 +41,11 @@ public:
     /// Ends an exchange that is under way; no callback follows.
     ~HttpResponse() override;
 
+    /// For a receiver of finished(QByteArray) that is through with a long body, while it is called
+    /// on the client's thread: the memory is free once the receiver's own copy is gone. What is
+    /// called after it gets an empty body. Has no effect at any other time.
+    void dropBody();
+
     /// Serves the reply of @p request from now on, and waits for it if the request blocks. The
     /// time-out begins once more. The toolkit's own, for the response of a download, which a caller
     /// has before there is a reply; hosts have no use for it.
@@ -179,11 +184,13 @@ private:
     void noteRedirect();
     bool isWriting() const;
     bool writeAvailable();
+    void gather();
     bool tellFileProblem(const QString &pattern);
 
     bool tellRetried();
     bool tellFileFinished();
     bool tellBody();
+    bool tellBytes(QByteArray *body);
     bool sendRetry();
     bool tellFileError();
     bool tellError();
@@ -196,6 +203,8 @@ private:
     QPointer<QNetworkReply> m_reply;
     bool m_isTaken = false;               ///< The reply is a receiver's.
     std::unique_ptr<DownloadFile> m_file; ///< Downloads only.
+    QByteArray m_body;                    ///< What has been gathered of the body.
+    QByteArray *m_told = nullptr;         ///< The body, while finished(QByteArray) is emitted.
     qint32 m_retriesLeft = 0;
     qint32 m_authenticationCount = 0;
     bool m_headHandled = false;

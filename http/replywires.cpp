@@ -23,6 +23,7 @@ constexpr auto replyError = QOverload<QNetworkReply::NetworkError>::of(&QNetwork
 enum class Need {
     Always,
     Download, ///< Those into a file.
+    Data,     ///< Those that take the data as it arrives.
     Bound,    ///< Those with a bound of the read buffer, which downloads have.
     Never
 };
@@ -72,7 +73,7 @@ const std::vector<Wire> &replyWires()
              &R::uploadProgress),
         wire(Need::Download, &Reply::readyRead, "onReadOnceReplyHeader()", nullptr),
         wire(Need::Always, &Reply::readyRead, "onHandleHead()", nullptr),
-        wire(Need::Download, &Reply::readyRead, "onReadyRead()", &R::readyRead),
+        wire(Need::Data, &Reply::readyRead, "onReadyRead()", &R::readyRead),
         wire(Need::Never, &Reply::encrypted, "onEncrypted()", &R::encrypted),
         wire(Need::Download, &Reply::metaDataChanged, "onMetaDataChanged()", &R::metaDataChanged),
         wire(Need::Bound, &Reply::redirected, "onRedirected(QUrl)", &R::redirected),
@@ -92,6 +93,8 @@ bool isNeeded(Need need, const HttpRequestFields &fields)
         return true;
     case Need::Download:
         return fields.isDownload;
+    case Need::Data:
+        return fields.isDownload || fields.gathersBody;
     case Need::Bound:
         return fields.isDownload || fields.readBufferSize >= 0;
     case Need::Never:

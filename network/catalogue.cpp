@@ -1,6 +1,5 @@
 #include "network/buildconstants.h"
 #include "network/filefetch.h"
-#include "network/serviceenvelope.h"
 #include "network/servicelog.h"
 #include "network/serviceoperation.h"
 #include "network/vonetworker.h"
@@ -75,7 +74,7 @@ QList<DubInfo *> VoNetworker::GetDubList()
 
 void VoNetworker::slotGetDubListSuc(QByteArray jsonStr)
 {
-    if (auto data = ServiceEnvelope::read(jsonStr, getDubList)) {
+    if (auto data = dataOf(&jsonStr, getDubList)) {
         QJsonArray voices = data->toObject().value(QLatin1String("list")).toArray();
         data.reset(); // the voices have no other owner now, so each goes when it is replaced
         dubList.reserve(voices.size());
@@ -103,7 +102,7 @@ QList<BgmInfo *> VoNetworker::GetBgmList()
 
 void VoNetworker::slotGetBgmListSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, getBgmList)) {
+    if (const auto data = dataOf(&jsonStr, getBgmList)) {
         const QJsonArray tracks = data->toArray(); // voices are a level deeper, in "list"
         for (const QJsonValue &track : tracks)
             bgmList.append(bgmInfoFrom(track.toObject()));

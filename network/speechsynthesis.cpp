@@ -51,7 +51,7 @@ void VoNetworker::TTS(TTSParams *params, bool anonymous, qint64 token)
 
 void VoNetworker::slotTTSSuc(QByteArray jsonStr)
 {
-    if (const auto data = ServiceEnvelope::read(jsonStr, tts))
+    if (const auto data = dataOf(&jsonStr, tts))
         Q_EMIT signalTTSRet(TTS_SUCCESS, data->toObject().value(QLatin1String("audio")).toString());
     else
         Q_EMIT signalTTSRet(TTS_FAILED, QString());

@@ -2,7 +2,9 @@
 
 #include "http/httpclient.h"
 #include "http/httprequest.h"
+#include "http/httpresponse.h"
 #include "network/buildconstants.h"
+#include "network/serviceenvelope.h"
 #include "network/serviceoperation.h"
 
 #include <QEventLoop>
@@ -96,12 +98,24 @@ void VoNetworker::issue(const ServiceOperation &operation, const QVariantMap &he
     HttpRequest request(operation.method, client);
     request.url(address).headers(headers);
     keepNoCookies(&request.fields.networkRequest);
+    request.fields.gathersBody = true; // replies are long: catalogues, recordings
     if (operation.method == HttpMethod::Post)
         request.jsonBody(body);
     const QVariant self = QVariant::fromValue(static_cast<QObject *>(this));
     request.bind(CallbackKind::Finished, slotKey(operation, "Suc"), self)
         .bind(CallbackKind::Error, slotKey(operation, "Fail"), self)
         .send();
+}
+
+/// Reads a long @p reply, which a slot has been called with, and lets go of its bytes: the host's
+/// records need the memory.
+std::optional<QJsonValue> VoNetworker::dataOf(QByteArray *reply, const ServiceOperation &operation)
+{
+    auto data = ServiceEnvelope::read(*reply, operation);
+    reply->clear();
+    if (auto *response = qobject_cast<HttpResponse *>(sender()))
+        response->dropBody();
+    return data;
 }
 
 // False when the host has released this object during the wait: nothing of it is left then.

@@ -3,7 +3,10 @@
 #include "network/vonetworkintf.h"
 
 #include <QByteArray>
+#include <QJsonValue>
 #include <QVariantMap>
+
+#include <optional>
 
 class HttpClient;
 class QEventLoop;
@@ -106,6 +109,7 @@ private:
     QVariantMap authorizedHeaders(qint64 token) const;
     void issue(const ServiceOperation &operation, const QVariantMap &headers,
                const QJsonObject &body, const QString &query = QString());
+    std::optional<QJsonValue> dataOf(QByteArray *reply, const ServiceOperation &operation);
     bool waitForAnswer();
     void endWait();
     DubInfo *dubInfoFrom(const QJsonObject &voice);
