@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Installs, on Debian 12, those of the named packages that are missing. As root or with sudo.
-# Usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | PACKAGE ...]
+# Usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | package | PACKAGE ...]
 #   build (the default)  for building and running everything
 #   test                 build, the programs that the tests start, and ccache
 #   check                build, and the tools that check the sources
 #   docs                 what makes the documents
 #   fuzz                 build, and clang with its run-time libraries
 #   benchmark            build, libcurl, and the programs that measure and serve
+#   package              build, and what makes and checks Debian packages
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
@@ -17,6 +18,7 @@ check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev)
 docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 benchmark=(ccache iproute2 libcurl4-openssl-dev nginx-light python3 valgrind)
+package=(ccache debootstrap dpkg-dev file lintian)
 
 wanted=()
 for name in "${@:-build}"; do
@@ -27,8 +29,9 @@ for name in "${@:-build}"; do
     docs) wanted+=("${docs[@]}") ;;
     fuzz) wanted+=("${build[@]}" "${fuzz[@]}") ;;
     benchmark) wanted+=("${build[@]}" "${benchmark[@]}") ;;
+    package) wanted+=("${build[@]}" "${package[@]}") ;;
     -*)
-        echo "usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | PACKAGE ...]" >&2
+        echo "usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | package | PACKAGE ...]" >&2
         exit 2
         ;;
     *) wanted+=("$name") ;;
