@@ -15,12 +15,12 @@ namespace {
 constexpr const char *initialContents = R"({
   "upgradeStatus": 0,
   "versionInfo": {
-    "version_code": "1.1.1.26",
+    "version_code": ")" LOCALSERVICE_NEWEST_VERSION R"(",
     "external_update_log": [
       "Signs in by QR code and by SMS code.",
       "Lists the voices and the background music of the service."
     ],
-    "url": "https://downloads.example/1.1.1.26"
+    "url": "https://downloads.example/)" LOCALSERVICE_NEWEST_VERSION R"("
   }
 }
 )";

@@ -4,8 +4,8 @@
 #include <QCoreApplication>
 #include <QtDebug>
 
-// A host that asks a service to speak which does not answer or is not trusted, and ends well when it
-// is told so.
+// A host that asks a service to speak which does not answer or is not trusted, and ends well when
+// it is told so.
 int main(int argc, char **argv)
 {
     QCoreApplication host(argc, argv);
