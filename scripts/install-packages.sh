@@ -18,7 +18,7 @@ check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev)
 docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 benchmark=(ccache iproute2 libcurl4-openssl-dev nginx-light python3 valgrind)
-package=(ccache debootstrap dpkg-dev file lintian)
+package=(ccache clang debootstrap dpkg-dev file lintian)
 
 wanted=()
 for name in "${@:-build}"; do

@@ -2,7 +2,7 @@
 # Builds the Debian packages, installs them in a fresh Debian 12, runs vospeak and the local service
 # there, removes the packages again, and fails if anything of them is left. Needs root, the network and
 # 1 GB. Besides the build it takes about three minutes, most of them for the fresh root with the
-# dependencies; that is kept in build/package/root, and then it takes half a minute.
+# dependencies; that is kept in build/package/root, and then it takes a minute.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 [ "$(id -u)" = 0 ] || { echo "test-packages: only root can make a fresh root" >&2; exit 1; }
@@ -75,6 +75,13 @@ inside vospeak --help >"$work/help"
 converse
 cp tests/consumer/project/main.cpp "$work"
 tests/consumer/pkg-config.sh c++ "$work" "$(dirname "$root"/usr/lib/*/pkgconfig/vonetwork.pc)"
+
+step "compile each header alone"
+for compiler in g++ clang++; do
+    for options in -std=c++17 -std=c++20 -std=c++2b "-fno-exceptions -fno-rtti -std=c++17"; do
+        tests/consumer/headers.sh "$root/usr/include/vonetwork" $compiler $options
+    done
+done
 
 step "remove"
 inside dpkg --purge "${packages[@]}" >/dev/null
