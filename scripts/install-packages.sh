@@ -13,7 +13,7 @@ set -euo pipefail
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
     libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev openssl ca-certificates)
-test=(ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
+test=(abigail-tools ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
 check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev)
 docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
