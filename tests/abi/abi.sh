@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Holds the binary interface of a build against the recorded one, or records it anew.
-# Usage: abi.sh check|accept library SHARED-LIBRARY     types, virtual functions and symbols
-#        abi.sh check|accept metaobjects PROGRAM        what PROGRAM prints: signals, slots, enumerations
+# Usage: abi.sh check|accept SUBJECT FILE    SUBJECT: library, the shared library; records, a library
+#                                            that names every record; metaobjects, a program that
+#                                            prints signals and slots
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
@@ -12,81 +13,86 @@ fail() {
     exit 1
 }
 
-# --- What the build has. Nothing of the machine and of the folders is in it.
-
-describe_library() { # FILE
-    command -v abidw >/dev/null || fail "there is no abidw; scripts/install-packages.sh test brings it"
+# What the build has. Nothing of the machine and of its folders is in it.
+describe() { # FILE
+    if [ "$subject" = metaobjects ]; then
+        "$1"
+        return
+    fi
+    command -v abidw >/dev/null ||
+        fail "there is no abidw; scripts/install-packages.sh test installs it"
     abidw --exported-interfaces-only --suppressions "$here/foreign-types.ini" \
         --no-corpus-path --no-comp-dir-path --no-show-locs --no-elf-needed --no-parameter-names \
-        --out-file "$scratch/library" "$1"
-    grep -q "class-decl name='VoNetworkIntf' size-in-bits" "$scratch/library" ||
+        --out-file "$scratch/types" "$1"
+    grep -q "class-decl name='TTSParams' size-in-bits" "$scratch/types" ||
         fail "$1 has no debug information"
-    sed "s| path='[^']*/| path='|" "$scratch/library"
+    sed "s| path='[^']*/| path='|" "$scratch/types"
 }
 
-describe_metaobjects() { # PROGRAM
-    "$1"
+# How the build differs; nothing where it does not. Both programs end with 1 or more then, abidiff with
+# bits, of which the lowest two say that it failed itself.
+compare() { # RECORDED FOUND
+    if [ "$subject" = metaobjects ]; then
+        diff --unchanged-line-format= --old-line-format='[D] %L' --new-line-format='[A] %L' "$@" ||
+            [ $? = 1 ] || fail "diff failed"
+    else
+        abidiff --leaf-changes-only --harmless --no-show-locs "$@" ||
+            [ $(($? & 3)) = 0 ] || fail "abidiff failed"
+    fi
 }
 
-# --- How the build differs. Prints nothing where it does not.
-
-compare_library() { # RECORDED FOUND
-    abidiff --harmless --no-show-locs "$1" "$2" || [ "$(($? & 3))" = 0 ] || fail "abidiff failed"
-}
-
-compare_metaobjects() { # RECORDED FOUND
-    diff --unchanged-line-format= --old-line-format='[D] %L' --new-line-format='[A] %L' "$1" "$2" ||
-        [ $? = 1 ] || fail "diff failed"
-}
-
-# --- What that does to hosts: a pattern of the difference, and the sentence.
-
-library_effects='
-\[D\]|What is marked [D] is gone. A host that uses it is not started any more: undefined symbol.
-vtable offset .* changed|The virtual functions have another order. A host that is not compiled again calls another operation than it means, and no message tells.
-adds a new entry to the vtable|A virtual function is new. Behind all others it breaks no host that only calls; a host with a subclass of its own of that class has no such entry, and breaks when it is called.
-removes an entry from the vtable|A virtual function is gone. A host that is not compiled again calls another operation than it means.
-type size changed|A class or record has another size. A host that is not compiled again makes and deletes it with the old size, and corrupts memory.
-data member|The fields of a record have changed. A host that is not compiled again reads and writes them at other places or takes one for another.
-enumerator|An enumeration has changed. A host that is not compiled again takes a value for another or for none.
-return type changed|parameter .* changed|A function takes or returns something else. A host that is not compiled again passes and reads the old.
-SONAME changed|The library has another name for the loader. A host that is not linked again is not started.
-\[A\]|What is marked [A] is new. That breaks no host; it is recorded so that it cannot go unseen.
+# What that does to hosts: a pattern of the difference, and a sentence. A host is one that was compiled
+# before.
+type_effects='
+\[D\]|What is marked [D] is gone: a host that uses it is not started any more (undefined symbol).
+vtable offset .* changed|Virtual functions have moved: a host calls another operation than it means, and no message tells.
+insertion|A function is new in a class. A virtual one behind all others breaks no host that only calls; a subclass in a host does not have it.
+deletion|Something is gone from a class, record or enumeration: a host uses what is not there.
+type size changed|A class or record has another size: a host makes and deletes it with the old one, and corrupts memory.
+data member|Fields have changed: a host reads and writes them at their old places, and takes one for another.
+enumerator|An enumeration has changed: a host takes a value for another, or for none.
+(return type|parameter [0-9]+ .*) changed|A function takes or returns something else: a host passes and reads the old.
+SONAME changed|The library has another name: a host that is not linked again does not find it.
+\[A\]|What is marked [A] is new: it breaks no host, and is recorded so that it cannot go unseen.
 '
-metaobjects_effects='
-\[D\]|What is marked [D] is gone, or has another index or other arguments. A host that connects to it by its text gets a warning and no signal, one that looks it up by its index gets another.
-\[A\]|What is marked [A] is new. Behind all others of its class it breaks no host.
+metaobject_effects='
+\[D\]|What is marked [D] is gone, or has another index or other arguments: a host that connects to it by its text gets a warning and never the signal, and one that looks it up by its index gets another.
+\[A\]|What is marked [A] is new: behind all others of its class it breaks no host.
 '
 
-explain() { # SUBJECT REPORT
-    local -n effects="$1_effects"
+explain() { # EFFECTS REPORT
     local line
     while IFS= read -r line; do
         [ -z "$line" ] || ! grep -qE -e "${line%|*}" "$2" || echo "- ${line##*|}"
-    done <<<"$effects"
+    done <<<"$1"
 }
 
-check() { # SUBJECT FOUND
-    compare_"$1" "$here/${recorded[$1]}" "$2" >"$scratch/report"
+check() { # RECORDED FOUND
+    compare "$1" "$2" >"$scratch/report"
     [ -s "$scratch/report" ] || return 0
     cat "$scratch/report"
     echo
-    echo "The binary interface differs from tests/abi/${recorded[$1]}:"
-    explain "$1" "$scratch/report"
+    echo "The binary interface is not that of tests/abi/${1##*/}:"
+    explain "$effects" "$scratch/report"
     cat <<'END'
-If that is not meant, undo the change. If it is meant:
-1. If hosts break, raise the first number of the version, and with it SOVERSION (docs/abi.md).
+If that is not meant, undo it. If it is meant:
+1. Where hosts break, raise the first number of the version, and with it SOVERSION (docs/abi.md).
 2. cmake --build --preset gcc --target accept-abi
-3. Commit what that writes into tests/abi together with the change, and tell it in CHANGELOG.md.
+3. Commit what that writes into tests/abi with the change, and say in CHANGELOG.md what hosts have to do.
 END
     exit 1
 }
 
-declare -A recorded=([library]=library.xml [metaobjects]=metaobjects.txt)
-[ $# = 3 ] && [ -n "${recorded[$2]:-}" ] || fail "usage: abi.sh check|accept library|metaobjects FILE"
-describe_"$2" "$3" >"$scratch/found"
+[ $# = 3 ] || fail "usage: abi.sh check|accept library|records|metaobjects FILE"
+subject=$2
+case $subject in
+library | records) recorded=$here/$subject.xml effects=$type_effects ;;
+metaobjects) recorded=$here/$subject.txt effects=$metaobject_effects ;;
+*) fail "no such subject: $subject" ;;
+esac
+describe "$3" >"$scratch/found"
 case $1 in
-check) check "$2" "$scratch/found" ;;
-accept) cp "$scratch/found" "$here/${recorded[$2]}" ;;
+check) check "$recorded" "$scratch/found" ;;
+accept) cp "$scratch/found" "$recorded" ;;
 *) fail "neither check nor accept: $1" ;;
 esac
