@@ -46,7 +46,7 @@ compare() { # RECORDED FOUND
 type_effects='
 \[D\]|What is marked [D] is gone: a host that uses it is not started any more (undefined symbol).
 vtable offset .* changed|Virtual functions have moved: a host calls another operation than it means, and no message tells.
-insertion|A function is new in a class. A virtual one behind all others breaks no host that only calls; a subclass in a host does not have it.
+member function insertion|A function is new in a class. A virtual one behind all others breaks no host that only calls; a subclass in a host does not have it.
 deletion|Something is gone from a class, record or enumeration: a host uses what is not there.
 type size changed|A class or record has another size: a host makes and deletes it with the old one, and corrupts memory.
 data member|Fields have changed: a host reads and writes them at their old places, and takes one for another.
