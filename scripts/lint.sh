@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Checks the layout of every source, builds all but the tests with clang and clazy (level 1), and
-# checks all with clang-tidy; compiler warnings are errors in either.
+# Checks the layout of every source, compiles the public headers as strict hosts do, builds all but the
+# tests with clang and clazy (level 1), and checks all with clang-tidy; compiler warnings are errors.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh check
 
 mapfile -t sources < <(git ls-files '*.cpp' '*.h')
 clang-format --dry-run --Werror "${sources[@]}"
+scripts/headers.sh
 
 # clazy is clang with a plugin: one build is both. The tests are not compiled besides, since
 # clang-tidy reports the compiler's warnings too; it needs what the meta-object compiler makes of them.
