@@ -23,10 +23,11 @@ describe() { # FILE
         fail "there is no abidw; scripts/install-packages.sh test installs it"
     abidw --exported-interfaces-only --suppressions "$here/foreign-types.ini" \
         --no-corpus-path --no-comp-dir-path --no-show-locs --no-elf-needed --no-parameter-names \
-        --out-file "$scratch/types" "$1"
+        --type-id-style hash --out-file "$scratch/types" "$1"
     grep -q "class-decl name='TTSParams' size-in-bits" "$scratch/types" ||
         fail "$1 has no debug information"
-    sed "s| path='[^']*/| path='|" "$scratch/types"
+    # Sources that add nothing stand in the order of their folders.
+    sed -e "s| path='[^']*/| path='|" -e "/<abi-instr /{N;/<\/abi-instr>/d}" "$scratch/types"
 }
 
 # How the build differs; nothing where it does not. Both programs end with 1 or more then, abidiff with
