@@ -8,6 +8,7 @@
 #include <QJsonObject>
 #include <QPointer>
 #include <QStringView>
+#include <QVector>
 
 namespace {
 
@@ -128,7 +129,8 @@ DubInfo *VoNetworker::dubInfoFrom(const QJsonObject &voice)
     info->scene = voice.value(QLatin1String("scene")).toString();
     info->audition_url = voice.value(QLatin1String("audition_url")).toString();
     const QString features = voice.value(QLatin1String("supportFeature")).toString();
-    for (const QStringRef &feature : features.splitRef(QLatin1Char(','))) {
+    const QVector<QStringRef> words = features.splitRef(QLatin1Char(','));
+    for (const QStringRef &feature : words) {
         info->supportTTS |= feature == shortSynthesis;
         info->supportLongTTS |= feature == longSynthesis;
     }
