@@ -4,11 +4,11 @@
 #include "http/httpclient.h"
 #include "http/httpdispatch.h"
 #include "http/httpresponse.h"
+#include "http/probeclient.h"
 #include "http/replykeeper.h"
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QThreadStorage>
 #include <QUrl>
 
 namespace {
@@ -18,15 +18,6 @@ constexpr qint64 probeBufferSize = 4096; // bytes; nobody reads what the probe b
 constexpr char rangeHeader[] = "Range";
 // The attribute that holds the caller's Range header while the toolkit's is in its place.
 constexpr auto callersRange = QNetworkRequest::UserMax;
-
-// The client of all probes of this thread: an access manager works on its own thread only.
-HttpClient *probeClient()
-{
-    static QThreadStorage<HttpClient *> clients; // owns them
-    if (!clients.hasLocalData())
-        clients.setLocalData(new HttpClient);
-    return clients.localData();
-}
 
 QString nameFromAddress(const QUrl &address)
 {
