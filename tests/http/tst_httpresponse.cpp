@@ -31,6 +31,33 @@ public:
     }
 };
 
+/// Gives its body in pieces, and need not tell how much there is.
+class SlowReader : public ControlledReply
+{
+public:
+    SlowReader(qint64 told, qint64 piece)
+        : ControlledReply(QNetworkAccessManager::GetOperation, QNetworkRequest(), nullptr)
+        , m_told(told)
+        , m_piece(piece)
+    {
+    }
+
+    qint64 bytesAvailable() const override
+    {
+        return m_told < 0 ? ControlledReply::bytesAvailable() : m_told;
+    }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        return ControlledReply::readData(data, qMin(maxSize, m_piece));
+    }
+
+private:
+    const qint64 m_told;  ///< Bytes; negative: as many as there are.
+    const qint64 m_piece; ///< Bytes.
+};
+
 /// Every signal but those that take the reply over, in the order of the meta-object.
 QStringList watchedSignals()
 {
@@ -196,6 +223,41 @@ private Q_SLOTS:
                                            "finished(bytes "_s + QString::fromLatin1(body) + ")"_s,
                                            "finished(text "_s + text + ")"_s,
                                            "finished(map "_s + map + ")"_s, "repeated()"_s}));
+    }
+
+    void theBodyIsWholeHoweverItIsRead_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<qint64>("told");
+        QTest::addColumn<qint64>("piece");
+        constexpr qint64 all = 1 << 20;
+        for (const int size : {0, 1, 16383, 16384, 16385, 100000}) {
+            for (const qint64 told : {-1, 0, 1, 100}) {
+                for (const qint64 piece : {qint64(5000), all})
+                    QTest::addRow("%d told as %lld in %lld", size, told, piece)
+                        << size << told << piece;
+            }
+        }
+    }
+    void theBodyIsWholeHoweverItIsRead()
+    {
+        QFETCH(int, size);
+        QFETCH(qint64, told);
+        QFETCH(qint64, piece);
+        QByteArray sent(size, 'x');
+        for (int i = 0; i < size; ++i)
+            sent[i] = char('a' + i % 23);
+        HttpRequest request(HttpMethod::Get, nullptr);
+        QByteArray got;
+        request.onFinished([&got](const QByteArray &body) { got = body; });
+        auto *reply = new SlowReader(told, piece); // deleted by its response
+        request.fields.reply = reply;
+        new HttpResponse(request, reply); // the reply's child
+        reply->receive(sent);
+        reply->succeed();
+        QCOMPARE(got, sent);
+        QCOMPARE(got.isNull(), size == 0);
+        QVERIFY(waitUntilGone(reply));
     }
 
     void theMapHoldsTheWholeObject()
