@@ -15,12 +15,12 @@ void registerFunctions(HttpCallbackFormList<Signatures...>)
 // look it up for every request, and a look-up that succeeds is the dearer one.
 bool registerAll()
 {
-    qRegisterMetaType<QNetworkReply *>("QNetworkReply*");
-    qRegisterMetaType<QNetworkReply::NetworkError>("QNetworkReply::NetworkError");
-    qRegisterMetaType<QSslPreSharedKeyAuthenticator *>("QSslPreSharedKeyAuthenticator*");
-    qRegisterMetaType<QList<QSslError>>("QList<QSslError>");
+    qRegisterMetaType<QNetworkReply *>();
+    qRegisterMetaType<QNetworkReply::NetworkError>();
+    qRegisterMetaType<QSslPreSharedKeyAuthenticator *>();
+    qRegisterMetaType<QList<QSslError>>();
     qRegisterMetaType<QList<QNetworkReply::RawHeaderPair>>("QList<QNetworkReply::RawHeaderPair>");
-    qRegisterMetaType<QMap<QString, QString>>("QMap<QString,QString>");
+    qRegisterMetaType<QMap<QString, QString>>();
 #define VOHTTP_REGISTER_FAMILY(KIND, ...)                                                          \
     registerFunctions(HttpCallbackFamily<CallbackKind::KIND>::Forms());
     VOHTTP_CALLBACK_FAMILIES(VOHTTP_REGISTER_FAMILY)
