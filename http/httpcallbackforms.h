@@ -117,10 +117,13 @@ inline Entry slotEntry(const QObject *receiver, const QString &slot)
     return {slot, QVariant::fromValue(const_cast<QObject *>(receiver))};
 }
 
+/// @p slot, which SLOT() has made, as a key; null for null.
+QString slotKey(const char *slot);
+
 /// The same for a slot text as SLOT() makes it.
 inline Entry slotEntry(const QObject *receiver, const char *slot)
 {
-    return slotEntry(receiver, QString::fromLatin1(slot));
+    return slotEntry(receiver, slotKey(slot));
 }
 
 /// A function that calls @p method of @p receiver, and does nothing once the receiver is gone. The
