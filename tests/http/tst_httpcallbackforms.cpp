@@ -290,6 +290,20 @@ private Q_SLOTS:
         QCOMPARE(m_receiver.calls, QStringList{"bytes"_s});
     }
 
+    void aSlotTextIsTakenAsItReadsWhenItIsBound()
+    {
+        QCOMPARE(HttpCallbackForms::slotKey(nullptr), QString());
+        char text[] = "1one()";
+        QCOMPARE(HttpCallbackForms::slotKey(text), "1one()"_s);
+        qstrcpy(text, "1two()"); // the same place
+        QCOMPARE(HttpCallbackForms::slotKey(text), "1two()"_s);
+        for (int i = 0; i < 3000; ++i) { // more than are kept
+            const QByteArray slot = "1slot" + QByteArray::number(i) + "()";
+            QCOMPARE(HttpCallbackForms::slotKey(slot.constData()), QString::fromLatin1(slot));
+        }
+        QCOMPARE(HttpCallbackForms::slotKey("1two()"), "1two()"_s);
+    }
+
     void aMemberIsCalledWhileItsReceiverLives()
     {
         ControlledClient client;
