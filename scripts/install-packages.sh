@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs, on Debian 12, those of the named packages that are missing. As root or with sudo.
-# Usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | package | PACKAGE ...]
+# Usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | package | windows | PACKAGE ...]
 #   build (the default)  for building and running everything
 #   test                 build, the programs that the tests start, and ccache
 #   check                build, and the tools that check the sources
@@ -8,6 +8,7 @@
 #   fuzz                 build, and clang with its run-time libraries
 #   benchmark            build, libcurl, and the programs that measure and serve
 #   package              build, and what makes and checks Debian packages
+#   windows              build, and what compiles for Windows and runs what comes of it
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
@@ -19,6 +20,7 @@ docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 benchmark=(ccache iproute2 libcurl4-openssl-dev nginx-light python3 valgrind)
 package=(ccache clang debootstrap dpkg-dev file lintian)
+windows=(dpkg-dev g++-mingw-w64-x86-64-posix make patch perl wine wine64 xz-utils)
 
 wanted=()
 for name in "${@:-build}"; do
@@ -30,8 +32,9 @@ for name in "${@:-build}"; do
     fuzz) wanted+=("${build[@]}" "${fuzz[@]}") ;;
     benchmark) wanted+=("${build[@]}" "${benchmark[@]}") ;;
     package) wanted+=("${build[@]}" "${package[@]}") ;;
+    windows) wanted+=("${build[@]}" "${windows[@]}") ;;
     -*)
-        echo "usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | package | PACKAGE ...]" >&2
+        echo "usage: scripts/install-packages.sh [build | test | check | docs | fuzz | benchmark | package | windows | PACKAGE ...]" >&2
         exit 2
         ;;
     *) wanted+=("$name") ;;
