@@ -15,7 +15,7 @@ build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-
     libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev openssl ca-certificates)
 test=(abigail-tools ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
-check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev)
+check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev g++-mingw-w64-x86-64-posix)
 docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 benchmark=(ccache iproute2 libcurl4-openssl-dev nginx-light python3 valgrind)
