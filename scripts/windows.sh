@@ -73,6 +73,7 @@ fetch_qt() {
     apt_source source --download-only qtbase-opensource-src
     rm -rf qtbase
     dpkg-source --no-check -x qtbase-opensource-src_*.dsc qtbase
+    sed -i '/^QMAKE_CFLAGS_OPTIMIZE/s/-O[23]/-O1/' qtbase/mkspecs/common/gcc-base.conf # compiles sooner
 }
 
 # Only the libraries, and only what TLS takes.
@@ -97,8 +98,9 @@ configure_qt() {
         -no-feature-accessibility -no-feature-concurrent \
         -qt-zlib -qt-pcre -qt-doubleconversion -qt-libpng -no-libjpeg -qt-freetype -qt-harfbuzz \
         -no-icu -no-glib -nomake examples -nomake tests -nomake tools
-    make qmake_all
 }
+
+qt_makefiles() { make -C "$work/qt" sub-src-qmake_all; }
 
 # A folder of Qt's sources. A plain make would build tools for this machine that nobody needs.
 qt() { # FOLDER...
@@ -120,6 +122,7 @@ once fetch_openssl
 once fetch_qt
 once openssl
 once configure_qt
+once qt_makefiles
 once qt_core
 once qt_network
 once qt_test

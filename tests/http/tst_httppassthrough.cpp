@@ -27,8 +27,9 @@ class TestHttpPassThrough : public QObject
 
     static QByteArray unauthorized()
     {
-        return ScriptedServer::reply("who?", "401 Unauthorized",
-                                     "WWW-Authenticate: Basic realm=\"here\"\r\n");
+        return ScriptedServer::reply(
+            "who?", "401 Unauthorized",
+            "WWW-Authenticate: Basic realm=\"here\"\r\nConnection: close\r\n");
     }
 
     /// Binds what is told of authentication.

@@ -1,18 +1,45 @@
 #include "tests/network/fakecommand.h"
 
-#include <QFile>
+#include "tests/support/testfolder.h"
 
-FakeCommand::FakeCommand(const QString &name, const QByteArray &script)
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+const char variable[] = "VONETWORK_FAKE_COMMAND"; // which the program looks up
+
+} // namespace
+
+FakeCommand::FakeCommand(const QString &name)
     : m_path(qgetenv("PATH"))
+    , m_outerCommand(qgetenv(variable))
 {
-    QFile file(m_folder.filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write("#!/bin/sh\n" + script + '\n') < 0)
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-    file.close();
-    file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
-    qputenv("PATH", QFile::encodeName(m_folder.path()) + ':' + m_path);
+    const QFileInfo program(QStringLiteral(FAKE_COMMAND));
+    const QString suffix =
+        program.suffix().isEmpty() ? QString() : QLatin1Char('.') + program.suffix();
+    const QString command = m_folder.filePath(name + suffix);
+    if (!QFile::copy(program.filePath(), command))
+        qFatal("cannot make %s", qPrintable(command));
+    const QByteArray folder = QFile::encodeName(m_folder.path());
+    qputenv(variable, folder);
+    qputenv("PATH", folder + QDir::listSeparator().toLatin1() + m_path);
 }
 
-FakeCommand::~FakeCommand() { qputenv("PATH", m_path); }
+FakeCommand::FakeCommand(const QString &name, const QByteArray &output)
+    : FakeCommand(name)
+{
+    TestFolder::write(m_folder.filePath(QStringLiteral("output")), output);
+}
 
-QString FakeCommand::folder() const { return m_folder.path(); }
+FakeCommand::~FakeCommand()
+{
+    qputenv("PATH", m_path);
+    qputenv(variable, m_outerCommand);
+}
+
+bool FakeCommand::hasEnded() const
+{
+    return QFile::exists(m_folder.filePath(QStringLiteral("ended")));
+}

@@ -28,8 +28,8 @@ QByteArray requestEnd(const QByteArray &body)
 {
     return "Content-Length: " + QByteArray::number(body.size())
            + "\r\nConnection: Keep-Alive\r\nAccept-Encoding: gzip, deflate\r\n"
-             "Accept-Language: en,*\r\nUser-Agent: Mozilla/5.0\r\n\r\n"
-           + body;
+             "Accept-Language: "
+           + acceptLanguage() + "\r\nUser-Agent: Mozilla/5.0\r\n\r\n" + body;
 }
 
 const QByteArray shortBody = R"({

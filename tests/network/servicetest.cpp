@@ -11,7 +11,7 @@
 void ServiceTest::initMain()
 {
     qputenv("LC_ALL", "C.UTF-8");
-    qputenv("TZ", "TEST-5:30");
+    qputenv("TZ", "TST-5:30");
 }
 
 void ServiceTest::init()

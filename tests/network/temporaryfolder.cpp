@@ -5,7 +5,12 @@
 
 namespace {
 
-const char variable[] = "TMPDIR"; // which Qt looks up each time
+// Which Qt, or the system for it, looks up each time.
+#ifdef Q_OS_WIN
+const char variable[] = "TMP";
+#else
+const char variable[] = "TMPDIR";
+#endif
 
 } // namespace
 

@@ -153,7 +153,8 @@ void TestAvatars::fetchesAPictureIntoAFile()
              QList<QByteArray>{"GET /a.png HTTP/1.1\r\nHost: localhost:"
                                + QByteArray::number(m_files->serverPort())
                                + "\r\nConnection: Keep-Alive\r\nAccept-Encoding: gzip, deflate\r\n"
-                                 "Accept-Language: en,*\r\nUser-Agent: Mozilla/5.0\r\n\r\n"});
+                                 "Accept-Language: "
+                               + acceptLanguage() + "\r\nUser-Agent: Mozilla/5.0\r\n\r\n"});
     release();
     QCOMPARE(logged(), QStringList{start("<temporary>/a.png"_s)});
     QCOMPARE(answers->calls(), QStringList());

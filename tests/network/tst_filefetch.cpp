@@ -111,7 +111,8 @@ void TestFileFetch::sendsAPlainGet()
              QList<QByteArray>{"GET " + sent + " HTTP/1.1\r\nHost: localhost:"
                                + QByteArray::number(m_files->serverPort())
                                + "\r\nConnection: Keep-Alive\r\nAccept-Encoding: gzip, deflate\r\n"
-                                 "Accept-Language: en,*\r\nUser-Agent: Mozilla/5.0\r\n\r\n"});
+                                 "Accept-Language: "
+                               + acceptLanguage() + "\r\nUser-Agent: Mozilla/5.0\r\n\r\n"});
     QCOMPARE(logged(), QStringList{start(address)});
 }
 

@@ -73,7 +73,7 @@ void TestRequests::carryTheDeviceIdentifierExceptGetOssSign()
     release();
     const QString name =
         QString::fromLatin1(BuildConstants::deviceIdCommand).section(QLatin1Char(' '), 0, 0);
-    const FakeCommand command(name, "printf 'UUID  \\r\\nF00D 1234  \\r\\n'");
+    const FakeCommand command(name, "UUID  \r\nF00D 1234  \r\n");
     service = VoNetwork::CreateVoNetworkIntf();
     answers = std::make_unique<Answers>(service);
     log->clear();

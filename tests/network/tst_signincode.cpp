@@ -163,7 +163,8 @@ void TestSignInCode::asksForThePictureWithoutAnyHeaderOfItsOwn()
              QList<QByteArray>{"GET /a%20b%20c?d=e HTTP/1.1\r\nHost: localhost:"
                                + QByteArray::number(m_files->serverPort())
                                + "\r\nConnection: Keep-Alive\r\nAccept-Encoding: gzip, deflate\r\n"
-                                 "Accept-Language: en,*\r\nUser-Agent: Mozilla/5.0\r\n\r\n"});
+                                 "Accept-Language: "
+                               + acceptLanguage() + "\r\nUser-Agent: Mozilla/5.0\r\n\r\n"});
 }
 
 void TestSignInCode::fetchesThePictureOverTls()

@@ -125,9 +125,9 @@ void TestVoNetwork::createsObjectsWithDeviceIdentifiersOfTheirOwn()
     const QString command =
         QString::fromLatin1(BuildConstants::deviceIdCommand).section(QLatin1Char(' '), 0, 0);
     server->answer(ScriptedServer::reply("{}"));
-    FakeCommand first(command, "echo first");
+    FakeCommand first(command, "first");
     VoNetworkIntf *one = VoNetwork::CreateVoNetworkIntf();
-    FakeCommand second(command, "echo second");
+    FakeCommand second(command, "second");
     VoNetworkIntf *two = VoNetwork::CreateVoNetworkIntf();
     Answers ones(one);
     Answers twos(two);

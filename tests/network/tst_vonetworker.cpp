@@ -3,7 +3,6 @@
 #include "tests/network/networker.h"
 #include "tests/network/servicetest.h"
 
-#include <QFile>
 #include <QMetaMethod>
 #include <QTest>
 
@@ -94,12 +93,18 @@ private Q_SLOTS:
     void yieldsNothingForACommandThatCannotRun();
 
 private:
-    static QString printed(const QByteArray &script, const QString &command)
+    /// What is read of @p command, a command line of vo-tool, that prints @p output.
+    static QString printed(const QByteArray &output, const QString &command)
     {
-        const FakeCommand tool(QStringLiteral("vo-tool"), script);
+        const FakeCommand tool("vo-tool"_s, output);
+        return read(command);
+    }
+
+    static QString read(const QString &command)
+    {
         const LogCapture log;
-        const QString output = Networker().runCommand(command);
-        return log.lines().isEmpty() ? output : "logged: "_s + log.lines().first().text;
+        const QString text = Networker().runCommand(command);
+        return log.lines().isEmpty() ? text : "logged: "_s + log.lines().first().text;
     }
 };
 
@@ -139,31 +144,29 @@ void TestVoNetworker::declaresNothingElse()
 
 void TestVoNetworker::cleansWhatACommandPrints_data()
 {
-    QTest::addColumn<QByteArray>("output"); // as printf takes it
+    QTest::addColumn<QByteArray>("output");
     QTest::addColumn<QString>("cleaned");
     const auto row = [](const char *title, const char *output, const char *cleaned) {
         QTest::newRow(title) << QByteArray(output) << QString::fromUtf8(cleaned);
     };
     row("a title and a value",
-        R"(UUID                                  \r\r\n)"
-        R"(4C4C4544-0042-3510  \r\r\n\r\r\n)",
+        "UUID                                  \r\r\n4C4C4544-0042-3510  \r\r\n\r\r\n",
         "4C4C4544-0042-3510");
     row("nothing", "", "");
-    row("the title alone", R"(UUID\r\n)", "");
-    row("blank lines alone", R"(\r\n \t \n)", "");
-    row("the title in any letter case", R"(uuidUUIDUuIda)", "a");
-    row("the title everywhere", R"(xUUIDyuuidz uuid 1uuid)", "xyz 1");
-    row("a title that forms by removal stays", R"(uuUUIDid)", "uuid");
-    row("a title across lines stays", R"(uu\nid)", "uuid");
-    row("a title across lines of the other kind stays", R"(uu\rid)", "uuid");
-    row("lines are joined without a blank", R"(a\nb\r\nc\rd)", "abcd");
-    row("runs of blanks become one", R"(  a \t b \013 c\f )", "a b c");
-    row("another script", R"(值 é UUID)", "值 é");
+    row("the title alone", "UUID\r\n", "");
+    row("blank lines alone", "\r\n \t \n", "");
+    row("the title in any letter case", "uuidUUIDUuIda", "a");
+    row("the title everywhere", "xUUIDyuuidz uuid 1uuid", "xyz 1");
+    row("a title that forms by removal stays", "uuUUIDid", "uuid");
+    row("a title across lines stays", "uu\nid", "uuid");
+    row("a title across lines of the other kind stays", "uu\rid", "uuid");
+    row("lines are joined without a blank", "a\nb\r\nc\rd", "abcd");
+    row("runs of blanks become one", "  a \t b \v c\f ", "a b c");
+    row("another script", "值 é UUID", "值 é");
     row("no-break blanks are blanks",
         "\xc2\xa0"
-        R"(a)"
-        "\xc2\xa0\xc2\xa0"
-        R"(b)",
+        "a\xc2\xa0\xc2\xa0"
+        "b",
         "a b");
 }
 
@@ -171,13 +174,13 @@ void TestVoNetworker::cleansWhatACommandPrints()
 {
     QFETCH(QByteArray, output);
     QFETCH(QString, cleaned);
-    QCOMPARE(printed("printf '" + output + '\'', "vo-tool csproduct get uuid"_s), cleaned);
+    QCOMPARE(printed(output, "vo-tool csproduct get uuid"_s), cleaned);
 }
 
 void TestVoNetworker::readsWhatACommandPrintsInTheMachinesCodePage()
 {
     const LocaleCodec western("windows-1252");
-    QCOMPARE(printed(R"(printf 'caf\351')", "vo-tool x"_s), "café"_s);
+    QCOMPARE(printed("caf\xe9", "vo-tool x"_s), "café"_s);
 }
 
 void TestVoNetworker::removesTheLastWordOfTheCommand_data()
@@ -204,7 +207,7 @@ void TestVoNetworker::removesTheLastWordOfTheCommand()
 {
     QFETCH(QString, command);
     QFETCH(QString, cleaned);
-    QCOMPARE(printed("echo one two vo-tool", command), cleaned);
+    QCOMPARE(printed("one two vo-tool", command), cleaned);
 }
 
 void TestVoNetworker::splitsACommandIntoItsArguments_data()
@@ -231,25 +234,23 @@ void TestVoNetworker::splitsACommandIntoItsArguments()
 {
     QFETCH(QString, command);
     QFETCH(QString, arguments);
-    QCOMPARE(printed(R"(for a in "$@"; do printf '[%s]' "$a"; done)", command), arguments);
+    const FakeCommand tool("vo-tool"_s);
+    QCOMPARE(read(command), arguments);
 }
 
 void TestVoNetworker::readsAllThatACommandPrints()
 {
     // More than a pipe holds at once, and nothing of what goes to standard error.
-    const QString output =
-        printed("i=0; while [ $i -lt 20000 ]; do echo 0123456789; i=$((i+1)); done; echo bad >&2",
-                "vo-tool x"_s);
-    QCOMPARE(output.size(), 200000);
-    QCOMPARE(output, "0123456789"_s.repeated(20000));
+    const QByteArray output = QByteArray("0123456789\n").repeated(20000);
+    QCOMPARE(printed(output, "vo-tool x"_s), "0123456789"_s.repeated(20000));
 }
 
 void TestVoNetworker::waitsForACommandToEnd()
 {
     // The command goes on after its output is closed: the end of that is not its own.
-    const FakeCommand tool("vo-tool"_s, "echo a; exec >&-; echo ended > \"${0%/*}/ended\"; exit 3");
+    const FakeCommand tool("vo-tool"_s, "a\n");
     QCOMPARE(Networker().runCommand("vo-tool x"_s), "a"_s);
-    QVERIFY(QFile::exists(tool.folder() + "/ended"_s));
+    QVERIFY(tool.hasEnded());
 }
 
 void TestVoNetworker::yieldsNothingForACommandThatCannotRun_data()
@@ -266,7 +267,7 @@ void TestVoNetworker::yieldsNothingForACommandThatCannotRun_data()
 void TestVoNetworker::yieldsNothingForACommandThatCannotRun()
 {
     QFETCH(QString, command);
-    QCOMPARE(printed("echo never", command), QString());
+    QCOMPARE(printed("never", command), QString());
 }
 
 QTEST_GUILESS_MAIN(TestVoNetworker)
