@@ -2,6 +2,7 @@
 # Shows VoNetwork at work on this machine: builds vospeak and the local service, signs in, lists
 # voices, music and updates, speaks a sentence and recognises it again, in one reply and as a task,
 # and compares. Keeps the audio in demo-output/. For a fresh Debian 12, as root or with sudo.
+# VOSPEAK in the environment is another program to take in the place of vospeak.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "$(dirname "$0")/.."
@@ -10,8 +11,10 @@ cd "$(dirname "$0")/.."
 sentence="Go forward ten meters."
 phone=+447700900123 # of a range that is kept for examples
 build=build/gcc
-vospeak=$build/examples/cli/vospeak
+vospeak=${VOSPEAK:-$build/examples/cli/vospeak}
 localservice=$build/localservice/vo-localservice
+programs=(vo-localservice)
+[ -n "${VOSPEAK:-}" ] || programs+=(vospeak)
 output=demo-output
 work=$(mktemp -d)
 export XDG_CONFIG_HOME=$work/config # the user's own session is left alone
@@ -55,7 +58,7 @@ show_last() { sed 's/^/      /' "$work/out"; }
 
 configure() { cmake --preset gcc; }
 
-build() { cmake --build --preset gcc --target vospeak vo-localservice; }
+build() { cmake --build --preset gcc --target "${programs[@]}"; }
 
 # Returns when the service says that it listens.
 start_service() {
@@ -122,7 +125,7 @@ compare() { # FILE
 echo "Building"
 step "install what is missing" scripts/install-packages.sh build
 step "configure ($build)" configure
-step "build vospeak and vo-localservice" build
+step "build ${programs[*]}" build
 
 address=$(base_address "$build")
 [[ $address =~ ^https://localhost:([0-9]+)$ ]] ||

@@ -11,6 +11,7 @@ target=x86_64-w64-mingw32
 work=$PWD/build/windows
 sources=$work/sources # of Qt and of OpenSSL
 root=$work/root       # where both are installed
+bin=$work/project/bin # all that is built of this project
 jobs=$(nproc)
 
 fail() {
@@ -115,6 +116,49 @@ qt_network() { qt network; }
 qt_test() { qt testlib; }
 qt_gui() { qt 3rdparty/libpng 3rdparty/freetype 3rdparty/harfbuzz-ng gui; }
 
+# CMake is to find this machine's programs of Qt, and the description of the compiler.
+qt_for_cmake() {
+    mkdir -p "$root/mkspecs"
+    cp -r "$sources"/qtbase/mkspecs/{common,features,win32-g++} "$root/mkspecs"
+    ln -sf /usr/lib/qt5/bin/{moc,rcc,qmake} "$root/bin"
+    sed -i "s|\".*/mkspecs/[^\"]*\"|\"$root/mkspecs/win32-g++\"|" \
+        "$root/lib/cmake/Qt5Core/Qt5CoreConfigExtrasMkspecDir.cmake"
+}
+
+build() {
+    cmake --preset windows
+    cmake --build --preset windows
+}
+
+# The DLLs that are deployed with a program, beside it.
+dlls() {
+    local name
+    cp -u "$root"/bin/*.dll "$bin"
+    for name in libstdc++-6 libgcc_s_seh-1 libwinpthread-1; do
+        cp -u "$($target-g++-posix -print-file-name=$name.dll)" "$bin"
+    done
+}
+
+wine_prefix() { wineboot --init; }
+
+# All programs of Wine have the network of its server, which is started anew within the right one.
+in_network() { # COMMAND...
+    wineserver --kill || true
+    if tests/own-network.sh true 2>/dev/null; then
+        tests/own-network.sh "$@"
+    else
+        "$@"
+    fi
+}
+
+demonstration() {
+    printf '#!/bin/sh\nexec wine %q "$@"\n' "$bin/vospeak.exe" >"$work/vospeak"
+    chmod +x "$work/vospeak"
+    VOSPEAK=$work/vospeak in_network scripts/demo.sh
+}
+
+tests() { in_network ctest --preset windows -j "$jobs"; }
+
 echo "What is needed"
 step packages
 once package_lists
@@ -127,3 +171,17 @@ once qt_core
 once qt_network
 once qt_test
 once qt_gui
+once qt_for_cmake
+
+echo "VoNetwork"
+. scripts/compiler-cache.sh
+step build
+step dlls
+
+echo "Run by Wine"
+export WINEPREFIX=$work/wine WINEDEBUG=-all
+once wine_prefix
+step demonstration
+sed 's/^/      /' "$work/log/demonstration"
+step tests
+tail -n 20 "$work/log/tests" | sed 's/^/      /'

@@ -1,5 +1,22 @@
 #include "tests/support/residentmemory.h"
 
+#include <QtGlobal>
+
+#ifdef Q_OS_WIN
+
+#include <qt_windows.h>
+
+#include <psapi.h>
+
+qint64 residentMemory()
+{
+    PROCESS_MEMORY_COUNTERS counters{};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+    return qint64(counters.WorkingSetSize);
+}
+
+#else
+
 #include "tests/support/testfolder.h"
 
 #include <QList>
@@ -10,3 +27,5 @@ qint64 residentMemory()
         TestFolder::contents(QStringLiteral("/proc/self/statm")).split(' ');
     return fields.value(1).toLongLong() * 4096;
 }
+
+#endif

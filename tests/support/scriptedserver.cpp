@@ -7,9 +7,13 @@
 #include <QSslSocket>
 #include <QTimer>
 
+#ifdef Q_OS_WIN
+#include <winsock2.h>
+#else
 #include <netinet/in.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#endif
 
 namespace {
 
@@ -26,9 +30,13 @@ int completeLength(const QByteArray &bytes)
     return bytes.size() >= length ? length : -1;
 }
 
-/// How many bytes the socket of this process whose own port is @p port has not read yet.
+/// How many bytes the socket of this process whose own port is @p port has not read yet. Where
+/// sockets cannot be listed, none.
 int unreadAt(quint16 port)
 {
+#ifdef Q_OS_WIN
+    Q_UNUSED(port)
+#else
     const QStringList descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList();
     for (const QString &name : descriptors) {
         sockaddr_in address{};
@@ -39,6 +47,7 @@ int unreadAt(quint16 port)
             && ::ioctl(name.toInt(), FIONREAD, &waiting) == 0)
             return waiting;
     }
+#endif
     return 0;
 }
 
@@ -173,7 +182,8 @@ void ScriptedServer::end(QTcpSocket *socket, Then then)
             ;
         // A socket whose linger time is 0 sends a reset when it is closed.
         const linger none{1, 0};
-        ::setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+        ::setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER,
+                     reinterpret_cast<const char *>(&none), sizeof none);
         socket->abort();
     } else {
         socket->flush();
