@@ -33,6 +33,18 @@ bool DownloadFile::open(const QString &name, bool isContinued)
     return !m_hasFailedToOpen;
 }
 
+// A name from a server has the quotation marks that stood around it.
+QString DownloadFile::nameProblem() const
+{
+#ifdef Q_OS_WIN
+    for (const QChar character : QStringLiteral("\"<>|?*")) {
+        if (name().contains(character))
+            return QStringLiteral(": Windows takes no %1 in a file name").arg(character);
+    }
+#endif
+    return {};
+}
+
 DownloadFile::Taken DownloadFile::takeFrom(QIODevice *source)
 {
     m_piece.resize(pieceSize);

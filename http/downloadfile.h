@@ -20,6 +20,10 @@ public:
     /// The name that open() was given; empty before.
     QString name() const { return m_file.fileName(); }
 
+    /// Follows a report that the file cannot be opened: what is wrong with its name, where that is
+    /// all that is wrong; else empty.
+    QString nameProblem() const;
+
     /// Bytes that were there and that the disk took.
     struct Taken
     {

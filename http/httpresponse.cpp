@@ -388,7 +388,7 @@ void HttpResponse::onReadOnceReplyHeader()
     if (m_file->open(fields.downloadFilePath, fields.supportsResume && fields.enableResume))
         return;
     boundReadBuffer();
-    tellFileProblem(QStringLiteral("Url: %1 %2 Non-Writable"));
+    tellFileProblem(QStringLiteral("Url: %1 %2 Non-Writable") + m_file->nameProblem());
 }
 
 void HttpResponse::onReadyRead()

@@ -224,6 +224,9 @@ void TestVoNetworker::splitsACommandIntoItsArguments_data()
                                                << "[a b][]"_s;
     QTest::newRow("three quotation marks are one") << R"(vo-tool """a""" z)"_s
                                                    << R"(["a"][])"_s;
+    QTest::newRow("a call of PowerShell")
+        << "vo-tool -Command (Get-CimInstance Win32_ComputerSystemProduct).UUID"_s
+        << "[-Command][(Get-CimInstance][]"_s;
     QTest::newRow("runs of blanks") << "vo-tool   a    b z"_s
                                     << "[a][b][]"_s;
     QTest::newRow("nothing is expanded") << "vo-tool $HOME *;b|c z"_s
