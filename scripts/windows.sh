@@ -121,8 +121,6 @@ qt_for_cmake() {
     mkdir -p "$root/mkspecs"
     cp -r "$sources"/qtbase/mkspecs/{common,features,win32-g++} "$root/mkspecs"
     ln -sf /usr/lib/qt5/bin/{moc,rcc,qmake} "$root/bin"
-    sed -i "s|\".*/mkspecs/[^\"]*\"|\"$root/mkspecs/win32-g++\"|" \
-        "$root/lib/cmake/Qt5Core/Qt5CoreConfigExtrasMkspecDir.cmake"
 }
 
 build() {
@@ -139,7 +137,12 @@ dlls() {
     done
 }
 
-wine_prefix() { wineboot --init; }
+# Programs of Qt write what they log to a debugger, unless they are told otherwise. Variables of that
+# name do not get through to them from outside.
+wine_prefix() {
+    wineboot --init
+    wine reg add 'HKCU\Environment' /v QT_FORCE_STDERR_LOGGING /d 1 /f
+}
 
 # All programs of Wine have the network of its server, which is started anew within the right one.
 in_network() { # COMMAND...
