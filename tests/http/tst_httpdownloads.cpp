@@ -7,6 +7,7 @@
 #include "tests/support/testfolder.h"
 
 #include <QFile>
+#include <QLibrary>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
@@ -32,6 +33,11 @@ class TestHttpDownloads : public QObject
     }
 
     /// Connections that the server still has.
+    static bool isUnderWine()
+    {
+        return QLibrary::resolve("ntdll"_s, "wine_get_version") != nullptr;
+    }
+
     static int connections(const ScriptedServer &server)
     {
         return server.findChildren<QTcpSocket *>().size();
@@ -315,6 +321,9 @@ private Q_SLOTS:
     void aDownloadThatIsDroppedWritesNothingMore()
     {
         QFETCH(bool, byClient);
+        if (!byClient && isUnderWine())
+            QSKIP(
+                "Wine does not tell the server of a reset that comes while Qt sets up its events");
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply("0123456789"));

@@ -108,6 +108,9 @@ private Q_SLOTS:
 
     void lineBreaksInTheNamesOfAFileFormAreEncoded()
     {
+#ifdef Q_OS_WIN
+        QSKIP("Windows stores no such name");
+#endif
         const QTemporaryDir folder;
         QFile file(folder.filePath("%2\r\nX-Evil: 1\r\n\r\n"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
