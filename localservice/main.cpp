@@ -10,6 +10,7 @@
 #include "localservice/data/certificate.h"
 #include "localservice/data/folderlock.h"
 #include "localservice/options.h"
+#include "localservice/pages/startpage.h"
 #include "localservice/server/operations.h"
 #include "localservice/server/router.h"
 #include "localservice/server/server.h"
@@ -170,7 +171,9 @@ void serve(const Options &options)
         {recognizer, synthesizer, data.storage, credentials, tasks, signIn.accounts},
         {origin, port, options.developmentToken, resultLifetime, credentialLifetime});
     const Operations operations(speechApi, signIn.api, catalogue, data.upgrade);
-    const Router router({operations, data.storage, credentials, signIn.page, catalogue}, origin);
+    const StartPage startPage(data.tls.authority.string());
+    const Router router({operations, data.storage, credentials, signIn.page, startPage, catalogue},
+                        origin);
     server.start(router);
 
     if (options.developmentToken)

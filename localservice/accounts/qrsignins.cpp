@@ -22,18 +22,19 @@ QrSignIns::QrSignIns(std::chrono::seconds lifetime)
 {
 }
 
-QrSignIn QrSignIns::begin()
+QrSignIn QrSignIns::begin(const std::string &application)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_entries.size() >= most)
         forget([](const Entry &entry) {
             const QrSignInState state = stateOf(entry);
-            return state == QrSignInState::Used || state == QrSignInState::Expired;
+            return state != QrSignInState::Waiting && state != QrSignInState::Confirmed;
         });
     if (m_entries.size() >= most)
         throw Refusal(Code::Busy, "too many sign-ins are waiting for a confirmation");
     Entry entry;
     entry.told = {randomId(), randomId(), randomId(), std::time(nullptr) + m_lifetime.count()};
+    entry.application = application;
     entry.expiration = std::chrono::steady_clock::now() + m_lifetime;
     m_entries.push_back(entry);
     return entry.told;
@@ -48,22 +49,24 @@ std::optional<std::string> QrSignIns::pageOf(const std::string &pictureSecret)
     return entry->told.pageSecret;
 }
 
-QrSignInState QrSignIns::state(const std::string &pageSecret, std::time_t *expires)
+ShownSignIn QrSignIns::show(const std::string &pageSecret)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const Entry *const entry = find(&QrSignIn::pageSecret, pageSecret);
-    if (entry)
-        *expires = entry->told.expires;
-    return entry ? stateOf(*entry) : QrSignInState::Unknown;
+    if (!entry)
+        return {};
+    const auto left = entry->expiration - std::chrono::steady_clock::now();
+    return {stateOf(*entry), entry->application, entry->told.expires,
+            std::chrono::ceil<std::chrono::seconds>(left)};
 }
 
-QrSignInState QrSignIns::confirm(const std::string &pageSecret)
+QrSignInState QrSignIns::decide(const std::string &pageSecret, QrSignInState decision)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     Entry *const entry = find(&QrSignIn::pageSecret, pageSecret);
     const QrSignInState before = entry ? stateOf(*entry) : QrSignInState::Unknown;
     if (before == QrSignInState::Waiting) {
-        entry->state = QrSignInState::Confirmed;
+        entry->state = decision;
         entry->expiration =
             std::max(entry->expiration, std::chrono::steady_clock::now() + timeToCollect);
     }

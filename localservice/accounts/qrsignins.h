@@ -14,6 +14,7 @@ enum class QrSignInState {
     Waiting,   ///< Somebody may confirm it.
     Confirmed, ///< Somebody has; who polls has not heard of it yet.
     Used,      ///< Who polls has heard of the confirmation.
+    Declined,  ///< Somebody has refused it.
     Expired,   ///< Nobody confirmed it, or who polls did not ask, in time.
     Unknown,   ///< There is none with that secret, or it expired some minutes ago.
 };
@@ -28,6 +29,15 @@ struct QrSignIn
     std::time_t expires = 0;   ///< Seconds since the epoch.
 };
 
+/// A sign-in by QR code as its page shows it.
+struct ShownSignIn
+{
+    QrSignInState state = QrSignInState::Unknown;
+    std::string application;      ///< As begin() was given it.
+    std::time_t expires = 0;      ///< Seconds since the epoch.
+    std::chrono::seconds left{0}; ///< Until it expires, rounded up.
+};
+
 /// The sign-ins by QR code that are going on. They live in memory: none survives the process. May
 /// be used by several threads.
 class QrSignIns
@@ -38,17 +48,17 @@ public:
     /// Each may be confirmed for @p lifetime.
     explicit QrSignIns(std::chrono::seconds lifetime);
 
-    /// Begins one; Refusal if there are too many.
-    QrSignIn begin();
+    /// Begins one for an application, whose name may be empty; Refusal if there are too many.
+    QrSignIn begin(const std::string &application);
 
     /// The page secret of a picture; nothing unless somebody may still confirm there.
     std::optional<std::string> pageOf(const std::string &pictureSecret);
 
-    /// The state and, unless that is unknown, in @p expires when the code expires.
-    QrSignInState state(const std::string &pageSecret, std::time_t *expires);
+    /// What is known of a sign-in.
+    ShownSignIn show(const std::string &pageSecret);
 
-    /// Confirms a sign-in that is waiting; returns the state from before.
-    QrSignInState confirm(const std::string &pageSecret);
+    /// Makes a sign-in that is waiting Confirmed or Declined; returns the state from before.
+    QrSignInState decide(const std::string &pageSecret, QrSignInState decision);
 
     /// The state for who polls. Confirmed is returned once; the sign-in is used from then on.
     QrSignInState collect(const std::string &pollSecret);
@@ -60,6 +70,7 @@ private:
     struct Entry
     {
         QrSignIn told;
+        std::string application;
         QrSignInState state = QrSignInState::Waiting;
         // Changes of the clock do not affect it, unlike the time that is told.
         std::chrono::steady_clock::time_point expiration;

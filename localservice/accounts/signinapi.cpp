@@ -16,7 +16,7 @@ constexpr int codeForSignIn = 1; // the only scene in which a code is sent
 // The values of "status" in the reply to who polls a sign-in by QR code.
 constexpr int waiting = 0;
 constexpr int confirmed = 1;
-constexpr int over = 2; // expired or already used
+constexpr int over = 2; // expired, declined or already used
 
 std::string timeText(std::int64_t time)
 {
@@ -46,9 +46,9 @@ SignInApi::SignInApi(const SignInServices &services, const std::string &origin)
 {
 }
 
-nlohmann::json SignInApi::qrCode()
+nlohmann::json SignInApi::qrCode(const std::string &application)
 {
-    const QrSignIn signIn = m_services.qrSignIns.begin();
+    const QrSignIn signIn = m_services.qrSignIns.begin(application);
     say("sign-in page " + m_origin + SignInPage::pathOf(signIn));
     return {{"url", m_origin + SignInPage::picturePathOf(signIn)},
             {"expire_time", signIn.expires},

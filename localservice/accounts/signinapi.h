@@ -29,8 +29,9 @@ public:
     /// @p origin, such as "https://localhost:8443", begins the addresses that are given out.
     SignInApi(const SignInServices &services, const std::string &origin);
 
-    /// Begins a sign-in by QR code; the address of its page goes to standard output as well.
-    nlohmann::json qrCode();
+    /// Begins a sign-in by QR code for @p application, whose name may be empty; the address of its
+    /// page goes to standard output as well.
+    nlohmann::json qrCode(const std::string &application);
 
     /// Tells who polls how far a sign-in by QR code has come, and signs in once it is confirmed.
     nlohmann::json qrStatus(const std::string &businessCode);

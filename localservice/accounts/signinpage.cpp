@@ -3,7 +3,6 @@
 #include "localservice/accounts/qrpicture.h"
 #include "localservice/base/refusal.h"
 
-#include <QCryptographicHash>
 #include <QDateTime>
 
 #include <cstring>
@@ -16,91 +15,128 @@ constexpr const char *pageFolder = "/signin/";
 constexpr const char *pictureFolder = "/signin-picture/";
 constexpr const char *pictureSuffix = ".png";
 
-// Each pair of colours has a contrast of 7 to 1 or more; those of the system differ between
-// browsers.
-constexpr const char *style = R"(
-:root{color-scheme:light dark}
-*{box-sizing:border-box}
-body{margin:0;padding:1.5rem;min-height:100vh;display:flex;align-items:center;justify-content:center;
-background:#eef2f7;color:#16202c;font:1.125rem/1.5 system-ui,sans-serif}
-main{width:100%;max-width:28rem;padding:2rem 1.5rem;border-radius:1rem;background:#fff;
-box-shadow:0 .25rem 1.5rem #16202c26}
-h1{margin:0 0 1rem;font-size:1.75rem;line-height:1.2}
-p{margin:0 0 1rem}
-p:last-child{margin:0}
-.note{color:#3b4856}
-button{width:100%;min-height:3.5rem;margin:.5rem 0 1.5rem;padding:.75rem 1rem;border:0;
-border-radius:.75rem;background:#0b4fa8;color:#fff;font:inherit;font-size:1.25rem;font-weight:600;
-cursor:pointer}
-button:hover{background:#083d84}
-button:focus-visible{outline:.2rem solid #0b4fa8;outline-offset:.2rem}
-@media (prefers-color-scheme:dark){
-body{background:#0e141b;color:#eef2f7}
-main{background:#1a232e;box-shadow:none}
-.note{color:#c3cedb}
-button{background:#9cc7ff;color:#06203f}
-button:hover{background:#c2ddff}
-button:focus-visible{outline-color:#9cc7ff}
-}
+constexpr const char *no = "answer=no"; // the body that the button "Not me" sends
+
+struct Texts
+{
+    Text title;
+    Text contents; ///< Names the {application}, the {account} and the {end} of the code.
+};
+
+constexpr Text namedApplication{"The application <strong>%1</strong>",
+                                "应用程序 <strong>%1</strong> "};
+constexpr Text unknownApplication{"An application", "一个应用程序"};
+
+constexpr Texts question{
+    {"Sign in?", "要登录吗？"},
+    {R"(<p>{application} on this computer asks to be signed in to the speech service as <strong>{account}</strong>.</p>
+<form method="post">
+<button>Sign in</button>
+<button class="other" name="answer" value="no">Not me</button>
+</form>
+<p class="note">The code expires at <time>{end}</time><span class="clock" aria-hidden="true">, in </span>.</p>
+)",
+     R"(<p>本机上的{application}请求以 <strong>{account}</strong> 的身份登录语音服务。</p>
+<form method="post">
+<button>登录</button>
+<button class="other" name="answer" value="no">不是我</button>
+</form>
+<p class="note">此二维码将于 <time>{end}</time> 过期<span class="clock" aria-hidden="true">，还剩 </span>。</p>
+)"}};
+
+constexpr Texts done{
+    {"Signed in", "已登录"},
+    {R"(<p role="status">{application} has been signed in as <strong>{account}</strong>.</p>
+<p class="note">You can close this page.</p>
+)",
+     R"(<p role="status">{application}已以 <strong>{account}</strong> 的身份登录。</p>
+<p class="note">您可以关闭此页面。</p>
+)"}};
+
+constexpr Texts declined{
+    {"Not signed in", "未登录"},
+    {R"(<p role="status">The sign-in has been declined. The code is of no use any more.</p>
+<p class="note">You can close this page.</p>
+)",
+     R"(<p role="status">登录请求已被拒绝，此二维码不再有效。</p>
+<p class="note">您可以关闭此页面。</p>
+)"}};
+
+constexpr Texts unknown{{"Unknown code", "未知二维码"},
+                        {R"(<p>There is no such code, or it expired some time ago.</p>
+<p class="note">Ask the application for a new code.</p>
+)",
+                         R"(<p>没有此二维码，或者它早已过期。</p>
+<p class="note">请在应用程序中获取新的二维码。</p>
+)"}};
+
+constexpr Texts expired{{"Code expired", "二维码已过期"},
+                        {R"(<p>This code has expired. Nothing has been signed in with it.</p>
+<p class="note">Ask the application for a new code.</p>
+)",
+                         R"(<p>此二维码已过期，没有应用程序用它登录。</p>
+<p class="note">请在应用程序中获取新的二维码。</p>
+)"}};
+
+constexpr Texts used{{"Code already used", "二维码已使用"},
+                     {R"(<p>This code has been used. It works only once.</p>
+<p class="note">Ask the application for a new code.</p>
+)",
+                      R"(<p>此二维码已被使用，每个二维码只能使用一次。</p>
+<p class="note">请在应用程序中获取新的二维码。</p>
+)"}};
+
+// %1 is the number of seconds that are left. Where the browser cannot count, the clock is not
+// shown: it does not know the property then that shows it. The buttons go at the end, too, which
+// the refresh may miss when the computer sleeps.
+constexpr const char *countdown =
+    R"(@property --left{syntax:"<integer>";inherits:true;initial-value:0}
+@property --minutes{syntax:"<integer>";inherits:true;initial-value:0}
+@property --shown{syntax:"<custom-ident>";inherits:true;initial-value:inline}
+@keyframes count{from{--left:%1}to{--left:0}}
+@keyframes go{to{visibility:hidden}}
+.clock{display:var(--shown,none);animation:count %1s steps(%1) both;
+--minutes:calc((var(--left) - 29.5)/60);
+counter-reset:minutes var(--minutes) seconds calc(var(--left) - 60*var(--minutes))}
+.clock::after{content:counter(minutes) ":" counter(seconds,decimal-leading-zero)}
+form{animation:go 0s %1s forwards}
 )";
 
-// Names an inline style in a content security policy.
-std::string sourceOf(const std::string &text)
+// Has the browser ask again when the code has expired.
+constexpr const char *refresh = "<meta http-equiv=\"refresh\" content=\"%1\">\n";
+
+QString applicationOf(const ShownSignIn &signIn, Language language)
 {
-    const QByteArray digest =
-        QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256);
-    return "'sha256-" + digest.toBase64().toStdString() + "'";
+    const QString name = QString::fromStdString(signIn.application).toHtmlEscaped();
+    return name.isEmpty() ? QString::fromUtf8(unknownApplication.in(language))
+                          : QString::fromUtf8(namedApplication.in(language)).arg(name);
 }
 
-std::string page(const std::string &title, const std::string &contents)
+PageContents contentsOf(const Texts &texts, const ShownSignIn &signIn, const QString &account,
+                        Language language)
 {
-    return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-           "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-           "<title>"
-           + title + "</title>\n<style>" + style + "</style>\n</head>\n<body>\n<main>\n<h1>" + title
-           + "</h1>\n" + contents + "</main>\n</body>\n</html>\n";
+    const QTime end = QDateTime::fromSecsSinceEpoch(signIn.expires).time();
+    QString html = QString::fromUtf8(texts.contents.in(language));
+    html.replace(QLatin1String("{account}"), account)
+        .replace(QLatin1String("{end}"), end.toString(Qt::ISODate))
+        .replace(QLatin1String("{application}"), applicationOf(signIn, language));
+    return {QString::fromUtf8(texts.title.in(language)), html};
 }
 
-SignInPage::Reply question(const std::string &account, std::time_t expires)
+Page noLonger(QrSignInState state, Language language)
 {
-    const QTime end = QDateTime::fromSecsSinceEpoch(expires).time();
-    return {200, page("Sign in?",
-                      "<p>The application that shows the code will be signed in to the speech "
-                      "service on this computer as <strong>"
-                          + account
-                          + "</strong>.</p>\n<form method=\"post\">\n"
-                            "<button type=\"submit\">Sign in</button>\n</form>\n"
-                            "<p class=\"note\">The code expires at <time>"
-                          + end.toString(Qt::ISODate).toStdString()
-                          + "</time>.</p>\n<p class=\"note\">If you have not asked for this, close "
-                            "this page; nothing happens then.</p>\n")};
-}
-
-SignInPage::Reply done(const std::string &account)
-{
-    return {200, page("Signed in",
-                      "<p role=\"status\">The application has been signed in as <strong>" + account
-                          + "</strong>.</p>\n"
-                            "<p class=\"note\">You can close this page.</p>\n")};
-}
-
-SignInPage::Reply refusal(int status, const std::string &title, const std::string &reason)
-{
-    return {status, page(title, "<p>" + reason
-                                    + "</p>\n<p class=\"note\">Ask the application for a new code "
-                                      "and scan that one.</p>\n")};
-}
-
-SignInPage::Reply noLonger(QrSignInState state)
-{
+    const auto page = [&](int status, const Texts &texts) {
+        return makePage(language, contentsOf(texts, {}, {}, language), status);
+    };
     switch (state) {
     case QrSignInState::Unknown:
-        return refusal(404, "Unknown code", "There is no such code, or it expired some time ago.");
+        return page(404, unknown);
     case QrSignInState::Expired:
-        return refusal(410, "Code expired",
-                       "This code has expired. Nothing has been signed in with it.");
+        return page(410, expired);
+    case QrSignInState::Declined:
+        return page(410, declined);
     default:
-        return refusal(410, "Code already used", "This code has been used. It works only once.");
+        return page(410, used);
     }
 }
 
@@ -111,7 +147,7 @@ std::string secretOf(const std::string &path) { return path.substr(std::strlen(p
 SignInPage::SignInPage(QrSignIns &signIns, const std::string &origin, const std::string &account)
     : m_signIns(signIns)
     , m_origin(origin)
-    , m_account(account)
+    , m_account(QString::fromStdString(account).toHtmlEscaped())
 {
 }
 
@@ -126,29 +162,28 @@ bool SignInPage::isPage(const std::string &path) { return path.rfind(pageFolder,
 
 bool SignInPage::isPicture(const std::string &path) { return path.rfind(pictureFolder, 0) == 0; }
 
-const std::map<std::string, std::string> &SignInPage::headers()
+Page SignInPage::show(const std::string &path, Language language)
 {
-    static const std::map<std::string, std::string> all{
-        {"Content-Security-Policy", "default-src 'none'; style-src " + sourceOf(style)
-                                        + "; form-action 'self'; base-uri 'none'; "
-                                          "frame-ancestors 'none'"},
-        {"Referrer-Policy", "no-referrer"},
-        {"X-Content-Type-Options", "nosniff"},
-    };
-    return all;
+    const ShownSignIn signIn = m_signIns.show(secretOf(path));
+    if (signIn.state != QrSignInState::Waiting)
+        return noLonger(signIn.state, language);
+    PageContents contents = contentsOf(question, signIn, m_account, language);
+    contents.head = QString::fromUtf8(refresh).arg(signIn.left.count());
+    contents.style = QString::fromUtf8(countdown).arg(signIn.left.count());
+    return makePage(language, contents);
 }
 
-SignInPage::Reply SignInPage::show(const std::string &path)
+Page SignInPage::answer(const std::string &path, const std::string &body, Language language)
 {
-    std::time_t expires = 0;
-    const QrSignInState state = m_signIns.state(secretOf(path), &expires);
-    return state == QrSignInState::Waiting ? question(m_account, expires) : noLonger(state);
-}
-
-SignInPage::Reply SignInPage::confirm(const std::string &path)
-{
-    const QrSignInState before = m_signIns.confirm(secretOf(path));
-    return before == QrSignInState::Waiting ? done(m_account) : noLonger(before);
+    if (!body.empty() && body != no)
+        throw Refusal(Code::Malformed, "the answer is not understood");
+    const auto decision = body.empty() ? QrSignInState::Confirmed : QrSignInState::Declined;
+    const ShownSignIn signIn = m_signIns.show(secretOf(path));
+    const QrSignInState before = m_signIns.decide(secretOf(path), decision);
+    if (before != QrSignInState::Waiting)
+        return noLonger(before, language);
+    return makePage(language,
+                    contentsOf(body.empty() ? done : declined, signIn, m_account, language));
 }
 
 std::string SignInPage::picture(const std::string &path)

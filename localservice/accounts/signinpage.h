@@ -1,8 +1,10 @@
 #pragma once
 
 #include "localservice/accounts/qrsignins.h"
+#include "localservice/pages/page.h"
 
-#include <map>
+#include <QString>
+
 #include <string>
 
 namespace localservice {
@@ -12,13 +14,6 @@ namespace localservice {
 class SignInPage
 {
 public:
-    /// A page: the HTTP status, and HTML in UTF-8.
-    struct Reply
-    {
-        int status = 200;
-        std::string html;
-    };
-
     /// @p signIns outlives this; @p origin begins the address that the pictures show, and
     /// @p account names who is signed in.
     SignInPage(QrSignIns &signIns, const std::string &origin, const std::string &account);
@@ -31,17 +26,14 @@ public:
     static bool isPage(const std::string &path);
     static bool isPicture(const std::string &path);
 
-    /// The headers of every page. They keep a browser from loading anything into it, sending its
-    /// address elsewhere and showing it in a frame.
-    static const std::map<std::string, std::string> &headers();
+    /// The page with the buttons, or one that says why there are none: status 404 for an unknown
+    /// code, 410 for one that has expired, was used or was declined. Nothing is changed by it.
+    Page show(const std::string &path, Language language);
 
-    /// The page with the button, or one that says why there is none: status 404 for an unknown
-    /// code, 410 for one that has expired or was used. Nothing is changed by it.
-    Reply show(const std::string &path);
-
-    /// Confirms the sign-in and returns a page that says so, or why that is not possible, with the
-    /// statuses of show().
-    Reply confirm(const std::string &path);
+    /// Takes what a button sends: nothing confirms the sign-in, "answer=no" declines it, and for
+    /// everything else there is a Refusal. Returns a page that says what was done, or why that is
+    /// not possible, with the statuses of show().
+    Page answer(const std::string &path, const std::string &body, Language language);
 
     /// The QR code of the page as a PNG file; Refusal if there is no such picture, or no longer.
     std::string picture(const std::string &path);
@@ -49,7 +41,7 @@ public:
 private:
     QrSignIns &m_signIns;
     std::string m_origin;
-    std::string m_account;
+    QString m_account; // in HTML
 };
 
 } // namespace localservice

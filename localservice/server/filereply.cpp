@@ -74,6 +74,7 @@ const char *typeOf(const std::string &path)
     const std::string suffix = path.substr(std::min(path.size(), path.rfind('.')));
     return suffix == ".wav"   ? "audio/wav"
            : suffix == ".png" ? "image/png"
+           : suffix == ".svg" ? "image/svg+xml"
                               : "application/octet-stream";
 }
 

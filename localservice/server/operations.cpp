@@ -1,5 +1,8 @@
 #include "localservice/server/operations.h"
 
+#include "localservice/server/connections.h"
+#include "localservice/server/peerprogram.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -47,7 +50,7 @@ Operations::Operations(SpeechApi &speech, SignInApi &signIn, Catalogue &catalogu
     add("GET", speechPrefix, "asr/getBackgroundMusic",
         [&](const Question &) { return catalogue.music(); });
     add("GET", accountPrefix, "login/getMpQrCode",
-        [&](const Question &) { return signIn.qrCode(); });
+        [&](const Question &) { return signIn.qrCode(peerProgram(Connections::ofThisThread())); });
     add("GET", accountPrefix, "login/getMpStatus",
         [&](const Question &q) { return signIn.qrStatus(q.parameter("business_code")); });
     add("POST", accountPrefix, "verify/sms",

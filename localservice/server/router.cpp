@@ -52,6 +52,20 @@ OpenObject inMemory(const std::string &bytes)
     return {std::make_shared<std::istringstream>(bytes), bytes.size()};
 }
 
+Language languageOf(const httplib::Request &request)
+{
+    return preferredLanguage(request.get_header_value("Accept-Language"));
+}
+
+void setPage(httplib::Response &response, const Page &page)
+{
+    requestNotes().code = page.status == 200 ? Code::Ok : static_cast<Code>(page.status);
+    response.status = page.status;
+    for (const auto &[name, value] : page.headers)
+        response.set_header(name, value);
+    response.set_content(page.html, "text/html;charset=utf-8");
+}
+
 } // namespace
 
 Router::Router(const Parts &parts, const std::string &origin)
@@ -97,9 +111,13 @@ void Router::serve(const httplib::Request &request, httplib::Response &response,
     if (Storage::isResponsible(path))
         serveObject(request, response, path, body);
     else if (SignInPage::isPage(path))
-        servePage(request, response, path);
+        setPage(response, signInPage(request, path, body));
     else if (SignInPage::isPicture(path) && isReading(request))
         setFile(request, response, path, inMemory(m_parts.signInPage.picture(path)));
+    else if (path == StartPage::path && isReading(request))
+        setPage(response, m_parts.startPage.show(languageOf(request)));
+    else if (path == iconPath && isReading(request))
+        setFile(request, response, path, inMemory(icon()));
     else if (Catalogue::isResponsible(path) && isReading(request))
         setFile(request, response, path, inMemory(m_parts.catalogue.file(path)));
     else
@@ -128,20 +146,16 @@ void Router::serveObject(const httplib::Request &request, httplib::Response &res
     }
 }
 
-void Router::servePage(const httplib::Request &request, httplib::Response &response,
-                       const std::string &path) const
+Page Router::signInPage(const httplib::Request &request, const std::string &path,
+                        const std::string &body) const
 {
-    if (!isReading(request) && request.method != "POST")
+    if (isReading(request))
+        return m_parts.signInPage.show(path, languageOf(request));
+    if (request.method != "POST")
         refuseUnknown();
-    if (!isReading(request) && (isFromElsewhere(request) || hasOtherOrigin(request)))
+    if (isFromElsewhere(request) || hasOtherOrigin(request))
         throw Refusal(Code::Forbidden, "only the page itself can confirm");
-    const SignInPage::Reply reply =
-        isReading(request) ? m_parts.signInPage.show(path) : m_parts.signInPage.confirm(path);
-    requestNotes().code = reply.status == 200 ? Code::Ok : static_cast<Code>(reply.status);
-    response.status = reply.status;
-    for (const auto &[name, value] : SignInPage::headers())
-        response.set_header(name, value);
-    response.set_content(reply.html, "text/html;charset=utf-8");
+    return m_parts.signInPage.answer(path, body, languageOf(request));
 }
 
 } // namespace localservice

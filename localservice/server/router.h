@@ -2,6 +2,7 @@
 
 #include "localservice/accounts/signinpage.h"
 #include "localservice/catalogue/catalogue.h"
+#include "localservice/pages/startpage.h"
 #include "localservice/server/operations.h"
 #include "localservice/storage/credentials.h"
 #include "localservice/storage/storage.h"
@@ -25,6 +26,7 @@ public:
         Storage &storage;
         const Credentials &credentials;
         SignInPage &signInPage;
+        const StartPage &startPage;
         Catalogue &catalogue;
     };
 
@@ -44,8 +46,8 @@ private:
                const std::string &path, const std::string &body) const;
     void serveObject(const httplib::Request &request, httplib::Response &response,
                      const std::string &path, const std::string &body) const;
-    void servePage(const httplib::Request &request, httplib::Response &response,
-                   const std::string &path) const;
+    Page signInPage(const httplib::Request &request, const std::string &path,
+                    const std::string &body) const;
 
     const Parts m_parts;
     const std::string m_origin;
