@@ -95,7 +95,7 @@ constexpr const char *countdown =
 @property --shown{syntax:"<custom-ident>";inherits:true;initial-value:inline}
 @keyframes count{from{--left:%1}to{--left:0}}
 @keyframes go{to{visibility:hidden}}
-.clock{display:var(--shown,none);animation:count %1s steps(%1) both;
+.clock{display:var(--shown,none);white-space:nowrap;animation:count %1s steps(%1) both;
 --minutes:calc((var(--left) - 29.5)/60);
 counter-reset:minutes var(--minutes) seconds calc(var(--left) - 60*var(--minutes))}
 .clock::after{content:counter(minutes) ":" counter(seconds,decimal-leading-zero)}

@@ -18,15 +18,16 @@ box-shadow:0 .25rem 1.5rem #16202c26}
 img{display:block;width:3.5rem;height:3.5rem;margin:0 0 1rem}
 h1{margin:0 0 1rem;font-size:1.75rem;line-height:1.2}
 h2{margin:1.5rem 0 .5rem;font-size:1.25rem;line-height:1.3}
-p,ul{margin:0 0 1rem}
-ul{padding-left:1.25rem}
-p:last-child,ul:last-child{margin:0}
-code{font-size:.9375rem;overflow-wrap:anywhere}
+p,pre{margin:0 0 1rem}
+p:last-child{margin:0}
+code,pre{font-size:.9375rem;overflow-wrap:anywhere}
+pre{padding:.75rem;border-radius:.5rem;background:#eef2f7;overflow-x:auto}
 .note{color:#3b4856}
 form{margin:1.5rem 0}
-button{width:100%;min-height:3.5rem;margin:0 0 .75rem;padding:.75rem 1rem;border:.125rem solid #0b4fa8;
+button{width:100%;min-height:3.5rem;margin:0;padding:.75rem 1rem;border:.125rem solid #0b4fa8;
 border-radius:.75rem;background:#0b4fa8;color:#fff;font:inherit;font-size:1.25rem;font-weight:600;
 cursor:pointer}
+button+button{margin-top:.75rem}
 button:hover{background:#083d84}
 button.other{background:none;color:#0b4fa8}
 button.other:hover{background:#e3edfa}
@@ -34,6 +35,7 @@ button:focus-visible{outline:.2rem solid #0b4fa8;outline-offset:.2rem}
 @media (prefers-color-scheme:dark){
 body{background:#0e141b;color:#eef2f7}
 main{background:#1a232e;box-shadow:none}
+pre{background:#0e141b}
 .note{color:#c3cedb}
 button{border-color:#9cc7ff;background:#9cc7ff;color:#06203f}
 button:hover{background:#c2ddff}

@@ -51,10 +51,15 @@ bool LocalService::startWithoutDevelopmentToken(const QStringList &furtherArgume
     return m_readyLine.endsWith('\n');
 }
 
-int LocalService::stop(int signal)
+void LocalService::send(int signal)
 {
     if (m_process.processId() > 0)
         ::kill(static_cast<pid_t>(m_process.processId()), signal);
+}
+
+int LocalService::stop(int signal)
+{
+    send(signal);
     const bool ended =
         m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patienceMs);
     return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;

@@ -26,6 +26,9 @@ public:
     /// Starts without the development token: only signing in brings tokens then.
     bool startWithoutDevelopmentToken(const QStringList &furtherArguments = {});
 
+    /// Sends the signal.
+    void send(int signal);
+
     /// Sends the signal and waits for the end. Returns the exit status; -1: a crash or no end.
     int stop(int signal);
 

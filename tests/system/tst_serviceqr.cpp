@@ -1,13 +1,21 @@
 #include "tests/support/patience.h"
 #include "tests/system/localservice.h"
+#include "tests/system/serviceaddress.h"
 #include "tests/system/signinsteps.h"
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonValue>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslSocket>
+#include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QUrl>
+#include <QXmlStreamReader>
 #include <QtTest>
 
 #include <csignal>
@@ -189,6 +197,8 @@ private Q_SLOTS:
         const auto page = m_steps->client().get(m_page);
         QCOMPARE(page.status, 410);
         QVERIFY2(page.body.contains("<h1>Code expired</h1>"), page.body.constData());
+        QVERIFY2(!page.body.contains("<button"), page.body.constData());
+        QCOMPARE(titleOf(viewed("Accept-Language: zh\r\n")), QByteArray("二维码已过期"));
         QCOMPARE(m_steps->client().head(m_page).status, 410);
         QCOMPARE(m_steps->client().postTo(m_page).status, 410);
         QCOMPARE(m_steps->client().get(pictureAddress()).status, 404);
@@ -262,24 +272,197 @@ private Q_SLOTS:
             QDateTime::fromSecsSinceEpoch(
                 static_cast<qint64>(m_data.value(QLatin1String("expire_time")).toDouble()))
                 .toString(QStringLiteral("HH:mm:ss"));
+        const QString program = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
         QCOMPARE(page.header("Content-Type"), QByteArray("text/html;charset=utf-8"));
         for (const QByteArray &part :
              {QByteArray("<html lang=\"en\">"), QByteArray("<title>Sign in?</title>"),
               QByteArray("<meta name=\"viewport\" content=\"width=device-width"),
-              QByteArray("<strong>Local user</strong>"),
-              QByteArray("<button type=\"submit\">Sign in</button>"),
+              "The application <strong>" + program.toUtf8() + "</strong> on this computer",
+              QByteArray("<strong>Local user</strong>"), QByteArray("<button>Sign in</button>"),
+              QByteArray("name=\"answer\" value=\"no\">Not me</button>"),
               QByteArray(">" + expires.toUtf8() + "</time>")})
             QVERIFY2(page.body.contains(part), part.constData());
         QCOMPARE(page.body.count("<h1>"), 1);
-        QCOMPARE(page.body.count("<button"), 1);
+        QCOMPARE(page.body.count("<button"), 2);
+    }
+
+    void thePageNamesAnyProgramAsText()
+    {
+        QVERIFY(m_service->startWithoutDevelopmentToken());
+        m_steps.reset(new SignInSteps(m_service.data()));
+        const QTemporaryDir folder;
+        const QString program = folder.filePath(QStringLiteral("<b>{account} & %1"));
+        QVERIFY(QFile::copy(QStandardPaths::findExecutable(QStringLiteral("openssl")), program));
+        QProcess client;
+        client.start(program, {QStringLiteral("s_client"), QStringLiteral("-quiet"),
+                               QStringLiteral("-connect"), QUrl(serviceAddress()).authority()});
+        client.write("GET /ucenter/public/index.php/v1/login/getMpQrCode HTTP/1.0\r\n\r\n");
+        m_page = m_steps->takePage();
+        client.closeWriteChannel();
+        QVERIFY(client.waitForFinished(patienceMs));
+        const QByteArray html = m_steps->client().get(m_page).body;
+        QVERIFY2(html.contains("<strong>&lt;b&gt;{account} &amp; %1</strong>"), html.constData());
+    }
+
+    void thePageDoesWithoutTheNameOfAProgramThatIsGone()
+    {
+        QVERIFY(m_service->startWithoutDevelopmentToken());
+        m_steps.reset(new SignInSteps(m_service.data()));
+        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        tls.setCaCertificates(QSslCertificate::fromPath(m_service->authority()));
+        QSslSocket client;
+        client.setSslConfiguration(tls);
+        const QUrl service(serviceAddress());
+        client.connectToHostEncrypted(service.host(), static_cast<quint16>(service.port()));
+        QVERIFY(client.waitForEncrypted(patienceMs));
+        m_service->send(SIGSTOP); // it reads the request when nobody has the connection any more
+        client.write("GET /ucenter/public/index.php/v1/login/getMpQrCode HTTP/1.0\r\n\r\n");
+        client.disconnectFromHost();
+        QVERIFY(client.state() == QAbstractSocket::UnconnectedState
+                || client.waitForDisconnected(patienceMs));
+        m_service->send(SIGCONT);
+        const QByteArray html = m_steps->client().get(m_steps->takePage()).body;
+        QVERIFY2(html.contains("<p>An application on this computer asks"), html.constData());
+    }
+
+    void thePageIsInTheLanguageOfItsReader_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QByteArray>("language");
+        QTest::newRow("none said") << QByteArray() << QByteArray("en");
+        QTest::newRow("English") << QByteArray("en-GB,en;q=0.9") << QByteArray("en");
+        QTest::newRow("Chinese") << QByteArray("zh-CN,zh;q=0.9,en;q=0.8") << QByteArray("zh-CN");
+        QTest::newRow("Chinese by script") << QByteArray("ZH-hans") << QByteArray("zh-CN");
+        QTest::newRow("Chinese first") << QByteArray("zh, en") << QByteArray("zh-CN");
+        QTest::newRow("English first") << QByteArray("en, zh") << QByteArray("en");
+        QTest::newRow("Chinese preferred")
+            << QByteArray("en;q=0.5, zh ; q=0.7") << QByteArray("zh-CN");
+        QTest::newRow("Chinese refused") << QByteArray("zh;q=0, de") << QByteArray("en");
+        QTest::newRow("neither") << QByteArray("de, *;q=0.5") << QByteArray("en");
+        QTest::newRow("Chinese after neither") << QByteArray("de, zh;q=0.1") << QByteArray("zh-CN");
+        QTest::newRow("not understood") << QByteArray(";;,q=1,zhx") << QByteArray("en");
+    }
+    void thePageIsInTheLanguageOfItsReader()
+    {
+        QFETCH(const QByteArray, header);
+        QFETCH(const QByteArray, language);
+        const QByteArray title = language == "en" ? "<h1>Sign in?</h1>" : "<h1>要登录吗？</h1>";
+        QVERIFY(begin());
+        const auto page = viewed("Accept-Language: " + header + "\r\n");
+        QVERIFY2(page.body.contains("<html lang=\"" + language + "\">"), page.body.constData());
+        QVERIFY2(page.body.contains(title), page.body.constData());
+    }
+
+    void everyPageIsInChineseToo()
+    {
+        const QByteArray chinese = "Accept-Language: zh\r\n";
+        QVERIFY(begin());
+        QByteArrayList titles{titleOf(viewed(chinese)), titleOf(posted(chinese)),
+                              titleOf(viewed(chinese))};
+        QVERIFY(askAgain());
+        titles << titleOf(posted(chinese, "answer=no"));
+        m_page += QLatin1Char('0');
+        titles << titleOf(viewed(chinese));
+        QCOMPARE(titles,
+                 QByteArrayList({"要登录吗？", "已登录", "二维码已使用", "未登录", "未知二维码"}));
+    }
+
+    void thePageAsksAgainWhenTheCodeHasExpired()
+    {
+        QVERIFY(begin({QStringLiteral("--code-lifetime"), QStringLiteral("1000")}));
+        const QByteArray html = m_steps->client().get(m_page).body;
+        const QRegularExpressionMatch refresh =
+            QRegularExpression(QStringLiteral(R"x(<meta http-equiv="refresh" content="(\d+)">)x"))
+                .match(QString::fromUtf8(html));
+        const int seconds = refresh.captured(1).toInt();
+        QVERIFY2(seconds > 1000 - patienceMs / 1000 && seconds <= 1000, html.constData());
+        // The clock and the buttons end with it.
+        const QByteArray end = QByteArray::number(seconds) + "s ";
+        QVERIFY2(html.contains("animation:count " + end), html.constData());
+        QVERIFY2(html.contains("form{animation:go 0s " + end), html.constData());
+        const auto done = m_steps->client().postTo(m_page);
+        QVERIFY2(!done.body.contains("refresh"), done.body.constData());
+    }
+
+    void aDeclinedCodeIsOfNoUse()
+    {
+        QVERIFY(begin());
+        const auto page = posted(QByteArray(), "answer=no");
+        QCOMPARE(page.status, 200);
+        QCOMPARE(titleOf(page), QByteArray("Not signed in"));
+        QCOMPARE(polled(), over);
+        QCOMPARE(posted(QByteArray()).status, 410);
+        QCOMPARE(titleOf(m_steps->client().get(m_page)), QByteArray("Not signed in"));
+        QCOMPARE(m_steps->client().get(pictureAddress()).status, 404);
+        QCOMPARE(polled(), over);
+    }
+
+    void aDeclinedCodeMakesRoomForAnother()
+    {
+        QVERIFY(begin());
+        for (int i = 1; i < 100; ++i)
+            QVERIFY(m_steps->beginQr().isSuccess());
+        QCOMPARE(m_steps->beginQr().code(), 429);
+        QCOMPARE(posted(QByteArray(), "answer=no").status, 200);
+        QCOMPARE(m_steps->beginQr().code(), 0);
+    }
+
+    void aConfirmedCodeCannotBeDeclined()
+    {
+        QVERIFY(begin());
+        QCOMPARE(posted(QByteArray()).status, 200);
+        QCOMPARE(posted(QByteArray(), "answer=no").status, 410);
+        QCOMPARE(polled(), confirmed);
+    }
+
+    void anAnswerThatIsNotUnderstoodConfirmsNothing()
+    {
+        QVERIFY(begin());
+        for (const char *answer : {"answer=", "answer=maybe", "answer=no&answer=yes", "no", "{}"})
+            QCOMPARE(posted(QByteArray(), answer).status, 400);
+        QCOMPARE(polled(), waiting);
+    }
+
+    void theStartPageSaysWhatTheServiceIsAndHowToTrustIt()
+    {
+        QVERIFY(m_service->start());
+        ServiceClient client(m_service->authority());
+        const auto page = client.get(SignInSteps::address(QStringLiteral("/")));
+        QCOMPARE(page.status, 200);
+        QCOMPARE(page.header("Content-Type"), QByteArray("text/html;charset=utf-8"));
+        QCOMPARE(titleOf(page), QByteArray("Speech service of this computer"));
+        QVERIFY2(page.body.contains("<code>" + m_service->authority().toUtf8() + "</code>"),
+                 page.body.constData());
+        QCOMPARE(client.head(SignInSteps::address(QStringLiteral("/"))).status, 200);
+        QCOMPARE(client.postTo(SignInSteps::address(QStringLiteral("/"))).status, 404);
+        const auto chinese = client.verbatim("GET /", "Accept-Language: zh-CN\r\n");
+        QCOMPARE(titleOf(chinese), QByteArray("本机语音服务"));
+    }
+
+    void thePagesHaveAnIcon()
+    {
+        QVERIFY(begin());
+        const QByteArray html = m_steps->client().get(m_page).body;
+        QVERIFY2(html.contains("<link rel=\"icon\" type=\"image/svg+xml\" href=\"/icon.svg\">"),
+                 html.constData());
+        const auto icon = m_steps->client().get(SignInSteps::address(QStringLiteral("/icon.svg")));
+        QCOMPARE(icon.status, 200);
+        QCOMPARE(icon.header("Content-Type"), QByteArray("image/svg+xml"));
+        QVERIFY2(icon.body.startsWith("<svg xmlns=\"http://www.w3.org/2000/svg\""),
+                 icon.body.constData());
+        QXmlStreamReader reader(icon.body);
+        while (!reader.atEnd())
+            reader.readNext();
+        QCOMPARE(reader.errorString(), QString());
     }
 
     void thePageLoadsAndSendsNothingElsewhere()
     {
         QVERIFY(begin());
-        const auto page = m_steps->client().get(m_page);
+        QByteArray html = m_steps->client().get(m_page).body;
+        html.replace("http-equiv", "").replace("=\"/icon.svg\"", "");
         for (const char *part : {"<script", "src=", "href=", "url(", "@import", "http", "action="})
-            QVERIFY2(!page.body.contains(part), part);
+            QVERIFY2(!html.contains(part), part);
     }
 
     void everyPageIsGuardedByItsHeaders()
@@ -288,9 +471,10 @@ private Q_SLOTS:
         const auto question = m_steps->client().get(m_page);
         const auto done = m_steps->client().postTo(m_page);
         const auto used = m_steps->client().get(m_page);
-        for (const auto &page : {question, done, used}) {
+        const auto start = m_steps->client().get(SignInSteps::address(QStringLiteral("/")));
+        for (const auto &page : {question, done, used, start}) {
             QCOMPARE(page.header("Content-Security-Policy"),
-                     "default-src 'none'; style-src '" + styleDigest(page.body)
+                     "default-src 'none'; img-src 'self'; style-src '" + styleDigest(page.body)
                          + "'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
             QCOMPARE(page.header("Referrer-Policy"), QByteArray("no-referrer"));
             QCOMPARE(page.header("Cache-Control"), QByteArray("no-store"));
@@ -340,11 +524,27 @@ private:
         return {businessCode(), lastSegment(pictureAddress()), lastSegment(m_page)};
     }
 
-    // A POST to the page with nothing but @p headers.
-    SignInSteps::Reply posted(const QByteArray &headers)
+    QByteArray pathOfPage() const
     {
-        const QByteArray path = m_page.mid(SignInSteps::address(QString()).size()).toUtf8();
-        return m_steps->client().verbatim("POST " + path, headers);
+        return m_page.mid(SignInSteps::address(QString()).size()).toUtf8();
+    }
+
+    // The page as a browser with these headers sees it.
+    SignInSteps::Reply viewed(const QByteArray &headers)
+    {
+        return m_steps->client().verbatim("GET " + pathOfPage(), headers);
+    }
+
+    // A POST to the page with nothing but @p headers and @p body.
+    SignInSteps::Reply posted(const QByteArray &headers, const QByteArray &body = QByteArray())
+    {
+        return m_steps->client().verbatim("POST " + pathOfPage(), headers, body);
+    }
+
+    static QByteArray titleOf(const SignInSteps::Reply &page)
+    {
+        const int begin = page.body.indexOf("<h1>") + int(qstrlen("<h1>"));
+        return page.body.mid(begin, page.body.indexOf("</h1>") - begin);
     }
 
     int polled(const QString &code)
