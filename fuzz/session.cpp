@@ -1,7 +1,7 @@
 // Fuzzes how vospeak reads the file of its session. The input is the file.
 
-#include "examples/cli/session.h"
-#include "examples/cli/sessionfile.h"
+#include "hostkit/session.h"
+#include "hostkit/sessionfile.h"
 #include "input.h"
 #include "qthost.h"
 

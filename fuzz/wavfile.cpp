@@ -1,6 +1,6 @@
 // Fuzzes how vospeak checks a WAV file for completeness. The input is the file.
 
-#include "examples/cli/wavfile.h"
+#include "hostkit/wavfile.h"
 #include "input.h"
 #include "qthost.h"
 

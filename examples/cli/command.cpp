@@ -2,8 +2,8 @@
 
 #include "cataloguecommands.h"
 #include "console.h"
-#include "failurereason.h"
 #include "fetch.h"
+#include "hostkit/failurereason.h"
 #include "interrupt.h"
 #include "options.h"
 #include "progress.h"

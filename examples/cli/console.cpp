@@ -1,6 +1,6 @@
 #include "console.h"
 
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
 #include "terminal.h"
 
 #include <QByteArray>

@@ -1,9 +1,9 @@
 #include "fetch.h"
 
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
+#include "hostkit/proxies.h"
 #include "options.h"
 #include "progress.h"
-#include "proxies.h"
 
 #include <QFile>
 #include <QFileInfo>

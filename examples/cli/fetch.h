@@ -1,10 +1,10 @@
 #pragma once
 
 #include "command.h"
+#include "hostkit/outputfile.h"
 #include "http/httpclient.h"
 #include "http/httprequest.h"
 #include "http/httpresponse.h"
-#include "outputfile.h"
 #include "transferprogress.h"
 
 #include <QNetworkReply>

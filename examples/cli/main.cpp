@@ -3,15 +3,15 @@
 #include "console.h"
 #include "ending.h"
 #include "exitstatus.h"
-#include "inputfile.h"
+#include "hostkit/inputfile.h"
+#include "hostkit/outputfile.h"
+#include "hostkit/proxies.h"
+#include "hostkit/trust.h"
 #include "interrupt.h"
 #include "network/vonetwork.h"
 #include "network/vonetworkintf.h"
-#include "outputfile.h"
 #include "progress.h"
-#include "proxies.h"
 #include "tokenkeeper.h"
-#include "trust.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>

@@ -2,9 +2,9 @@
 
 #include "codepicture.h"
 #include "console.h"
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
+#include "hostkit/privatefiles.h"
 #include "network/vonetworkintf.h"
-#include "privatefiles.h"
 #include "progress.h"
 #include "qrcode.h"
 #include "qrdrawing.h"

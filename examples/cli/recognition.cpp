@@ -1,7 +1,7 @@
 #include "recognition.h"
 
 #include "console.h"
-#include "inputfile.h"
+#include "hostkit/inputfile.h"
 #include "options.h"
 
 Recognition::Recognition(const Options &options, const Tools &tools)

@@ -1,9 +1,9 @@
 #include "signin.h"
 
 #include "console.h"
+#include "hostkit/session.h"
+#include "hostkit/sessionfile.h"
 #include "network/vonetworkintf.h"
-#include "session.h"
-#include "sessionfile.h"
 
 namespace {
 

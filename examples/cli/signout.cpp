@@ -1,6 +1,6 @@
 #include "signout.h"
 
-#include "sessionfile.h"
+#include "hostkit/sessionfile.h"
 
 void SignOut::start()
 {

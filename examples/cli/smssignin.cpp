@@ -1,7 +1,7 @@
 #include "smssignin.h"
 
 #include "console.h"
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
 #include "network/vonetworkintf.h"
 #include "options.h"
 

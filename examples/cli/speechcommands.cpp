@@ -1,11 +1,11 @@
 #include "speechcommands.h"
 
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
+#include "hostkit/serveraddress.h"
+#include "hostkit/wavfile.h"
 #include "options.h"
 #include "progress.h"
-#include "serveraddress.h"
 #include "tokenkeeper.h"
-#include "wavfile.h"
 
 #include <QByteArray>
 #include <QFile>

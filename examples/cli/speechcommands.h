@@ -1,8 +1,8 @@
 #pragma once
 
 #include "command.h"
+#include "hostkit/outputfile.h"
 #include "network/vonetworkintf.h"
-#include "outputfile.h"
 #include "task.h"
 
 /// The common part of short and long speech: the settings, and the file that gets the audio.

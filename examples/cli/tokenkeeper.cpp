@@ -1,9 +1,9 @@
 #include "tokenkeeper.h"
 
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
+#include "hostkit/sessionfile.h"
 #include "network/vonetworkintf.h"
 #include "options.h"
-#include "sessionfile.h"
 
 #include <QDebug>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session.h"
+#include "hostkit/session.h"
 
 #include <QObject>
 

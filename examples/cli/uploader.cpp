@@ -1,11 +1,11 @@
 #include "uploader.h"
 
 #include "command.h"
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
+#include "hostkit/serveraddress.h"
 #include "http/httprequest.h"
 #include "network/vonetworkintf.h"
 #include "progress.h"
-#include "serveraddress.h"
 
 #include <QFile>
 #include <QJsonDocument>

@@ -1,4 +1,4 @@
-#include "trust.h"
+#include "hostkit/trust.h"
 
 #include <QFile>
 #include <QSslCertificate>

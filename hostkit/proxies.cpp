@@ -1,4 +1,4 @@
-#include "proxies.h"
+#include "hostkit/proxies.h"
 
 #include <QHostAddress>
 #include <QList>

@@ -1,7 +1,7 @@
-#include "failurereason.h"
+#include "hostkit/failurereason.h"
 
-#include "proxies.h"
-#include "serveraddress.h"
+#include "hostkit/proxies.h"
+#include "hostkit/serveraddress.h"
 
 #include <QRegularExpression>
 #include <QString>

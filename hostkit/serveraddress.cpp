@@ -1,4 +1,4 @@
-#include "serveraddress.h"
+#include "hostkit/serveraddress.h"
 
 #include <QString>
 #include <QUrl>

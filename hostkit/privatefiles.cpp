@@ -1,4 +1,4 @@
-#include "privatefiles.h"
+#include "hostkit/privatefiles.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
-#include "sessionfile.h"
+#include "hostkit/sessionfile.h"
 
-#include "privatefiles.h"
-#include "session.h"
-#include "wholefile.h"
+#include "hostkit/privatefiles.h"
+#include "hostkit/session.h"
+#include "hostkit/wholefile.h"
 
 #include <QDir>
 #include <QFile>

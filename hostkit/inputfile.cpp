@@ -1,4 +1,4 @@
-#include "inputfile.h"
+#include "hostkit/inputfile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
-#include "outputfile.h"
+#include "hostkit/outputfile.h"
 
-#include "wholefile.h"
+#include "hostkit/wholefile.h"
 
 #include <QByteArray>
 #include <QDir>

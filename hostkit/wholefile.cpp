@@ -1,4 +1,4 @@
-#include "wholefile.h"
+#include "hostkit/wholefile.h"
 
 #include <QByteArray>
 #include <QSaveFile>

@@ -1,4 +1,4 @@
-#include "session.h"
+#include "hostkit/session.h"
 
 #include "network/vonetworkintf.h"
 

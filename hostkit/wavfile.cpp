@@ -1,4 +1,4 @@
-#include "wavfile.h"
+#include "hostkit/wavfile.h"
 
 #include <QByteArray>
 #include <QFile>
