@@ -1,4 +1,4 @@
-// Fuzzes how vospeak reads the file of its session. The input is the file.
+// Fuzzes how a host reads the file of its session. The input is the file.
 
 #include "hostkit/session.h"
 #include "hostkit/sessionfile.h"
@@ -6,9 +6,9 @@
 #include "qthost.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStandardPaths>
 
 namespace {
 
@@ -21,13 +21,11 @@ bool isSame(const Session &one, const Session &other)
 
 std::string prepareFolder(const QtHost &host)
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
-    require(folder.startsWith(QString::fromStdString(host.folder().path().string())),
-            "the folder is the fuzzer's own");
-    QDir().mkpath(folder);
-    return QDir(QString::fromStdString(host.folder().path().string()))
-        .relativeFilePath(folder + QStringLiteral("/session.json"))
-        .toStdString();
+    const QString home = QString::fromStdString(host.folder().path().string());
+    const QString file = SessionFile::path();
+    require(file.startsWith(home), "the folder is the fuzzer's own");
+    QDir().mkpath(QFileInfo(file).path());
+    return QDir(home).relativeFilePath(file).toStdString();
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Fuzzes how vospeak checks a WAV file for completeness. The input is the file.
+// Fuzzes how a host reads a WAV file. The input is the file.
 
 #include "hostkit/wavfile.h"
 #include "input.h"

@@ -13,13 +13,18 @@
 
 namespace {
 
-QString folder() { return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation); }
-
-QString path() { return QDir(folder()).filePath(QStringLiteral("session.json")); }
+QString folder()
+{
+    const QString settings =
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return QDir(settings).filePath(QStringLiteral("vospeak"));
+}
 
 constexpr qint64 longest = 65536; // bytes; a session has a few hundred
 
 } // namespace
+
+QString SessionFile::path() { return QDir(folder()).filePath(QStringLiteral("session.json")); }
 
 QString SessionFile::problem()
 {

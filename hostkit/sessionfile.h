@@ -6,6 +6,9 @@ struct Session;
 /// The file that keeps the session from one run to the next, readable by the user only.
 namespace SessionFile {
 
+/// Its path: vospeak/session.json in the folder of the user's settings, for every host.
+QString path();
+
 /// Makes the folder, and returns why a session cannot be kept, as far as that shows without the
 /// file; empty: it can.
 QString problem();

@@ -2,7 +2,7 @@
 
 #include "command.h"
 
-// The commands that need no session. Each waits for the service in a nested event loop.
+// The commands that need no session.
 
 /// Lists the voices that texts can be spoken with.
 class VoiceList : public Command

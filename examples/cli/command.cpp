@@ -3,12 +3,12 @@
 #include "cataloguecommands.h"
 #include "console.h"
 #include "fetch.h"
-#include "hostkit/failurereason.h"
+#include "hostkit/job.h"
 #include "interrupt.h"
+#include "jobprogress.h"
 #include "options.h"
 #include "progress.h"
 #include "qrsignin.h"
-#include "recognitioncommands.h"
 #include "signout.h"
 #include "smssignin.h"
 #include "speechcommands.h"
@@ -46,13 +46,9 @@ std::unique_ptr<Command> Command::make(const Options &options, const Tools &tool
 {
     switch (options.action) {
     case Options::Action::Say:
-        if (options.longForm)
-            return std::make_unique<LongSpeech>(options, tools);
-        return std::make_unique<ShortSpeech>(options, tools);
+        return std::make_unique<Say>(options, tools);
     case Options::Action::Recognize:
-        if (options.longForm)
-            return std::make_unique<LongRecognition>(options, tools);
-        return std::make_unique<ShortRecognition>(options, tools);
+        return std::make_unique<Recognize>(options, tools);
     case Options::Action::Voices:
         return std::make_unique<VoiceList>(options, tools);
     case Options::Action::Music:
@@ -71,12 +67,6 @@ std::unique_ptr<Command> Command::make(const Options &options, const Tools &tool
     Q_UNREACHABLE();
 }
 
-QString Command::refusedByService()
-{
-    return FailureReason::orElse(QStringLiteral(
-        "the service refused or sent no usable answer (run with --verbose to see why)"));
-}
-
 Command::Command(const Options &options, const Tools &tools)
     : m_tools(tools)
     , m_json(options.json)
@@ -85,11 +75,16 @@ Command::Command(const Options &options, const Tools &tools)
 
 Command::~Command() = default;
 
-VoNetworkIntf *Command::service() const { return m_tools.service; }
-
-TokenKeeper *Command::tokens() const { return m_tools.tokens; }
+HostKit *Command::kit() const { return m_tools.kit; }
 
 Progress *Command::progress() const { return m_tools.progress; }
+
+void Command::run(Job *job)
+{
+    connect(job, &Job::progressed, new JobProgress(m_tools.progress, job), &JobProgress::show);
+    connect(job, &Job::failed, this, &Command::failed);
+    job->start();
+}
 
 void Command::finish(const QString &text, const QJsonObject &document)
 {
@@ -98,5 +93,5 @@ void Command::finish(const QString &text, const QJsonObject &document)
     if (Console::print(m_json ? lineOf(document) : text))
         Q_EMIT succeeded();
     else
-        Q_EMIT failed(Console::printingFailed());
+        Q_EMIT failed({Reason::Kind::File, Console::printingFailed()});
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "network/vonetworkintf.h"
+#include "hostkit/reason.h"
 #include "tools.h"
 
 #include <QJsonObject>
@@ -9,9 +9,10 @@
 
 #include <memory>
 
+class Job;
 struct Options;
 
-/// One thing that the user can ask for. It goes on by the service's signals, in the event loop.
+/// One thing that the user can ask for. It goes on by the signals of a job, in the event loop.
 class Command : public QObject
 {
     Q_OBJECT
@@ -21,9 +22,6 @@ public:
     /// The command that @p options ask for.
     static std::unique_ptr<Command> make(const Options &options, const Tools &tools);
 
-    /// What the user is told when the service object reports a failure and the log has no reason.
-    static QString refusedByService();
-
     Command(const Options &options, const Tools &tools);
     ~Command() override;
 
@@ -32,14 +30,15 @@ public:
 
 Q_SIGNALS:
     void succeeded();
-
-    /// @p problem is a line for the user.
-    void failed(const QString &problem);
+    void failed(const Reason &reason);
 
 protected:
-    VoNetworkIntf *service() const;
-    TokenKeeper *tokens() const;
+    HostKit *kit() const;
     Progress *progress() const;
+
+    /// Starts @p job, which is a child of this: its progress is shown, and its failure is that of
+    /// the command.
+    void run(Job *job);
 
     /// Prints the result, @p text or, for a user who wants JSON, @p document, and emits the answer.
     void finish(const QString &text, const QJsonObject &document);

@@ -1,6 +1,5 @@
 #include "console.h"
 
-#include "hostkit/failurereason.h"
 #include "terminal.h"
 
 #include <QByteArray>
@@ -29,8 +28,6 @@ bool showsAll = false;
 
 void onMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (type == QtDebugMsg)
-        FailureReason::readLog(message);
     if (showsAll || (type != QtDebugMsg && type != QtInfoMsg))
         defaultHandler(type, context, message);
 }
@@ -132,8 +129,8 @@ QString Console::onOneLine(const QString &text)
 void Console::setUpLog(bool verbose)
 {
     showsAll = verbose;
-    // QT_LOGGING_RULES may have turned the debug lines off, in which the reasons of failures are.
-    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
+    if (verbose) // QT_LOGGING_RULES may have turned the debug lines off
+        QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
     defaultHandler = qInstallMessageHandler(onMessage);
 }
 

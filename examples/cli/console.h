@@ -33,8 +33,7 @@ bool isPlain(uint character);
 /// @p text with a blank in place of each character that is not plain.
 QString onOneLine(const QString &text);
 
-/// Lets warnings and worse of the log go to standard error; with @p verbose all of it. Either way
-/// FailureReason reads the whole log.
+/// Lets warnings and worse of the log go to standard error; with @p verbose all of it.
 void setUpLog(bool verbose);
 
 /// Ends the log. Threads of Qt may be at work when the application object goes, and would complain

@@ -12,11 +12,11 @@ void Ending::end(int status)
     QCoreApplication::exit(status);
 }
 
-void Ending::fail(const QString &problem)
+void Ending::fail(const Reason &reason)
 {
     if (!m_isDecided)
-        m_problem = problem;
+        m_reason = reason;
     end(Failure);
 }
 
-QString Ending::problem() const { return m_problem; }
+Reason Ending::reason() const { return m_reason; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hostkit/reason.h"
+
 #include <QObject>
 
 /// How the program ends. The first call decides: an interruption makes operations fail, and those
@@ -15,13 +17,13 @@ public:
     /// Leaves the event loops, also nested ones, with @p status. Must be called inside one.
     void end(int status);
 
-    /// Ends with status Failure. @p problem is a line for the user.
-    void fail(const QString &problem);
+    /// Ends with status Failure.
+    void fail(const Reason &reason);
 
-    /// The line for the user; empty: there is none.
-    QString problem() const;
+    /// Why it ends; none: it did not fail.
+    Reason reason() const;
 
 private:
     bool m_isDecided = false;
-    QString m_problem;
+    Reason m_reason;
 };

@@ -3,15 +3,16 @@
 #include "console.h"
 #include "ending.h"
 #include "exitstatus.h"
+#include "hostkit/failurereasons.h"
+#include "hostkit/hostkit.h"
 #include "hostkit/inputfile.h"
 #include "hostkit/outputfile.h"
 #include "hostkit/proxies.h"
+#include "hostkit/tokenkeeper.h"
 #include "hostkit/trust.h"
 #include "interrupt.h"
 #include "network/vonetwork.h"
-#include "network/vonetworkintf.h"
 #include "progress.h"
-#include "tokenkeeper.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -51,19 +52,37 @@ int refuse(const QString &problem, ExitStatus status)
     return status;
 }
 
+// What the user of this program can do next.
+void setHints()
+{
+    using Kind = Reason::Kind;
+    const QString waysIn = QStringLiteral(": vospeak login --qr, or vospeak login --sms NUMBER");
+    Reason::setHint(Kind::Unreachable, QStringLiteral("; is vo-localservice running?"));
+    Reason::setHint(Kind::Tls, QStringLiteral("; use --ca"));
+    Reason::setHint(Kind::Proxy, QStringLiteral(" (see --proxy)"));
+    Reason::setHint(Kind::SignIn, waysIn);
+    Reason::setHint(Kind::TooLong, QStringLiteral(": use --long"));
+}
+
+bool needsToken(const Options &options)
+{
+    return options.action == Options::Action::Recognize
+           || (options.action == Options::Action::Say && !options.anonymous);
+}
+
 int carryOut(const Options &options)
 {
-    // Qt deletes what is to be deleted later once more after aboutToQuit(), and not after that.
-    VoNetworkIntf *service = VoNetwork::CreateVoNetworkIntf();
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, service,
-                     [service] { VoNetwork::ReleaseVoNetwork(service); });
+    const FailureReasons reasons;
+    HostKit kit(QStringLiteral("vospeak"));
+    if (options.token)
+        kit.tokens()->setToken(*options.token);
+    if (const Reason reason = kit.tokens()->problem(); needsToken(options) && !reason.isNone())
+        return refuse(reason.line(), Failure);
 
     // With --verbose the log goes to the same terminal and would run into the progress line.
     Progress progress(!options.verbose);
-    TokenKeeper tokens(options, service);
-    const std::unique_ptr<Command> command = Command::make(options, {service, &tokens, &progress});
+    const std::unique_ptr<Command> command = Command::make(options, {&kit, &progress});
     Ending ending;
-    QObject::connect(&tokens, &TokenKeeper::refused, &ending, &Ending::fail);
     QObject::connect(command.get(), &Command::succeeded, &ending, [&] { ending.end(Success); });
     QObject::connect(command.get(), &Command::failed, &ending, &Ending::fail);
     const Interrupt interrupt;
@@ -72,8 +91,8 @@ int carryOut(const Options &options)
     QMetaObject::invokeMethod(command.get(), &Command::start, Qt::QueuedConnection);
     const int status = QCoreApplication::exec();
     progress.clear();
-    if (!ending.problem().isEmpty())
-        Console::complain(ending.problem());
+    if (!ending.reason().isNone())
+        Console::complain(ending.reason().line());
     return status;
 }
 
@@ -108,9 +127,7 @@ int main(int argc, char *argv[])
             !problem.isEmpty())
             return refuse(problem, WrongUse);
     }
-    if (const QString problem = TokenKeeper::problem(options); !problem.isEmpty())
-        return refuse(problem, Failure);
-
+    setHints();
     const int status = carryOut(options);
     Console::endLog();
     // The destructor of the application waits for name lookups, which cannot be cancelled.

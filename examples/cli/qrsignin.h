@@ -1,33 +1,22 @@
 #pragma once
 
-#include "signin.h"
+#include "command.h"
 
-#include <QTimer>
-
-struct LoginQrCode;
+class CodeSignInJob;
 
 /// Signs in by a code that the user scans with a phone.
-class QrSignIn : public SignIn
+class QrSignIn : public Command
 {
     Q_OBJECT
     Q_DISABLE_COPY(QrSignIn)
 
 public:
-    QrSignIn(const Options &options, const Tools &tools);
-    ~QrSignIn() override;
+    using Command::Command;
 
-protected:
-    void signIn() override;
+    void start() override;
 
 private:
-    void onCode(LoginQrCode *code);
-    void waitForUser();
-    void ask();
-    void onStatus(UserInfo *user);
-    void giveUp(const QString &problem);
+    void show(const QString &picture);
 
-    std::unique_ptr<LoginQrCode> m_code;
-    QTimer m_nextQuestion;
-    QTimer m_expiry;
-    bool m_isOver = false;
+    CodeSignInJob *m_job = nullptr; ///< A child.
 };

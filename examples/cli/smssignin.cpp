@@ -1,28 +1,32 @@
 #include "smssignin.h"
 
 #include "console.h"
-#include "hostkit/failurereason.h"
-#include "network/vonetworkintf.h"
+#include "hostkit/signinjobs.h"
 #include "options.h"
+#include "progress.h"
+#include "signedin.h"
 
 SmsSignIn::SmsSignIn(const Options &options, const Tools &tools)
-    : SignIn(options, tools)
+    : Command(options, tools)
     , m_phone(options.phone)
 {
-    connect(tools.service, &VoNetworkIntf::signalSendSmsEnd, this, &SmsSignIn::askForCode);
     connect(&m_reader, &LineReader::read, this, &SmsSignIn::onCode);
-    connect(tools.service, &VoNetworkIntf::signalSmsLoginEnd, this, &SmsSignIn::onUser);
 }
 
-void SmsSignIn::signIn() { service()->SendSmsVerifyCode(m_phone); }
+void SmsSignIn::start()
+{
+    m_job = new SmsSignInJob(kit(), m_phone, this);
+    connect(m_job, &SmsSignInJob::codeSent, this, &SmsSignIn::askForCode);
+    connect(m_job, &SignInJob::succeeded, this, [this](const UserInfo &user) {
+        finish(SignedIn::text(user), SignedIn::document(user));
+    });
+    run(m_job);
+}
 
 // The user is asked for the code in any case: the service object does not say whether one was sent.
 void SmsSignIn::askForCode()
 {
-    if (const QString problem = FailureReason::orElse({}); !problem.isEmpty()) {
-        Q_EMIT failed(problem);
-        return;
-    }
+    progress()->clear();
     Console::ask(QStringLiteral("If the service sent a code to %1, enter it:").arg(m_phone));
     m_reader.start();
 }
@@ -30,16 +34,7 @@ void SmsSignIn::askForCode()
 void SmsSignIn::onCode(const QString &code)
 {
     if (code.isEmpty())
-        Q_EMIT failed(QStringLiteral("no code was entered"));
+        Q_EMIT failed({Reason::Kind::Unusable, QStringLiteral("no code was entered")});
     else
-        service()->SmsVerifyCodeLogin(m_phone, code);
-}
-
-void SmsSignIn::onUser(UserInfo *user)
-{
-    const std::unique_ptr<UserInfo> owned(user);
-    if (user)
-        finishWith(*user);
-    else
-        Q_EMIT failed(refusedByService());
+        m_job->enter(code);
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "command.h"
 #include "linereader.h"
-#include "signin.h"
+
+class SmsSignInJob;
 
 /// Signs in by a code that the service sends to a phone and the user types.
-class SmsSignIn : public SignIn
+class SmsSignIn : public Command
 {
     Q_OBJECT
     Q_DISABLE_COPY(SmsSignIn)
@@ -12,14 +14,13 @@ class SmsSignIn : public SignIn
 public:
     SmsSignIn(const Options &options, const Tools &tools);
 
-protected:
-    void signIn() override;
+    void start() override;
 
 private:
     void askForCode();
     void onCode(const QString &code);
-    void onUser(UserInfo *user);
 
     QString m_phone;
     LineReader m_reader;
+    SmsSignInJob *m_job = nullptr; ///< A child.
 };

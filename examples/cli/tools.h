@@ -1,13 +1,11 @@
 #pragma once
 
+class HostKit;
 class Progress;
-class TokenKeeper;
-class VoNetworkIntf;
 
 /// What a command works with. The objects are owned by main() and outlive the command.
 struct Tools
 {
-    VoNetworkIntf *service;
-    TokenKeeper *tokens;
+    HostKit *kit;
     Progress *progress;
 };

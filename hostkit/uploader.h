@@ -1,13 +1,13 @@
 #pragma once
 
+#include "hostkit/reason.h"
 #include "http/httpclient.h"
 
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 
-class Progress;
-class VoNetworkIntf;
+class ServiceLease;
 struct OSS_SIGN_INFO;
 
 /// Uploads a recording to the service's object storage, where the service can read it.
@@ -17,27 +17,32 @@ class Uploader : public QObject
     Q_DISABLE_COPY(Uploader)
 
 public:
-    Uploader(VoNetworkIntf *service, Progress *progress, QObject *parent = nullptr);
+    Uploader(ServiceLease *service, QObject *parent);
 
-    /// Uploads the file @p path; answered by uploaded() or failed(). One file at a time.
+    /// Uploads the file @p path, once; answered by uploaded(), refused() or failed(). This may be
+    /// deleted then.
     void upload(const QString &path);
 
 Q_SIGNALS:
     /// @p address is where the service finds the recording.
     void uploaded(const QString &address);
 
-    /// @p problem is a line for the user.
-    void failed(const QString &problem);
+    /// @p done bytes of @p total are on their way.
+    void sent(qint64 done, qint64 total);
+
+    /// The service gave no credentials.
+    void refused();
+
+    void failed(const Reason &reason);
 
 private:
     void onCredentials(OSS_SIGN_INFO *credentials);
     void put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes);
     void onReply(const QByteArray &reply);
     void onError(const QByteArray &text);
-    void showSent(qint64 sent, qint64 total);
+    void onSent(qint64 done, qint64 total);
 
-    VoNetworkIntf *m_service;
-    Progress *m_progress;
+    ServiceLease *m_service;
     HttpClient m_client;
     QString m_path;
     QString m_address;

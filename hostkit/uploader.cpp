@@ -1,11 +1,9 @@
-#include "uploader.h"
+#include "hostkit/uploader.h"
 
-#include "command.h"
-#include "hostkit/failurereason.h"
+#include "hostkit/networkreason.h"
 #include "hostkit/serveraddress.h"
+#include "hostkit/servicelease.h"
 #include "http/httprequest.h"
-#include "network/vonetworkintf.h"
-#include "progress.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -15,6 +13,8 @@
 #include <memory>
 
 namespace {
+
+using Kind = Reason::Kind;
 
 // The address is made of the credentials: the storage itself gives none.
 QString newAddress(const OSS_SIGN_INFO &credentials)
@@ -26,35 +26,35 @@ QString newAddress(const OSS_SIGN_INFO &credentials)
 
 } // namespace
 
-Uploader::Uploader(VoNetworkIntf *service, Progress *progress, QObject *parent)
+Uploader::Uploader(ServiceLease *service, QObject *parent)
     : QObject(parent)
     , m_service(service)
-    , m_progress(progress)
 {
-    connect(service, &VoNetworkIntf::signalGetOssSign, this, &Uploader::onCredentials);
 }
 
 void Uploader::upload(const QString &path)
 {
     m_path = path;
-    m_service->GetOssSign();
+    m_service->ask(
+        &VoNetworkIntf::signalGetOssSign, [](VoNetworkIntf *service) { service->GetOssSign(); },
+        [this](OSS_SIGN_INFO *credentials) { onCredentials(credentials); });
 }
 
 void Uploader::onCredentials(OSS_SIGN_INFO *credentials)
 {
     const std::unique_ptr<OSS_SIGN_INFO> owned(credentials);
     if (!credentials) {
-        Q_EMIT failed(Command::refusedByService());
+        Q_EMIT refused();
         return;
     }
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly)) {
-        Q_EMIT failed(QStringLiteral("cannot read \"%1\": %2").arg(m_path, file.errorString()));
+        Q_EMIT failed({Kind::File, tr("cannot read \"%1\": %2").arg(m_path, file.errorString())});
         return;
     }
     const QByteArray bytes = file.readAll();
     if (bytes.size() != file.size())
-        Q_EMIT failed(QStringLiteral("cannot read all of \"%1\"").arg(m_path));
+        Q_EMIT failed({Kind::File, tr("cannot read all of \"%1\"").arg(m_path)});
     else
         put(*credentials, bytes);
 }
@@ -63,7 +63,8 @@ void Uploader::put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes)
 {
     m_address = newAddress(credentials);
     if (!ServerAddress::isUsable(m_address)) {
-        Q_EMIT failed(QStringLiteral("the service sent no usable address for the recording"));
+        Q_EMIT failed(
+            {Kind::BadAnswer, tr("the service sent no usable address for the recording")});
         return;
     }
     const HttpResponse *response =
@@ -72,12 +73,12 @@ void Uploader::put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes)
             .headers({{QStringLiteral("x-security-token"), credentials.SecurityToken},
                       {QStringLiteral("Content-Type"), QStringLiteral("audio/wav")}})
             .rawBody(bytes)
-            .onUploadProgress(this, &Uploader::showSent)
+            .onUploadProgress(this, &Uploader::onSent)
             .onFinished(this, &Uploader::onReply)
             .onError(this, &Uploader::onError)
             .send();
     if (!response)
-        Q_EMIT failed(QStringLiteral("the recording could not be sent"));
+        Q_EMIT failed({Kind::BadAnswer, tr("the recording could not be sent")});
 }
 
 void Uploader::onReply(const QByteArray &reply)
@@ -87,19 +88,22 @@ void Uploader::onReply(const QByteArray &reply)
     if (envelope.value(QLatin1String("code")).toInt(-1) == 0)
         Q_EMIT uploaded(m_address);
     else if (message.isEmpty())
-        Q_EMIT failed(QStringLiteral("the storage refused the recording or sent no usable answer"));
+        Q_EMIT failed(
+            {Kind::BadAnswer, tr("the storage refused the recording or sent no usable answer")});
     else
-        Q_EMIT failed(QStringLiteral("the storage refused the recording: %1").arg(message));
+        Q_EMIT failed({Kind::Refused, tr("the storage refused the recording: %1").arg(message)});
 }
 
 void Uploader::onError(const QByteArray &text)
 {
-    Q_EMIT failed(QStringLiteral("the recording could not be uploaded: %1")
-                      .arg(FailureReason::inWords(QString::fromLocal8Bit(text))));
+    Reason reason = NetworkReason::ofText(QString::fromLocal8Bit(text), m_address);
+    reason.text = tr("the recording could not be uploaded: %1").arg(reason.text);
+    Q_EMIT failed(reason);
 }
 
-void Uploader::showSent(qint64 sent, qint64 total)
+// Qt reports 0 of 0 as the request ends.
+void Uploader::onSent(qint64 done, qint64 total)
 {
     if (total > 0)
-        m_progress->show(QStringLiteral("uploading %1 %").arg(100 * sent / total));
+        Q_EMIT sent(done, total);
 }

@@ -1,0 +1,43 @@
+#include "jobprogress.h"
+
+#include "progress.h"
+
+namespace {
+
+QString lineOf(Job::Stage stage, qint64 done, qint64 total)
+{
+    switch (stage) {
+    case Job::Stage::Uploading:
+        return QStringLiteral("uploading %1 %").arg(100 * done / total);
+    case Job::Stage::Working:
+        return done == 0 ? QStringLiteral("queued")
+                         : QStringLiteral("queued or running, %1 s").arg(done);
+    case Job::Stage::WaitingForUser:
+        return QStringLiteral("waiting, %1 s left").arg(qMax<qint64>(total - done, 0));
+    case Job::Stage::Asking:
+    case Job::Stage::Fetching:
+        break;
+    }
+    return QStringLiteral("asking the service");
+}
+
+} // namespace
+
+JobProgress::JobProgress(Progress *progress, QObject *parent)
+    : QObject(parent)
+    , m_progress(progress)
+{
+}
+
+void JobProgress::show(Job::Stage stage, qint64 done, qint64 total)
+{
+    if (stage != Job::Stage::Fetching) {
+        m_progress->show(lineOf(stage, done, total));
+        return;
+    }
+    if (!m_transfer || done < m_transferBegan) {
+        m_transferBegan = done;
+        m_transfer.emplace(done, total);
+    }
+    m_progress->show(m_transfer->line(done - m_transferBegan));
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "hostkit/servicejob.h"
+#include "network/vonetworkintf.h"
+
+#include <QMetaType>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+// Each of these asks in a thread of its own, since the service object waits for the answer. Several
+// may be under way at once.
+
+/// The voices that texts can be spoken with. StockPictures has their pictures; a FetchJob fetches a
+/// voice's sample.
+class VoicesJob : public ServiceJob
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(VoicesJob)
+
+public:
+    explicit VoicesJob(HostKit *kit, QObject *parent = nullptr);
+
+Q_SIGNALS:
+    /// In the service's order. Empty where the service has none, and where it answered in a way
+    /// that the library does not tell from that.
+    void succeeded(const QVector<DubInfo> &voices);
+
+protected:
+    void begin() override;
+};
+
+/// The tracks of background music.
+class MusicJob : public ServiceJob
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(MusicJob)
+
+public:
+    explicit MusicJob(HostKit *kit, QObject *parent = nullptr);
+
+Q_SIGNALS:
+    /// As VoicesJob::succeeded().
+    void succeeded(const QVector<BgmInfo> &tracks);
+
+protected:
+    void begin() override;
+};
+
+/// What the service says of newer versions.
+struct Update
+{
+    enum class State : qint32 { UpToDate = 0, NewerIsThere = 1, NewerIsNeeded = 2 };
+
+    State state = State::UpToDate;
+    QString currentVersion;
+    QString version;     ///< That is offered.
+    QStringList changes; ///< In it.
+    QString address;     ///< Where it is to be had.
+};
+
+/// Asks whether there is a newer version.
+class UpdateJob : public ServiceJob
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(UpdateJob)
+
+public:
+    explicit UpdateJob(HostKit *kit, QObject *parent = nullptr);
+
+Q_SIGNALS:
+    void succeeded(const Update &update);
+
+protected:
+    void begin() override;
+
+private:
+    void onInfo(const UpdateInfo &info);
+};
+
+Q_DECLARE_METATYPE(DubInfo)
+Q_DECLARE_METATYPE(BgmInfo)
+Q_DECLARE_METATYPE(Update)

@@ -1,0 +1,52 @@
+#include "hostkit/job.h"
+
+#include <QMetaObject>
+#include <QTimer>
+
+#include <utility>
+
+Job::Job(QObject *parent)
+    : QObject(parent)
+{
+    qRegisterMetaType<Reason>();
+    qRegisterMetaType<Job::Stage>("Job::Stage");
+}
+
+// Before the members of the kinds that what is under way may use.
+Job::~Job() { delete m_work; }
+
+void Job::setTimeout(int ms) { m_timeout = ms; }
+
+void Job::start()
+{
+    if (std::exchange(m_isStarted, true))
+        return;
+    m_work = new QObject(this);
+    QMetaObject::invokeMethod(
+        m_work, [this] { begin(); }, Qt::QueuedConnection);
+    if (m_timeout <= 0)
+        return;
+    QTimer::singleShot(m_timeout, m_work, [this] {
+        fail({Reason::Kind::TimedOut, tr("it took longer than %1 s").arg(m_timeout / 1000.0)});
+    });
+}
+
+void Job::cancel() { fail({Reason::Kind::Cancelled, tr("cancelled")}); }
+
+bool Job::isUnderWay() const { return m_work; }
+
+QObject *Job::work() const { return m_work; }
+
+bool Job::conclude()
+{
+    const bool wasUnderWay = isUnderWay();
+    delete std::exchange(m_work, nullptr);
+    return wasUnderWay;
+}
+
+void Job::fail(const Reason &reason)
+{
+    const Reason kept = reason; // it may be a part of what goes
+    if (conclude())
+        Q_EMIT failed(kept);
+}
