@@ -194,9 +194,12 @@ void FetchJob::onFileError()
         giveUpFile(tr("\"%1\" could not be written").arg(m_part));
 }
 
-// The last callback of a request that failed; the toolkit ends the reply.
+// The last callback of a request that failed; the toolkit ends the reply after it. If the client
+// went before that, Qt would warn of a second error.
 void FetchJob::onError(const QByteArray &text)
 {
+    m_client->setParent(nullptr);
+    m_client->deleteLater();
     const QNetworkReply *reply = replyTo(m_response);
     const int status = statusOf(reply);
     if (status > 0 && !isSuccess(status) && !isRedirect(status))
@@ -204,7 +207,7 @@ void FetchJob::onError(const QByteArray &text)
     else if (reply->error() == QNetworkReply::NoError) // Qt takes it for a success
         giveUp({Kind::Network, tr("the connection ended too early")});
     else
-        giveUp(NetworkReason::ofText(QString::fromLocal8Bit(text), m_source));
+        giveUp(NetworkReason::ofText(QString::fromLocal8Bit(text)));
 }
 
 void FetchJob::complete()

@@ -1,5 +1,6 @@
 #include "hostkit/networkreason.h"
 
+#include "hostkit/hostkit.h"
 #include "hostkit/proxies.h"
 
 #include <QCoreApplication>
@@ -13,8 +14,8 @@ using Kind = Reason::Kind;
 
 QString translated(const char *text) { return QCoreApplication::translate("NetworkReason", text); }
 
-// %1 is the address. Qt's texts are in English, since no translation of Qt's own is loaded. Every
-// failure of TLS has the same one.
+// Qt's texts are in English, since no translation of Qt's own is loaded. Every failure of TLS has
+// the same one.
 constexpr struct
 {
     const char *text; // Qt's text, or its end
@@ -26,13 +27,13 @@ constexpr struct
      QT_TRANSLATE_NOOP("NetworkReason",
                        "the authority of the server is not trusted, or it does not speak TLS")},
     {"Connection refused", "ConnectionRefusedError", Kind::Unreachable,
-     QT_TRANSLATE_NOOP("NetworkReason", "cannot reach %1: connection refused")},
+     QT_TRANSLATE_NOOP("NetworkReason", "connection refused")},
     {" not found", "HostNotFoundError", Kind::Unreachable,
-     QT_TRANSLATE_NOOP("NetworkReason", "cannot reach %1: the host was not found")},
+     QT_TRANSLATE_NOOP("NetworkReason", "the host was not found")},
     {"Connection closed", "RemoteHostClosedError", Kind::Network,
-     QT_TRANSLATE_NOOP("NetworkReason", "no answer from %1: the connection was closed")},
+     QT_TRANSLATE_NOOP("NetworkReason", "the connection was closed")},
     {"timed out", "TimeoutError", Kind::Unreachable,
-     QT_TRANSLATE_NOOP("NetworkReason", "cannot reach %1: it took too long")},
+     QT_TRANSLATE_NOOP("NetworkReason", "it took too long")},
 };
 
 constexpr char proxyRefuses[] = "Proxy requires authentication";
@@ -48,17 +49,39 @@ Reason proxyRefusal()
                                          "the server wants a user and a password for a proxy"))};
 }
 
-QString originOf(const QString &address)
+// The words, behind the server that did not answer if it is named.
+Reason notAnswered(Kind kind, const QString &words, const QString &address)
 {
-    return QUrl(address, QUrl::TolerantMode)
-        .toDisplayString(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery
-                         | QUrl::RemoveFragment);
+    const QString origin = QUrl(address, QUrl::TolerantMode)
+                               .toDisplayString(QUrl::RemoveUserInfo | QUrl::RemovePath
+                                                | QUrl::RemoveQuery | QUrl::RemoveFragment);
+    if (origin.isEmpty() || kind == Kind::Tls)
+        return {kind == Kind::Unreachable ? Kind::Network : kind, words};
+    const bool isServices = origin == HostKit::serviceAddress();
+    const QString text =
+        kind == Kind::Unreachable
+            ? translated(QT_TRANSLATE_NOOP("NetworkReason", "cannot reach %1: %2"))
+            : translated(QT_TRANSLATE_NOOP("NetworkReason", "no answer from %1: %2"));
+    return {kind == Kind::Unreachable && !isServices ? Kind::Network : kind,
+            text.arg(origin, words)};
 }
 
 Reason answered(const QString &words)
 {
     return {Kind::Refused,
             translated(QT_TRANSLATE_NOOP("NetworkReason", "the server answered: %1")).arg(words)};
+}
+
+// "ContentNotFoundError" as words.
+QString wordsOf(const QString &name)
+{
+    QString words;
+    for (const QChar letter : name.chopped(name.endsWith(QLatin1String("Error")) ? 5 : 0)) {
+        if (letter.isUpper() && !words.isEmpty())
+            words += QLatin1Char(' ');
+        words += letter.toLower();
+    }
+    return words;
 }
 
 } // namespace
@@ -74,11 +97,9 @@ Reason NetworkReason::ofText(const QString &text, const QString &address)
         return answered(text.mid(place + reply.size()).trimmed());
     for (const auto &error : errors) {
         if (text.endsWith(QLatin1String(error.text)))
-            return {error.kind,
-                    translated(error.words).replace(QLatin1String("%1"), originOf(address))};
+            return notAnswered(error.kind, translated(error.words), address);
     }
-    return {Kind::Network, translated(QT_TRANSLATE_NOOP("NetworkReason", "no answer from %1: %2"))
-                               .arg(originOf(address), text)};
+    return notAnswered(Kind::Network, text, address);
 }
 
 Reason NetworkReason::ofName(const QString &name, const QString &address)
@@ -87,17 +108,15 @@ Reason NetworkReason::ofName(const QString &name, const QString &address)
         return proxyRefusal();
     for (const auto &error : errors) {
         if (name == QLatin1String(error.name))
-            return {error.kind,
-                    translated(error.words).replace(QLatin1String("%1"), originOf(address))};
+            return notAnswered(error.kind, translated(error.words), address);
     }
     // Errors of a proxy are from 100 on, what the server had to say of the content from 200 on.
     const int value =
         QMetaEnum::fromType<QNetworkReply::NetworkError>().keyToValue(name.toLatin1());
     if (value > QNetworkReply::UnknownProxyError)
-        return answered(name);
-    return {value > QNetworkReply::UnknownNetworkError ? Kind::Proxy : Kind::Network,
-            translated(QT_TRANSLATE_NOOP("NetworkReason", "no answer from %1: %2"))
-                .arg(originOf(address), name)};
+        return answered(wordsOf(name));
+    return notAnswered(value > QNetworkReply::UnknownNetworkError ? Kind::Proxy : Kind::Network,
+                       wordsOf(name), address);
 }
 
 Reason NetworkReason::proxyWantsUser()

@@ -8,8 +8,8 @@ struct Reason
 {
     enum class Kind {
         None,        ///< Nothing failed.
-        Unreachable, ///< Nobody answers at the address.
-        Network,     ///< The connection broke, or brought no answer.
+        Unreachable, ///< Nobody answers at the address of the service.
+        Network,     ///< Another server does not answer, or a connection broke.
         Tls,         ///< The server is not trusted, or does not speak TLS.
         Proxy,       ///< The proxy on the way refuses.
         Refused,     ///< The service, or another server, said no.

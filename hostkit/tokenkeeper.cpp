@@ -4,6 +4,7 @@
 #include "hostkit/servicelease.h"
 #include "hostkit/sessionfile.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QTimer>
 
@@ -142,5 +143,6 @@ void TokenKeeper::keepRenewed() const
     if (SessionFile::load().refreshToken != m_renewed.refreshToken)
         return;
     if (const QString problem = SessionFile::save(m_renewed); !problem.isEmpty())
-        qWarning("the renewed session could not be kept: %s", qPrintable(problem));
+        qWarning("%s: the renewed session could not be kept: %s",
+                 qPrintable(QCoreApplication::applicationName()), qPrintable(problem));
 }

@@ -3,6 +3,7 @@
 #include "hostkit/networkreason.h"
 #include "hostkit/serveraddress.h"
 #include "hostkit/servicelease.h"
+#include "http/httpclient.h"
 #include "http/httprequest.h"
 
 #include <QFile>
@@ -29,6 +30,7 @@ QString newAddress(const OSS_SIGN_INFO &credentials)
 Uploader::Uploader(ServiceLease *service, QObject *parent)
     : QObject(parent)
     , m_service(service)
+    , m_client(new HttpClient(this))
 {
 }
 
@@ -68,7 +70,7 @@ void Uploader::put(const OSS_SIGN_INFO &credentials, const QByteArray &bytes)
         return;
     }
     const HttpResponse *response =
-        HttpRequest(HttpMethod::Put, &m_client)
+        HttpRequest(HttpMethod::Put, m_client)
             .url(m_address)
             .headers({{QStringLiteral("x-security-token"), credentials.SecurityToken},
                       {QStringLiteral("Content-Type"), QStringLiteral("audio/wav")}})
@@ -94,9 +96,13 @@ void Uploader::onReply(const QByteArray &reply)
         Q_EMIT failed({Kind::Refused, tr("the storage refused the recording: %1").arg(message)});
 }
 
+// The last callback of a request that failed; the toolkit ends the reply after it. If the client
+// went before that, Qt would warn of a second error.
 void Uploader::onError(const QByteArray &text)
 {
-    Reason reason = NetworkReason::ofText(QString::fromLocal8Bit(text), m_address);
+    m_client->setParent(nullptr);
+    m_client->deleteLater();
+    Reason reason = NetworkReason::ofText(QString::fromLocal8Bit(text));
     reason.text = tr("the recording could not be uploaded: %1").arg(reason.text);
     Q_EMIT failed(reason);
 }

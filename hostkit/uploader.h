@@ -1,12 +1,12 @@
 #pragma once
 
 #include "hostkit/reason.h"
-#include "http/httpclient.h"
 
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 
+class HttpClient;
 class ServiceLease;
 struct OSS_SIGN_INFO;
 
@@ -43,7 +43,7 @@ private:
     void onSent(qint64 done, qint64 total);
 
     ServiceLease *m_service;
-    HttpClient m_client;
+    HttpClient *m_client; ///< A child.
     QString m_path;
     QString m_address;
 };

@@ -79,9 +79,10 @@ HostKit *Command::kit() const { return m_tools.kit; }
 
 Progress *Command::progress() const { return m_tools.progress; }
 
-void Command::run(Job *job)
+void Command::run(Job *job, const QString &asking)
 {
-    connect(job, &Job::progressed, new JobProgress(m_tools.progress, job), &JobProgress::show);
+    connect(job, &Job::progressed, new JobProgress(m_tools.progress, asking, job),
+            &JobProgress::show);
     connect(job, &Job::failed, this, &Command::failed);
     job->start();
 }

@@ -36,9 +36,9 @@ protected:
     HostKit *kit() const;
     Progress *progress() const;
 
-    /// Starts @p job, which is a child of this: its progress is shown, and its failure is that of
-    /// the command.
-    void run(Job *job);
+    /// Starts @p job, which is a child of this: its progress is shown, with @p asking for a request
+    /// of which nothing is known, and its failure is that of the command.
+    void run(Job *job, const QString &asking = {});
 
     /// Prints the result, @p text or, for a user who wants JSON, @p document, and emits the answer.
     void finish(const QString &text, const QJsonObject &document);

@@ -17,5 +17,5 @@ void Fetch::start()
     connect(job, &FetchJob::succeeded, this, [this](const QString &path, qint64 bytes) {
         finish({}, {{QStringLiteral("file"), path}, {QStringLiteral("bytes"), bytes}});
     });
-    run(job);
+    run(job, QStringLiteral("asking for the file"));
 }

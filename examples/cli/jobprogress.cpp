@@ -4,7 +4,7 @@
 
 namespace {
 
-QString lineOf(Job::Stage stage, qint64 done, qint64 total)
+QString lineOf(Job::Stage stage, qint64 done, qint64 total, const QString &asking)
 {
     switch (stage) {
     case Job::Stage::Uploading:
@@ -18,21 +18,22 @@ QString lineOf(Job::Stage stage, qint64 done, qint64 total)
     case Job::Stage::Fetching:
         break;
     }
-    return QStringLiteral("asking the service");
+    return asking;
 }
 
 } // namespace
 
-JobProgress::JobProgress(Progress *progress, QObject *parent)
+JobProgress::JobProgress(Progress *progress, const QString &asking, QObject *parent)
     : QObject(parent)
     , m_progress(progress)
+    , m_asking(asking)
 {
 }
 
 void JobProgress::show(Job::Stage stage, qint64 done, qint64 total)
 {
     if (stage != Job::Stage::Fetching) {
-        m_progress->show(lineOf(stage, done, total));
+        m_progress->show(lineOf(stage, done, total, m_asking));
         return;
     }
     if (!m_transfer || done < m_transferBegan) {

@@ -4,6 +4,7 @@
 #include "transferprogress.h"
 
 #include <QObject>
+#include <QString>
 
 #include <optional>
 
@@ -16,12 +17,14 @@ class JobProgress : public QObject
     Q_DISABLE_COPY(JobProgress)
 
 public:
-    JobProgress(Progress *progress, QObject *parent);
+    /// @p asking is shown while nothing is known of a request.
+    JobProgress(Progress *progress, const QString &asking, QObject *parent);
 
     void show(Job::Stage stage, qint64 done, qint64 total);
 
 private:
     Progress *m_progress;
+    QString m_asking;
     std::optional<TransferProgress> m_transfer;
     qint64 m_transferBegan = 0; ///< Bytes that were there before.
 };

@@ -53,5 +53,5 @@ void Recognize::start()
     connect(job, &RecognizeJob::succeeded, this, [this](const QString &text) {
         finish(Console::onOneLine(text) + QLatin1Char('\n'), {{QStringLiteral("text"), text}});
     });
-    run(job);
+    run(job, QStringLiteral("recognising"));
 }

@@ -126,8 +126,8 @@ private Q_SLOTS:
         const Outcome outcome = vospeak(command);
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.out, QByteArray());
-        QCOMPARE(outcome.err,
-                 QByteArray("vospeak: the service could not be reached: Connection refused\n"));
+        QCOMPARE(outcome.err, QByteArray("vospeak: cannot reach " SERVICE_BASE_ADDRESS
+                                         ": connection refused; is vo-localservice running?\n"));
         QCOMPARE(entries(), before);
     }
 
@@ -136,8 +136,8 @@ private Q_SLOTS:
         qputenv("QT_LOGGING_RULES", "*.debug=false");
         const Outcome outcome = vospeak(arguments("voices"));
         qunsetenv("QT_LOGGING_RULES");
-        QCOMPARE(outcome.err,
-                 QByteArray("vospeak: the service could not be reached: Connection refused\n"));
+        QCOMPARE(outcome.err, QByteArray("vospeak: cannot reach " SERVICE_BASE_ADDRESS
+                                         ": connection refused; is vo-localservice running?\n"));
     }
 
     void verboseShowsWhyAnOperationFailed()

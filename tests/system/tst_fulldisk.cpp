@@ -147,8 +147,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("room"); // bytes that can still be written
         const QString unwrittenSession = QStringLiteral("the session could not be written: %1");
         const QString unwritten = QStringLiteral("the audio could not be written: %1");
-        const QString unfetched = QStringLiteral("the audio could not be fetched or written (run "
-                                                 "with --verbose to see why)");
+        const QString unfetched = QStringLiteral("the audio could not be fetched or written");
         const QString say = QStringLiteral("say hello --token 1 -o file");
         const QList<QByteArray> signIn{Answers::envelope(), user()};
         QTest::newRow("picture of a code, size of files limited")

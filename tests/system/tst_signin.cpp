@@ -717,13 +717,13 @@ private:
     static void smsRows()
     {
         const char *command = "login --sms 1";
-        const char *refused =
-            "the service refused or sent no usable answer (run with --verbose to see why)";
+        const char *refused = "the service refused: no";
         const char *unusable = "the service sent no usable session";
         row("message and code refused", command,
             {Answers::refusal(429, "no"), Answers::refusal(401, "no")}, refused);
         row("code refused", command, {Answers::envelope(), Answers::refusal(401, "no")}, refused);
-        row("no JSON", command, {Answers::envelope(), ScriptedServer::reply("<html>")}, refused);
+        row("no JSON", command, {Answers::envelope(), ScriptedServer::reply("<html>")},
+            "the service sent no usable answer");
         row("nobody", command, {Answers::envelope(), Answers::envelope()}, unusable);
         row("times that are none", command,
             {Answers::envelope(), Answers::envelope(user(QDateTime(), QDateTime()))}, unusable);
@@ -732,16 +732,16 @@ private:
     static void codeRows()
     {
         const char *command = "login --qr";
-        const char *refused =
-            "the service refused or sent no usable answer (run with --verbose to see why)";
+        const char *refused = "the service refused: no";
+        const char *missing = "the server answered: content not found";
         const char *noPicture = "no usable picture of the code came or could be written";
         const char *expired = "the code has expired";
         const QByteArray picture = ScriptedServer::reply(codePicture());
         row("no scannable code", command, {Answers::refusal(5, "no")}, refused);
         row("picture is missing", command,
-            {code(in(3600)), ScriptedServer::reply("", "404 Not Found")}, refused);
+            {code(in(3600)), ScriptedServer::reply("", "404 Not Found")}, missing);
         row("picture is a page that says that it is missing", command,
-            {code(in(3600)), ScriptedServer::reply(codePicture(), "404 Not Found")}, refused);
+            {code(in(3600)), ScriptedServer::reply(codePicture(), "404 Not Found")}, missing);
         row("picture is no PNG", command, {code(in(3600)), ScriptedServer::reply("<html>")},
             noPicture);
         row("picture is cut short", command,
