@@ -33,7 +33,11 @@ JobProgress::JobProgress(Progress *progress, const QString &asking, QObject *par
 void JobProgress::show(Job::Stage stage, qint64 done, qint64 total)
 {
     if (stage != Job::Stage::Fetching) {
-        m_progress->show(lineOf(stage, done, total, m_asking));
+        const QString line = lineOf(stage, done, total, m_asking);
+        if (line.isEmpty())
+            m_progress->clear();
+        else
+            m_progress->show(line);
         return;
     }
     if (!m_transfer || done < m_transferBegan) {

@@ -3,6 +3,7 @@
 #include "codepicture.h"
 #include "console.h"
 #include "hostkit/signinjobs.h"
+#include "progress.h"
 #include "qrcode.h"
 #include "qrdrawing.h"
 #include "signedin.h"
@@ -31,6 +32,7 @@ void QrSignIn::show(const QString &picture)
                        QStringLiteral("no usable picture of the code came or could be written")});
         return;
     }
+    progress()->clear();
     if (const auto modules = QrCode::read(image))
         Console::show(QrDrawing::draw(*modules, Terminal::is(stderr)));
     Console::show(QStringLiteral("Scan this code to sign in; its picture is %1\n").arg(picture));
