@@ -28,7 +28,9 @@ HostKit::~HostKit()
 {
     delete std::exchange(m_tokens, nullptr);
     releaseAll();
-    if (QThread::currentThread()->loopLevel() == 0)
+    if (QThread::currentThread()->loopLevel() > 0)
+        return;
+    for (int round = 0; round < 2; ++round) // the service objects, then their clients
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 

@@ -2,6 +2,9 @@
 
 #include "hostkit/failurereasons.h"
 #include "network/vonetwork.h"
+#include "network/vonetworkintf.h"
+
+#include <QCoreApplication>
 
 #include <utility>
 
@@ -20,11 +23,13 @@ WaitingCall::~WaitingCall()
 
 Reason WaitingCall::reason() const { return m_reason; }
 
-// What is to be deleted later goes when the thread ends.
+// The service object leaves its client to be deleted later, too. Qt does that when the thread ends,
+// but not for what has come to be deleted meanwhile.
 void WaitingCall::run()
 {
     VoNetworkIntf *service = VoNetwork::CreateVoNetworkIntf();
     m_call(service);
     m_reason = FailureReasons::take();
     VoNetwork::ReleaseVoNetwork(service);
+    QCoreApplication::sendPostedEvents(service, QEvent::DeferredDelete);
 }
