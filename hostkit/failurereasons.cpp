@@ -20,10 +20,11 @@ QMutex &stateMutex()
     return mutex;
 }
 int objects = 0;
-bool isInChain = false; // a handler that was set later may still call this one
 std::atomic<QtMessageHandler> hostsHandler{nullptr};
+std::atomic<QtMessageHandler> earlierHandler{nullptr};
 std::atomic<bool> showsDebug{true}; // what the host's rules say of the category "default"
 
+thread_local bool isHandling = false;
 thread_local Reason lastReason;
 thread_local bool isPictureSafe = false;
 thread_local QString fetchedAddress;
@@ -127,15 +128,24 @@ bool isLibrarys(QtMsgType type, const QMessageLogContext &context)
     return type == QtDebugMsg && (!context.category || qstrcmp(context.category, "default") == 0);
 }
 
+// A host may have set a handler of its own later, which goes on to this one, and which another
+// object of the class has found in front of it: then the message comes here twice.
 void onMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
+    if (isHandling) {
+        if (const QtMessageHandler handler = earlierHandler)
+            handler(type, context, message);
+        return;
+    }
     if (isLibrarys(type, context)) {
         readLine(message);
         if (!showsDebug)
             return;
     }
+    isHandling = true;
     if (const QtMessageHandler handler = hostsHandler)
         handler(type, context, message);
+    isHandling = false;
 }
 
 } // namespace
@@ -148,8 +158,9 @@ FailureReasons::FailureReasons()
         return;
     showsDebug = QLoggingCategory::defaultCategory()->isDebugEnabled();
     QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, true);
-    if (!std::exchange(isInChain, true))
-        hostsHandler = qInstallMessageHandler(onMessage);
+    const QtMessageHandler previous = qInstallMessageHandler(onMessage);
+    if (previous != onMessage)
+        earlierHandler = hostsHandler.exchange(previous);
 }
 
 // A handler that was set meanwhile stays; it may know this one, which goes on to the host's.
@@ -160,8 +171,7 @@ FailureReasons::~FailureReasons()
         return;
     QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, showsDebug);
     const QtMessageHandler current = qInstallMessageHandler(hostsHandler);
-    isInChain = current != onMessage;
-    if (isInChain)
+    if (current != onMessage)
         qInstallMessageHandler(current);
 }
 

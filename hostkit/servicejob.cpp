@@ -36,7 +36,8 @@ void ServiceJob::withToken(const std::function<void(qint64 token)> &use)
 void ServiceJob::failAsTold()
 {
     const Reason reason = FailureReasons::take();
-    if (reason.code != Reason::unauthorized || m_hasRenewed || !m_use) {
+    const bool mayRenew = m_use && !m_hasRenewed && m_kit->tokens()->usesSession();
+    if (reason.code != Reason::unauthorized || !mayRenew) {
         fail(reason.isNone() ? notAnswered() : reason);
         return;
     }

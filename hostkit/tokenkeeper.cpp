@@ -29,6 +29,8 @@ TokenKeeper::~TokenKeeper() = default;
 
 void TokenKeeper::setToken(qint64 token) { m_given = token; }
 
+bool TokenKeeper::usesSession() const { return !m_given; }
+
 Reason TokenKeeper::problem() const
 {
     if (m_given)
@@ -85,6 +87,8 @@ void TokenKeeper::give(QObject *context, const Use &use, const Refuse &refuse)
 
 void TokenKeeper::renew(qint64 refused, QObject *context, const Use &use, const Refuse &refuse)
 {
+    if (m_given)
+        return use(*m_given);
     if (const Reason reason = problem(); !reason.isNone())
         return refuse(reason);
     const Session now = session();

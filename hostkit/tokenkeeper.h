@@ -32,6 +32,9 @@ public:
     /// Has every request use @p token from now on, and no session.
     void setToken(qint64 token);
 
+    /// Whether requests have the token of the session, which can be renewed.
+    bool usesSession() const;
+
     /// Why no request can have a token, as far as that shows without the service; none: one can.
     Reason problem() const;
 

@@ -118,6 +118,7 @@ private Q_SLOTS:
         m_server->reset(); // it answers nothing
         job->setTimeout(150);
         QCOMPARE(reasonOf(job.get()).kind, Kind::TimedOut);
+        m_kit.reset(); // others may wait for a renewal, which goes on until then
         everythingIsOver();
     }
 
@@ -131,6 +132,7 @@ private Q_SLOTS:
         TRY_COMPARE(m_server->requests().size(), 1);
         job->cancel();
         QCOMPARE(watch.reason().kind, Kind::Cancelled);
+        m_kit.reset();
         everythingIsOver();
         QCOMPARE(watch.ends(), 1);
     }
@@ -154,7 +156,7 @@ private Q_SLOTS:
             QVERIFY(watch.ends() <= 1);
         } while (!m_doomed);
         m_doomed.reset();
-        QVERIFY(m_moments > 2);
+        QVERIFY(m_moments > 1);
     }
 
     void requestsAtOnceHaveTheirOwnAnswers()
