@@ -3,6 +3,7 @@
 #include "tests/support/patience.h"
 
 #include <QDebug>
+#include <QLibrary>
 #include <QNetworkReply>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -83,4 +84,9 @@ quint16 HttpTesting::deadPort()
     QTcpServer server;
     server.listen(QHostAddress::LocalHost);
     return server.serverPort(); // free again on return
+}
+
+bool HttpTesting::isUnderWine()
+{
+    return QLibrary::resolve(QStringLiteral("ntdll"), "wine_get_version") != nullptr;
 }

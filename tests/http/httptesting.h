@@ -53,4 +53,7 @@ void addDownloadRows();
 /// A port on which nobody listens.
 quint16 deadPort();
 
+/// Whether this program is one for Windows that Wine runs.
+bool isUnderWine();
+
 } // namespace HttpTesting

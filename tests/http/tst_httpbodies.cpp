@@ -165,7 +165,8 @@ private Q_SLOTS:
         request.fileMapBody({{"a"_s, fileNamed("there.txt"_s, "there")}, {"b"_s, path}});
         LogCapture log; // Qt may complain of the closed device; the toolkit does not
         const WireRequest got(sent(request, client));
-        QVERIFY(boundaryOf(got).startsWith("boundary_.oOo._"));
+        QVERIFY2(boundaryOf(got).startsWith("boundary_.oOo._"),
+                 boundaryOf(got) + got.line + got.body);
         QCOMPARE(got.header("Content-Length"), "0"_b);
         QCOMPARE(got.body, ""_b);
         QCOMPARE(log.texts(QtCriticalMsg), QStringList());

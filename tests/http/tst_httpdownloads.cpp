@@ -7,7 +7,6 @@
 #include "tests/support/testfolder.h"
 
 #include <QFile>
-#include <QLibrary>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
@@ -33,11 +32,6 @@ class TestHttpDownloads : public QObject
     }
 
     /// Connections that the server still has.
-    static bool isUnderWine()
-    {
-        return QLibrary::resolve("ntdll"_s, "wine_get_version") != nullptr;
-    }
-
     static int connections(const ScriptedServer &server)
     {
         return server.findChildren<QTcpSocket *>().size();
@@ -321,7 +315,7 @@ private Q_SLOTS:
     void aDownloadThatIsDroppedWritesNothingMore()
     {
         QFETCH(bool, byClient);
-        if (!byClient && isUnderWine())
+        if (!byClient && HttpTesting::isUnderWine())
             QSKIP(
                 "Wine does not tell the server of a reset that comes while Qt sets up its events");
         ScriptedServer server;
