@@ -14,7 +14,7 @@ public_headers() { # FOLDER
     sed -n '/^set(public_headers/,/)/s/^ *\([a-z]*[.]h\).*/\1/p' "$1/CMakeLists.txt" | sed "s|^|$1/|"
 }
 inputs=({,localservice/,benchmarks/}README.md CONTRIBUTING.md CHANGELOG.md docs/*.md docs/decisions/*.md)
-for folder in http network; do
+for folder in hostkit http network; do
     mapfile -t headers < <(public_headers "$folder")
     [ ${#headers[@]} -gt 0 ] || { echo "docs: there are no public headers in $folder/" >&2; exit 1; }
     inputs+=("${headers[@]}")

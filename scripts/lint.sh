@@ -18,7 +18,7 @@ export CLAZY_IGNORE_DIRS='(/usr/include|_autogen|/tests/)'
 cmake --preset lint >/dev/null
 mapfile -t generated < <(ninja -C build/lint -t targets all | sed -n 's/^\([^/]*_autogen\): phony$/\1/p')
 cmake --build --preset lint --target "${generated[@]}" \
-    {http,network,localservice,examples,fuzz,benchmarks}/all
+    {hostkit,http,network,localservice,examples,fuzz,benchmarks}/all
 
 # The one that must not compile stays out.
 git ls-files '*.cpp' ':!tests/http/misfit.cpp' |
