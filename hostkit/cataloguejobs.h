@@ -19,6 +19,7 @@ class VoicesJob : public ServiceJob
     Q_DISABLE_COPY(VoicesJob)
 
 public:
+    /// @p kit outlives the job.
     explicit VoicesJob(HostKit *kit, QObject *parent = nullptr);
 
 Q_SIGNALS:
@@ -37,6 +38,7 @@ class MusicJob : public ServiceJob
     Q_DISABLE_COPY(MusicJob)
 
 public:
+    /// @p kit outlives the job.
     explicit MusicJob(HostKit *kit, QObject *parent = nullptr);
 
 Q_SIGNALS:
@@ -50,13 +52,14 @@ protected:
 /// What the service says of newer versions.
 struct Update
 {
+    /// The values on which the service and its hosts have agreed.
     enum class State : qint32 { UpToDate = 0, NewerIsThere = 1, NewerIsNeeded = 2 };
 
-    State state = State::UpToDate;
-    QString currentVersion;
-    QString version;     ///< That is offered.
-    QStringList changes; ///< In it.
-    QString address;     ///< Where it is to be had.
+    State state = State::UpToDate; ///< What to do.
+    QString currentVersion;        ///< Of the library.
+    QString version;               ///< That is offered.
+    QStringList changes;           ///< In it.
+    QString address;               ///< Where it is to be had.
 };
 
 /// Asks whether there is a newer version.
@@ -66,9 +69,11 @@ class UpdateJob : public ServiceJob
     Q_DISABLE_COPY(UpdateJob)
 
 public:
+    /// @p kit outlives the job.
     explicit UpdateJob(HostKit *kit, QObject *parent = nullptr);
 
 Q_SIGNALS:
+    /// The service has answered.
     void succeeded(const Update &update);
 
 protected:

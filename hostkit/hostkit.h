@@ -19,6 +19,7 @@ public:
     explicit HostKit(const QString &label, QObject *parent = nullptr);
     ~HostKit() override;
 
+    /// As the constructor got it.
     QString label() const;
 
     /// Owned by this.

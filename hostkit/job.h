@@ -16,6 +16,7 @@ class Job : public QObject
     Q_DISABLE_COPY(Job)
 
 public:
+    /// What a job is doing.
     enum class Stage {
         Asking,         ///< A request is under way; nothing is known of its length.
         Uploading,      ///< A recording is sent; in bytes.
@@ -33,6 +34,7 @@ public:
     };
     Q_ENUM(Form)
 
+    /// Does nothing before start().
     explicit Job(QObject *parent = nullptr);
     ~Job() override;
 

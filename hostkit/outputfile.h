@@ -10,6 +10,7 @@ class QByteArray;
 class OutputFile
 {
 public:
+    /// The file @p path; where that is a link, the file to which it leads.
     explicit OutputFile(const QString &path);
 
     /// Why the file cannot be written, as far as that shows without writing it; empty: it can.

@@ -6,6 +6,7 @@
 /// Why something failed, told to the user in one line.
 struct Reason
 {
+    /// What hosts tell apart.
     enum class Kind {
         None,        ///< Nothing failed.
         Unreachable, ///< Nobody answers at the address of the service.
@@ -26,10 +27,11 @@ struct Reason
     /// The "code" of a service that takes an access token no longer.
     static constexpr int unauthorized = 401;
 
-    Kind kind = Kind::None;
-    QString text; ///< What went wrong, without what to do next.
-    int code = 0; ///< The service's own code of a refusal; 0: it gave none.
+    Kind kind = Kind::None; ///< Kind::None: there is nothing to tell.
+    QString text;           ///< What went wrong, without what to do next.
+    int code = 0;           ///< The service's own code of a refusal; 0: it gave none.
 
+    /// Whether nothing failed.
     bool isNone() const { return kind == Kind::None; }
 
     /// The line for the user: the text, and what the host says that can be done about this kind.

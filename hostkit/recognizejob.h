@@ -26,6 +26,7 @@ Q_SIGNALS:
     void succeeded(const QString &text);
 
 protected:
+    /// Checks the limits, and asks the service.
     void beginAnew() override;
     void askAfter(const QString &id, qint64 token) override;
     void onResult(const QString &text) override;

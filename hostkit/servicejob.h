@@ -15,8 +15,10 @@ class ServiceJob : public Job
     Q_DISABLE_COPY(ServiceJob)
 
 protected:
+    /// @p kit outlives the job.
     ServiceJob(HostKit *kit, QObject *parent);
 
+    /// What the jobs of the host share; not owned.
     HostKit *kit() const;
 
     /// The service object of this job. Nothing else of the job may be pending in it.

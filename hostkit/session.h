@@ -15,13 +15,14 @@ struct Session
     /// The session that toJson() made @p object of; not valid when @p object is something else.
     static Session from(const QJsonObject &object);
 
+    /// As it is kept.
     QJsonObject toJson() const;
 
     /// Whether it has both tokens and their times.
     bool isValid() const;
 
-    qint64 userId = 0;
-    QString nickname;
+    qint64 userId = 0;       ///< The user's number with the service.
+    QString nickname;        ///< To be shown to the user.
     qint64 token = 0;        ///< Access token; 0: none.
     qint64 refreshToken = 0; ///< 0: none.
     QDateTime tokenExpiry;   ///< When the access token ends.

@@ -19,6 +19,7 @@ Session load();
 /// Replaces the file, whole or not at all. Returns why that failed; empty: it is done.
 QString save(const Session &session);
 
+/// Whether there is such a file.
 bool exists();
 
 /// False when the file could not be removed.

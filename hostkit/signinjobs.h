@@ -20,11 +20,13 @@ Q_SIGNALS:
     void succeeded(const UserInfo &user);
 
 protected:
+    /// @p kit outlives the job.
     using ServiceJob::ServiceJob;
 
     /// Checks that a session can be kept, then calls signIn().
     void begin() override;
 
+    /// Begins to sign in; ends with finishWith() or fail().
     virtual void signIn() = 0;
 
     /// Keeps the session of @p user and ends the job.
@@ -38,6 +40,7 @@ class CodeSignInJob : public SignInJob
     Q_DISABLE_COPY(CodeSignInJob)
 
 public:
+    /// @p kit outlives the job.
     explicit CodeSignInJob(HostKit *kit, QObject *parent = nullptr);
     ~CodeSignInJob() override;
 
@@ -47,6 +50,7 @@ Q_SIGNALS:
     void codeReady(const QString &picture, const QDateTime &expires);
 
 protected:
+    /// Asks for a code.
     void signIn() override;
 
 private:
@@ -67,6 +71,7 @@ class SmsSignInJob : public SignInJob
     Q_DISABLE_COPY(SmsSignInJob)
 
 public:
+    /// @p phone is the number, as the user writes it. @p kit outlives the job.
     SmsSignInJob(HostKit *kit, const QString &phone, QObject *parent = nullptr);
 
     /// Signs in with @p code, once codeSent() was emitted; before start(), for a code that the user
@@ -78,6 +83,7 @@ Q_SIGNALS:
     void codeSent();
 
 protected:
+    /// Has the code sent.
     void signIn() override;
 
 private:
@@ -95,6 +101,7 @@ class RenewJob : public ServiceJob
     Q_DISABLE_COPY(RenewJob)
 
 public:
+    /// @p kit outlives the job.
     explicit RenewJob(HostKit *kit, QObject *parent = nullptr);
 
 Q_SIGNALS:

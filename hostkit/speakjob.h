@@ -8,15 +8,15 @@
 /// What is to be spoken, and how.
 struct Speech
 {
-    QString text;
+    QString text;                           ///< To be spoken.
     QString voice;                          ///< DubInfo::voiceParam.
     QString format = QStringLiteral("wav"); ///< The service's name of the audio format.
     qint32 sampleRate = 16000;              ///< Samples per second.
     qint32 volume = 50;                     ///< 0 to 100.
     qint32 speed = 0;                       ///< -500 to 500; 0 is the voice's own.
     qint32 pitch = 0;                       ///< -500 to 500; 0 is the voice's own.
-    Job::Form form = Job::Form::ByLength;
-    bool isAnonymous = false; ///< Without a token: short, and shorter than with one.
+    Job::Form form = Job::Form::ByLength;   ///< Long: as a task.
+    bool isAnonymous = false;               ///< Without a token: short, and shorter than with one.
 };
 
 /// Speaks a text into a file, which appears whole or not at all.
@@ -38,6 +38,7 @@ Q_SIGNALS:
     void succeeded(const QString &path, qint64 bytes);
 
 protected:
+    /// Checks the limits, and asks the service.
     void beginAnew() override;
     void askAfter(const QString &id, qint64 token) override;
     void onResult(const QString &address) override;

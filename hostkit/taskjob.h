@@ -26,16 +26,20 @@ Q_SIGNALS:
     void named(const QString &id);
 
 protected:
+    /// @p kit outlives the job.
     using ServiceJob::ServiceJob;
 
     /// Takes up the task, or calls beginAnew().
     void begin() override;
 
+    /// Has the service create a task, or does without one.
     virtual void beginAnew() = 0;
 
-    /// The next two are called with what the service object answers; 0 is success, 1 means that
-    /// the task is queued or runs.
+    /// Takes what the service object answers about a new task; @p status 0 is success.
     void onCreated(int status, const QString &id);
+
+    /// Takes what the service object answers about the task; @p status 0 is success, 1 means that
+    /// it is queued or runs.
     void onStatus(int status, const QString &id, const QString &result);
 
     /// Asks the service about the task; onStatus() takes the answer.

@@ -22,7 +22,9 @@ class TokenKeeper : public QObject
     Q_DISABLE_COPY(TokenKeeper)
 
 public:
+    /// Called with an access token.
     using Use = std::function<void(qint64 token)>;
+    /// Called where there is no token.
     using Refuse = std::function<void(const Reason &reason)>;
 
     /// HostKit makes one.

@@ -11,12 +11,12 @@ namespace WavFile {
 /// What a WAV file says of itself, and where its samples are.
 struct Format
 {
-    int coding = 0; ///< 1: samples are whole numbers (PCM); 3: floating point.
-    int channels = 0;
-    int sampleRate = 0; ///< Samples per second and channel.
-    int bitsPerSample = 0;
-    qint64 dataStart = 0; ///< Bytes before the first sample.
-    qint64 dataSize = 0;  ///< Bytes of the samples, as far as they are there.
+    int coding = 0;        ///< 1: samples are whole numbers (PCM); 3: floating point.
+    int channels = 0;      ///< At least 1.
+    int sampleRate = 0;    ///< Samples per second and channel.
+    int bitsPerSample = 0; ///< At least 8.
+    qint64 dataStart = 0;  ///< Bytes before the first sample.
+    qint64 dataSize = 0;   ///< Bytes of the samples, as far as they are there.
 
     /// Seconds.
     double duration() const;
