@@ -297,6 +297,7 @@ private Q_SLOTS:
         client.start(program, {QStringLiteral("s_client"), QStringLiteral("-quiet"),
                                QStringLiteral("-connect"), QUrl(serviceAddress()).authority()});
         client.write("GET /ucenter/public/index.php/v1/login/getMpQrCode HTTP/1.0\r\n\r\n");
+        QVERIFY(client.waitForBytesWritten(patienceMs));
         m_page = m_steps->takePage();
         client.closeWriteChannel();
         QVERIFY(client.waitForFinished(patienceMs));
@@ -310,6 +311,7 @@ private Q_SLOTS:
         m_steps.reset(new SignInSteps(m_service.data()));
         QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
         tls.setCaCertificates(QSslCertificate::fromPath(m_service->authority()));
+        tls.setProtocol(QSsl::TlsV1_2); // closing TLS 1.3 with unread tickets would reset it
         QSslSocket client;
         client.setSslConfiguration(tls);
         const QUrl service(serviceAddress());
@@ -317,6 +319,7 @@ private Q_SLOTS:
         QVERIFY(client.waitForEncrypted(patienceMs));
         m_service->send(SIGSTOP); // it reads the request when nobody has the connection any more
         client.write("GET /ucenter/public/index.php/v1/login/getMpQrCode HTTP/1.0\r\n\r\n");
+        QVERIFY(client.waitForBytesWritten(patienceMs));
         client.disconnectFromHost();
         QVERIFY(client.state() == QAbstractSocket::UnconnectedState
                 || client.waitForDisconnected(patienceMs));
