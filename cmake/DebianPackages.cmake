@@ -76,4 +76,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
         COMPONENT ${component})
 endforeach()
 
+# Debian's man pages are compressed.
+install(CODE
+    "execute_process(COMMAND gzip -9nf \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/vospeak.1\"
+        COMMAND_ERROR_IS_FATAL ANY)"
+    COMPONENT tools)
+
 include(CPack)

@@ -40,6 +40,13 @@ function(vonetwork_install_program target component)
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component})
 endfunction()
 
+# Installs a document that the build makes.
+function(vonetwork_install_document path folder component)
+    if(VONETWORK_INSTALL)
+        install(FILES ${path} DESTINATION ${folder} COMPONENT ${component})
+    endif()
+endfunction()
+
 # Installs the files by which CMake and pkg-config find the libraries.
 function(vonetwork_install_package)
     set(templates ${PROJECT_SOURCE_DIR}/cmake/package)

@@ -1,6 +1,7 @@
 // Fuzzes how vospeak reads its command line. Each line of the input is an argument.
 
-#include "examples/cli/commandline.h"
+#include "examples/cli/commandline/commandline.h"
+#include "examples/cli/commandline/commandtable.h"
 #include "input.h"
 #include "qthost.h"
 
@@ -38,27 +39,26 @@ void checkLogin(const Options &options, const QStringList &arguments)
             "signing in is by number or by code");
 }
 
+void checkSay(const Options &options)
+{
+    require(!options.textFile.isEmpty() || !options.speech.text.trimmed().isEmpty(),
+            "what is said has a text");
+    require(options.speech.sampleRate > 0 && (options.play || !options.output.isEmpty()),
+            "what is said has a rate, and a file or a listener");
+    require(!options.speech.isAnonymous || !options.token, "nobody has no token");
+}
+
 void check(const Options &options, const QStringList &arguments)
 {
-    require(!options.anonymous || !options.token, "nobody has no token");
-    switch (options.action) {
-    case Options::Action::Say:
-        require(!options.text.trimmed().isEmpty() && options.sampleRate > 0
-                    && !options.output.isEmpty(),
-                "what is said has a text, a rate and a file");
-        break;
-    case Options::Action::Recognize:
-        require(!options.recording.isEmpty(), "what is recognised has a name");
-        break;
-    case Options::Action::Fetch:
+    const QLatin1String command(options.command->name);
+    if (command == QLatin1String("say"))
+        checkSay(options);
+    else if (command == QLatin1String("recognize"))
+        require(!options.subjects.contains(QString()), "what is recognised has a name");
+    else if (command == QLatin1String("fetch"))
         checkFetch(options, arguments);
-        break;
-    case Options::Action::Login:
+    else if (command == QLatin1String("login"))
         checkLogin(options, arguments);
-        break;
-    default:
-        break;
-    }
 }
 
 } // namespace

@@ -14,7 +14,8 @@ set -euo pipefail
 build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-json3-dev
     libssl-dev flite1-dev libpocketsphinx-dev libsphinxbase-dev pocketsphinx-en-us libsndfile1-dev
     libsamplerate0-dev libsqlitecpp-dev libqrencode-dev openssl ca-certificates)
-test=(abigail-tools ccache iproute2 nginx-light python3-httpbin gunicorn squid zbar-tools)
+test=(abigail-tools ccache fish iproute2 man-db mandoc nginx-light python3-httpbin gunicorn squid
+    zbar-tools zsh)
 check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev g++-mingw-w64-x86-64-posix)
 docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)

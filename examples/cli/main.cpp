@@ -1,18 +1,20 @@
-#include "command.h"
-#include "commandline.h"
-#include "console.h"
-#include "ending.h"
-#include "exitstatus.h"
+#include "commandline/authority.h"
+#include "commandline/commandline.h"
+#include "commandline/commandtable.h"
+#include "commands/command.h"
+#include "commands/ending.h"
 #include "hostkit/failurereasons.h"
 #include "hostkit/hostkit.h"
-#include "hostkit/inputfile.h"
-#include "hostkit/outputfile.h"
 #include "hostkit/proxies.h"
 #include "hostkit/tokenkeeper.h"
 #include "hostkit/trust.h"
-#include "interrupt.h"
 #include "network/vonetwork.h"
-#include "progress.h"
+#include "terminal/console.h"
+#include "terminal/exitstatus.h"
+#include "terminal/failures.h"
+#include "terminal/interrupt.h"
+#include "terminal/progress.h"
+#include "terminal/terminal.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -22,33 +24,15 @@
 
 namespace {
 
-QString downloadProblem(const OutputFile &file, bool resume)
-{
-    const QString problem = file.problem();
-    return problem.isEmpty() ? file.partProblem(resume) : problem;
-}
-
-// Files are checked before the service is asked for anything.
-QString fileProblem(const Options &options)
-{
-    if (options.action == Options::Action::Say)
-        return OutputFile(options.output).problem();
-    if (options.action == Options::Action::Fetch)
-        return downloadProblem(OutputFile(options.output), options.resume);
-    if (options.action == Options::Action::Recognize && !InputFile::isAddress(options.recording))
-        return InputFile::problem(options.recording);
-    return {};
-}
-
 // Qt replaces what it cannot read in an argument. The name of a file would be that of another.
 bool isText(const char *argument)
 {
     return QString::fromLocal8Bit(argument).toLocal8Bit() == argument;
 }
 
-int refuse(const QString &problem, ExitStatus status)
+int refuse(const Options &options, const QString &problem, ExitStatus status)
 {
-    Console::complain(problem);
+    Failures::tell(problem, status, options.json);
     return status;
 }
 
@@ -62,12 +46,7 @@ void setHints()
     Reason::setHint(Kind::Proxy, QStringLiteral(" (see --proxy)"));
     Reason::setHint(Kind::SignIn, waysIn);
     Reason::setHint(Kind::TooLong, QStringLiteral(": use --long"));
-}
-
-bool needsToken(const Options &options)
-{
-    return options.action == Options::Action::Recognize
-           || (options.action == Options::Action::Say && !options.anonymous);
+    Reason::setHint(Kind::TimedOut, QStringLiteral(" (see --timeout)"));
 }
 
 int carryOut(const Options &options)
@@ -76,12 +55,15 @@ int carryOut(const Options &options)
     HostKit kit(QStringLiteral("vospeak"));
     if (options.token)
         kit.tokens()->setToken(*options.token);
-    if (const Reason reason = kit.tokens()->problem(); needsToken(options) && !reason.isNone())
-        return refuse(reason.line(), Failure);
+    if (const Reason reason = kit.tokens()->problem();
+        CommandTable::needsToken(options) && !reason.isNone()) {
+        Failures::tell(reason, options.json);
+        return exitStatus(reason.kind);
+    }
 
     // With --verbose the log goes to the same terminal and would run into the progress line.
-    Progress progress(!options.verbose);
-    const std::unique_ptr<Command> command = Command::make(options, {&kit, &progress});
+    Progress progress(!options.verbose && !options.quiet);
+    const std::unique_ptr<Command> command = options.command->make(options, {&kit, &progress});
     Ending ending;
     QObject::connect(command.get(), &Command::succeeded, &ending, [&] { ending.end(Success); });
     QObject::connect(command.get(), &Command::failed, &ending, &Ending::fail);
@@ -92,8 +74,27 @@ int carryOut(const Options &options)
     const int status = QCoreApplication::exec();
     progress.clear();
     if (!ending.reason().isNone())
-        Console::complain(ending.reason().line());
+        Failures::tell(ending.reason(), options.json);
+    else if (status != Success && !command->wayOn().isEmpty())
+        progress.tell(command->wayOn());
     return status;
+}
+
+// Everything that can be wrong before the service is asked. Empty: nothing is.
+QString problemBefore(Options &options)
+{
+    const CommandRow &command = *options.command;
+    if (command.prepare) {
+        if (QString problem = command.prepare(options); !problem.isEmpty())
+            return problem;
+    }
+    if (const QString authority = Authority::of(options); !authority.isEmpty()) {
+        if (QString problem = Trust::add(authority); !problem.isEmpty())
+            return problem;
+    }
+    if (command.needs == Needs::Nothing)
+        return {};
+    return Proxies::use(options.proxy, options.address);
 }
 
 } // namespace
@@ -106,28 +107,21 @@ int main(int argc, char *argv[])
 
     Console::setUpStreams();
     if (!std::all_of(argv, argv + argc, isText))
-        return refuse(QStringLiteral("an argument is no text in the encoding of the locale"),
+        return refuse({}, QStringLiteral("an argument is no text in the encoding of the locale"),
                       WrongUse);
     const CommandLine commandLine(QCoreApplication::arguments());
+    Options options = commandLine.options();
     if (!commandLine.problem().isEmpty())
-        return refuse(commandLine.problem(), WrongUse);
+        return refuse(options, commandLine.problem(), WrongUse);
     if (const QString information = commandLine.information(); !information.isEmpty())
-        return Console::print(information) ? Success : refuse(Console::printingFailed(), Failure);
+        return Console::print(information) ? Success
+                                           : refuse(options, Console::printingFailed(), Failure);
 
-    const Options &options = commandLine.options();
     Console::setUpLog(options.verbose);
-    if (const QString problem = fileProblem(options); !problem.isEmpty())
-        return refuse(problem, WrongUse);
-    if (!options.authority.isEmpty()) {
-        if (const QString problem = Trust::add(options.authority); !problem.isEmpty())
-            return refuse(problem, WrongUse);
-    }
-    if (options.action != Options::Action::Logout) { // a logout asks no server
-        if (const QString problem = Proxies::use(options.proxy, options.address);
-            !problem.isEmpty())
-            return refuse(problem, WrongUse);
-    }
+    Terminal::setColour(options.colour);
     setHints();
+    if (const QString problem = problemBefore(options); !problem.isEmpty())
+        return refuse(options, problem, WrongUse);
     const int status = carryOut(options);
     Console::endLog();
     // The destructor of the application waits for name lookups, which cannot be cancelled.

@@ -1,0 +1,16 @@
+#pragma once
+
+class QString;
+struct Options;
+
+namespace Authority {
+
+/// The PEM file with the authorities that are trusted besides the system's: that of --ca, of the
+/// variable VOSPEAK_CA, or of the line ca=FILE in vospeak.conf, whichever comes first. Empty: none
+/// is named.
+QString of(const Options &options);
+
+/// The path of vospeak.conf.
+QString settings();
+
+} // namespace Authority

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "commandline/options.h"
+#include "commands/tools.h"
+#include "hostkit/reason.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QString>
+
+class Job;
+
+/// One thing that the user can ask for. It goes on by the signals of a job, in the event loop.
+class Command : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(Command)
+
+public:
+    Command(const Options &options, const Tools &tools);
+    ~Command() override;
+
+    /// To be called once, in an event loop; answered once, by succeeded() or failed().
+    virtual void start() = 0;
+
+    /// How the user goes on with what is interrupted now, as a line; empty: by beginning anew.
+    QString wayOn() const;
+
+Q_SIGNALS:
+    void succeeded();
+    void failed(const Reason &reason);
+
+protected:
+    const Options &options() const;
+    HostKit *kit() const;
+    Progress *progress() const;
+
+    void setWayOn(const QString &line);
+
+    /// Starts @p job, which is a child of this: its progress is shown, with @p asking for a request
+    /// of which nothing is known, and its failure is that of the command.
+    void run(Job *job, const QString &asking = {});
+
+    /// Prints a part of the result, @p text or, for a user who wants JSON, @p document. False,
+    /// after failed(), when that is impossible.
+    bool print(const QString &text, const QJsonObject &document);
+
+    /// Prints the rest of the result and emits succeeded(), or failed().
+    void finish(const QString &text, const QJsonObject &document);
+
+private:
+    Tools m_tools;
+    Options m_options;
+    QString m_wayOn;
+};

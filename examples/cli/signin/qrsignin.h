@@ -1,0 +1,22 @@
+#pragma once
+
+#include "commands/command.h"
+
+class CodeSignInJob;
+
+/// Signs in by a code that the user scans with a phone.
+class QrSignIn : public Command
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(QrSignIn)
+
+public:
+    using Command::Command;
+
+    void start() override;
+
+private:
+    void show(const QString &picture);
+
+    CodeSignInJob *m_job = nullptr; ///< A child.
+};
