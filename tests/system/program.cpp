@@ -58,5 +58,8 @@ QStringList arguments(const char *line) { return QString::fromUtf8(line).split(Q
 
 bool isOneLine(const QByteArray &err)
 {
-    return err.startsWith("vospeak: ") && err.count('\n') == 1 && err.endsWith('\n');
+    return (err.startsWith("vospeak: ") || err.startsWith("{\"error\":{")) && err.count('\n') == 1
+           && err.endsWith('\n');
 }
+
+bool isFailure(int status) { return status == 1 || (status >= 3 && status <= 5); }

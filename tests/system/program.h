@@ -53,5 +53,8 @@ Outcome vospeak(const QStringList &arguments);
 /// The words of @p line, which are separated by single blanks.
 QStringList arguments(const char *line);
 
-/// Whether @p err is one line for the user and nothing else.
+/// Whether @p err is one line for the user, or for a program that reads JSON, and nothing else.
 bool isOneLine(const QByteArray &err);
+
+/// Whether @p status is that of an operation that failed once a server was asked, whatever it was.
+bool isFailure(int status);

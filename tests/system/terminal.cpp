@@ -9,13 +9,13 @@
 #include <termios.h>
 #include <unistd.h>
 
-Terminal::Terminal()
+Terminal::Terminal(quint16 columns)
     : m_end(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
 {
     if (m_end < 0 || grantpt(m_end) != 0 || unlockpt(m_end) != 0)
         qFatal("there is no terminal");
     m_other = ::open(ptsname(m_end), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    const winsize size = {24, 80, 0, 0};
+    const winsize size = {24, columns, 0, 0};
     ioctl(m_end, TIOCSWINSZ, &size);
 }
 

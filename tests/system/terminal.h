@@ -3,13 +3,13 @@
 #include <QByteArray>
 #include <QString>
 
-/// A terminal of 24 rows and 80 columns, in which a program under test may run.
+/// A terminal of 24 rows, in which a program under test may run.
 class Terminal
 {
     Q_DISABLE_COPY(Terminal)
 
 public:
-    Terminal();
+    explicit Terminal(quint16 columns = 80);
     ~Terminal();
 
     /// The file to be opened by the program.

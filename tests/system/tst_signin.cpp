@@ -4,6 +4,7 @@
 #include "tests/system/answers.h"
 #include "tests/system/home.h"
 #include "tests/system/program.h"
+#include "tests/system/terminal.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -12,12 +13,12 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 #include <QtEndian>
 #include <QtTest>
 
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <limits>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -275,7 +276,12 @@ private Q_SLOTS:
     {
         signInByCode();
         QStringList expected = drawnCode();
-        expected << QStringLiteral("Scan this code to sign in; its picture is %1\n")
+        expected << QStringLiteral(
+            "Open the sign-in page that vo-localservice has just printed in a "
+            "browser of this machine;")
+                 << QStringLiteral(
+                        "it has to trust tls/authority.pem of the service's data folder. "
+                        "The code is in %1\n")
                         .arg(m_home->picture());
         QCOMPARE(QString::fromUtf8(m_outcome.err), expected.join(QLatin1Char('\n')));
         QFile picture(m_home->picture());
@@ -314,23 +320,76 @@ private Q_SLOTS:
 
     void onATerminalTheCodeIsBlackOnWhite()
     {
-        const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-        QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
-        m_server.answer(code(in(3600)));
-        m_server.answer(ScriptedServer::reply(codePicture()));
-        m_server.answer(confirmed(user(in(3600), in(7200))));
-        Program program(withAuthority(arguments("login --qr")),
-                        QString::fromLocal8Bit(ptsname(terminal)));
-        QCOMPARE(program.outcome().status, 0);
-        QByteArray shown(65536, '\0');
-        shown.truncate(int(::read(terminal, shown.data(), size_t(shown.size()))));
-        ::close(terminal);
+        Terminal terminal;
+        QCOMPARE(signInOn(terminal, {}), 0);
+        const QByteArray shown = terminal.read();
         QStringList expected;
         const QStringList lines = drawnCode();
         for (const QString &line : lines)
             expected << QStringLiteral("\x1b[38;5;16;48;5;231m%1\x1b[0m").arg(line);
-        QCOMPARE(QString::fromUtf8(shown).split(QStringLiteral("\r\n")).mid(0, lines.size()),
-                 expected);
+        QCOMPARE(QString::fromUtf8(shown).split(QLatin1Char('\n')).mid(0, lines.size()), expected);
+    }
+
+    void aTerminalThatIsTooNarrowForTheCodeIsToldSo()
+    {
+        Terminal terminal(28);
+        QCOMPARE(signInOn(terminal, {}), 0);
+        const QByteArrayList lines = Terminal::linesOf(terminal.read());
+        QCOMPARE(lines.at(0),
+                 QByteArray("The code needs a terminal of 29 columns; or see --open."));
+        Terminal wideEnough(29);
+        QCOMPARE(signInOn(wideEnough, {}), 0);
+        QVERIFY(wideEnough.read().contains("\xe2\x96\x88"));
+    }
+
+    void theUserDecidesWhetherTheCodeIsColoured_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QByteArray>("variable");
+        QTest::addColumn<bool>("isColoured");
+        QTest::newRow("auto") << arguments("--color auto") << QByteArray() << true;
+        QTest::newRow("never") << arguments("--color never") << QByteArray() << false;
+        QTest::newRow("NO_COLOR") << QStringList() << QByteArray("1") << false;
+        QTest::newRow("NO_COLOR, always") << arguments("--color always") << QByteArray("1") << true;
+    }
+    void theUserDecidesWhetherTheCodeIsColoured()
+    {
+        QFETCH(const QStringList, options);
+        QFETCH(const QByteArray, variable);
+        QFETCH(const bool, isColoured);
+        qputenv("NO_COLOR", variable);
+        Terminal terminal;
+        const int status = signInOn(terminal, options);
+        qunsetenv("NO_COLOR");
+        QCOMPARE(status, 0);
+        QCOMPARE(terminal.read().contains("\x1b["), isColoured);
+    }
+
+    void thePictureOfTheCodeIsOpened()
+    {
+        const QTemporaryDir folder;
+        TestFolder::write(folder.filePath(QStringLiteral("xdg-open")),
+                          "#!/bin/sh\necho \"$1\" >\"$0.opened\"\n");
+        QFile::setPermissions(folder.filePath(QStringLiteral("xdg-open")),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
+        signInByCode(arguments("--open"));
+        qputenv("PATH", path);
+        QCOMPARE(m_outcome.status, 0);
+        TRY_COMPARE(TestFolder::contents(folder.filePath(QStringLiteral("xdg-open.opened"))),
+                    m_home->picture().toUtf8() + '\n');
+    }
+
+    void whoAmITellsTheSession()
+    {
+        const QDateTime expiry = in(7200);
+        m_home->writeSession(session(in(3600), expiry));
+        const Outcome outcome = vospeak(arguments("whoami"));
+        QCOMPARE(QString::fromUtf8(outcome.out),
+                 QStringLiteral("signed in as Zoë until %1\n").arg(localText(expiry)));
+        QCOMPARE(outcome.status, 0);
+        QCOMPARE(m_server.requests().size(), 0);
     }
 
     void jsonSaysWhoSignedInAndNoToken()
@@ -415,7 +474,7 @@ private Q_SLOTS:
         Program program(withAuthority(command));
         program.type("123456\n");
         const Outcome outcome = program.outcome();
-        QCOMPARE(outcome.status, 1);
+        QVERIFY(isFailure(outcome.status));
         QCOMPARE(outcome.out, QByteArray());
         QCOMPARE(lastLine(outcome.err), "vospeak: " + problem);
         QVERIFY2(!outcome.err.contains("libpng"), outcome.err.constData());
@@ -536,7 +595,7 @@ private Q_SLOTS:
     {
         for (const QStringList &command : {say(), recognize()}) {
             const Outcome outcome = run(command);
-            QCOMPARE(outcome.status, 1);
+            QCOMPARE(outcome.status, 5);
             QCOMPARE(outcome.err, QByteArray("vospeak: sign in first: vospeak login --qr, or "
                                              "vospeak login --sms NUMBER\n"));
         }
@@ -569,7 +628,7 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size());
         file.close();
         const Outcome outcome = run(say());
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.err, "vospeak: the session cannot be read; " + signInAgain());
         QCOMPARE(m_server.requests().size(), 0);
     }
@@ -766,12 +825,23 @@ private:
         return program.outcome();
     }
 
-    void signInByCode()
+    // The exit status.
+    int signInOn(const Terminal &terminal, const QStringList &options)
+    {
+        m_server.reset();
+        m_server.answer(code(in(3600)));
+        m_server.answer(ScriptedServer::reply(codePicture()));
+        m_server.answer(confirmed(user(in(3600), in(7200))));
+        Program program(withAuthority(arguments("login --qr") + options), terminal.name());
+        return program.outcome().status;
+    }
+
+    void signInByCode(const QStringList &options = {})
     {
         m_server.answer(code(in(3600)));
         m_server.answer(ScriptedServer::reply(codePicture()));
         m_server.answer(confirmed(user(in(3600), in(7200))));
-        m_outcome = run(arguments("login --qr"));
+        m_outcome = run(arguments("login --qr") + options);
     }
 
     QString audio() const { return m_folder.filePath(QStringLiteral("audio.wav")); }

@@ -15,9 +15,6 @@ public:
     explicit Player(QObject *parent);
     ~Player() override;
 
-    /// The path of the program; empty: there is none.
-    static QString find();
-
     /// Why nothing can be played; empty: it can.
     static QString problem();
 

@@ -20,6 +20,14 @@ QString Authority::of(const Options &options)
     return path.isEmpty() ? path : QFileInfo(settings()).dir().filePath(path);
 }
 
+bool Authority::remember(const QString &path)
+{
+    QSettings file(settings(), QSettings::IniFormat);
+    file.setValue(QStringLiteral("ca"), path);
+    file.sync();
+    return file.status() == QSettings::NoError;
+}
+
 QString Authority::settings()
 {
     return QFileInfo(SessionFile::path()).dir().filePath(QStringLiteral("vospeak.conf"));

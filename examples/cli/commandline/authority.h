@@ -10,6 +10,9 @@ namespace Authority {
 /// is named.
 QString of(const Options &options);
 
+/// Writes the line ca=@p path into vospeak.conf. False when that failed.
+bool remember(const QString &path);
+
 /// The path of vospeak.conf.
 QString settings();
 

@@ -3,9 +3,11 @@
 #include "commandline/options.h"
 #include "commandline/optiontable.h"
 #include "commands/catalogue.h"
+#include "commands/doctor.h"
 #include "commands/fetch.h"
 #include "commands/recognize.h"
 #include "commands/say.h"
+#include "commands/start.h"
 #include "commands/task.h"
 #include "signin/login.h"
 #include "signin/signout.h"
@@ -31,6 +33,8 @@ const char sayDetails[] =
     "characters are tasks by themselves; 20000 are the most.\n";
 
 const char recognizeDetails[] =
+    "FILE is WAV or anything else that libsndfile reads (FLAC, Ogg, MP3); with - it\n"
+    "comes from standard input.\n"
     "Recordings of more than 60 seconds are tasks by themselves; an hour is the most.\n"
     "The ADDRESS of a recording begins with https:// and must be one that the\n"
     "service can read. Of several recordings each text stands behind its name.\n";
@@ -64,6 +68,11 @@ const char updateMembers[] = "status (0 newest, 1 newer there, 2 newer needed), 
 
 const char signInMembers[] = "userId, nickname, pictureUrl, tokenExpires, sessionExpires";
 
+const char startDetails[] =
+    "If no authority is named yet, that of the service is written into vospeak.conf,\n"
+    "and every vospeak of this user trusts it. The codes and pages with which users\n"
+    "sign in are shown here.\n";
+
 const char helpDetails[] = "vospeak help options tells what goes with every command.\n";
 
 } // namespace
@@ -75,8 +84,8 @@ const QVector<CommandRow> &CommandTable::rows()
          "file output play voice rate speed pitch volume format anonymous long token json",
          Needs::TokenUnlessAnonymous, Say::read, Say::prepare, make<Say>, "file, bytes",
          sayDetails},
-        {"recognize", "FILE|ADDRESS...", 1, anyNumber, "Recognises what is said in recordings.",
-         "output long token json", Needs::Token, Recognize::read, Recognize::prepare,
+        {"recognize", "[FILE|ADDRESS...]", 0, anyNumber, "Recognises what is said in recordings.",
+         "record output long token json", Needs::Token, Recognize::read, Recognize::prepare,
          make<Recognize>, "text; of several recordings an object each, with file",
          recognizeDetails},
         {"task", "ID", 1, 1, "Takes up a task again that is left at the service.",
@@ -96,6 +105,10 @@ const QVector<CommandRow> &CommandTable::rows()
          nullptr, logoutDetails},
         {"whoami", nullptr, 0, 0, "Says who is signed in, and until when.", "json", Needs::Nothing,
          nullptr, nullptr, make<WhoAmI>, "userId, nickname, tokenExpires, sessionExpires", ""},
+        {"doctor", nullptr, 0, 0, "Says what is missing, and what to do about it.", "json",
+         Needs::Server, nullptr, nullptr, make<Doctor>, "checks: [check, ok, text]", ""},
+        {"start", nullptr, 0, 0, "Runs the service of this machine, until Ctrl-C.", "",
+         Needs::Nothing, nullptr, Start::prepare, make<Start>, nullptr, startDetails},
         {"help", "[COMMAND]", 0, 1, "Tells how a command is used.", "", Needs::Nothing, nullptr,
          nullptr, nullptr, nullptr, helpDetails},
     };

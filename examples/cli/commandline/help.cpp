@@ -11,14 +11,14 @@ constexpr int indent = 2;
 constexpr int optionWidth = 24; // columns up to the meaning
 constexpr int commandWidth = 11;
 
-const QLatin1String optionNotes(
-    "\nFor --ca the variable VOSPEAK_CA and the line ca=FILE in vospeak.conf of the\n"
-    "user's configuration folder stand in.\n"
-    "A proxy is written http://[USER:PASSWORD@]HOST:PORT, or with socks5:// or\n"
-    "socks5h://. Without --proxy the environment's https_proxy, http_proxy, all_proxy\n"
-    "and no_proxy choose one. Addresses of this machine are always asked directly.\n"
-    "Every user of this machine can read --token, and a password in --proxy, in the\n"
-    "list of processes. NO_COLOR turns colours off. What follows -- is no option.\n");
+const QLatin1String
+    optionNotes("\nFor --ca the variable VOSPEAK_CA and the line ca=FILE in vospeak.conf of the\n"
+                "user's configuration folder stand in.\n"
+                "A proxy is written http://[USER:PASSWORD@]HOST:PORT, or with socks5:// or\n"
+                "socks5h://. Without --proxy the environment's https_proxy, http_proxy, all_proxy\n"
+                "and no_proxy choose one. Addresses of this machine are always asked directly.\n"
+                "Every user of this machine can read --token, and a password in --proxy, in the\n"
+                "list of processes. NO_COLOR turns colours off. What follows -- is no option.\n");
 
 QString written(const OptionRow &row)
 {
@@ -70,7 +70,7 @@ QString exitStatuses()
 QString aboutProgram()
 {
     QString text = QStringLiteral("vospeak COMMAND [OPTIONS]\n"
-                                  "Speaks and recognises by way of the speech service.\n\n"
+                                  "Speaks and recognises by way of the speech service.\n"
                                   "  vospeak say \"good morning\" -o morning.wav\n"
                                   "  vospeak recognize morning.wav\n\n");
     for (const CommandRow &row : CommandTable::rows()) {

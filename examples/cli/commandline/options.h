@@ -2,6 +2,7 @@
 
 #include "hostkit/speakjob.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -20,6 +21,7 @@ struct Options
 
     Speech speech;     ///< To be said.
     QString textFile;  ///< Has the text to be said; "-": standard input.
+    QByteArray input;  ///< The recording that came on standard input.
     QString address;   ///< To be downloaded.
     QString output;    ///< The file that gets what is made or comes; "-": standard output.
     QString phone;     ///< Gets the sign-in code; empty: sign in by scanning a code.
@@ -28,6 +30,7 @@ struct Options
     std::optional<qint64> token;  ///< No value: the session's.
     int timeout = 0;              ///< Milliseconds; 0: none.
     Colour colour = Colour::Auto;
+    int record = 0;        ///< Seconds to be recorded; 0: none.
     bool longForm = false; ///< As a task that is asked after, not in one reply.
     bool play = false;     ///< The audio is heard.
     bool resume = false;   ///< A download goes on where an earlier one ended.

@@ -2,6 +2,7 @@
 
 #include "commandline/options.h"
 #include "hostkit/hostkit.h"
+#include "hostkit/limits.h"
 
 #include <QString>
 
@@ -73,6 +74,11 @@ QString readTimeout(Options &options, const QString &value)
         return isNoNumber("timeout", value, QStringLiteral("positive number of seconds"));
     options.timeout = int(seconds * 1000);
     return {};
+}
+
+QString readRecord(Options &options, const QString &value)
+{
+    return readNumber("length", value, 1, Limits::longRecording, options.record);
 }
 
 QString readColour(Options &options, const QString &value)
@@ -151,6 +157,8 @@ const QVector<OptionRow> &OptionTable::rows()
          "recognize"},
         {"output", "o", "FILE", "the file for the audio of a long text", nullptr, take<&O::output>,
          "task"},
+        {"record", nullptr, "SECONDS", "from the microphone (arecord or parecord)", nullptr,
+         readRecord},
         {"play", nullptr, nullptr, "plays it (paplay, aplay or play)", nullptr, set<&O::play>},
         {"play", nullptr, nullptr, "plays the sample of a voice", nullptr, set<&O::play>, "voices"},
         {"voice", nullptr, "VOICE", "see vospeak voices", "rms", takeSpeech<&Speech::voice>},

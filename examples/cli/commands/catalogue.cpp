@@ -7,6 +7,7 @@
 #include "terminal/console.h"
 #include "terminal/progress.h"
 #include "terminal/table.h"
+#include "terminal/terminal.h"
 
 #include <QJsonArray>
 
@@ -23,7 +24,7 @@ QString voiceTable(const QVector<DubInfo> &voices)
     for (const DubInfo &voice : voices)
         table.add({voice.name, voice.voiceParam, voice.category, voice.scene,
                    yesOrNo(voice.supportTTS), yesOrNo(voice.supportLongTTS)});
-    return table.text();
+    return table.fitting(Terminal::columns(stdout));
 }
 
 QJsonObject voiceDocument(const QVector<DubInfo> &voices)
@@ -47,7 +48,7 @@ QString musicTable(const QVector<BgmInfo> &tracks)
     Table table({QStringLiteral("NAME"), QStringLiteral("ADDRESS")});
     for (const BgmInfo &track : tracks)
         table.add({track.name, track.url});
-    return table.text();
+    return table.fitting(Terminal::columns(stdout));
 }
 
 QJsonObject musicDocument(const QVector<BgmInfo> &tracks)

@@ -1,53 +1,132 @@
 #include "commands/recognize.h"
 
+#include "audio/recorder.h"
+#include "audio/soundfile.h"
 #include "hostkit/inputfile.h"
 #include "hostkit/limits.h"
 #include "hostkit/recognizejob.h"
 #include "hostkit/wavfile.h"
 #include "terminal/console.h"
+#include "terminal/progress.h"
+#include "terminal/terminal.h"
+
+#include <QFile>
+
+#include <cstdio>
 
 namespace {
+
+const QLatin1String standardStream("-");
+
+bool isFile(const QString &recording)
+{
+    return recording != standardStream && !InputFile::isAddress(recording);
+}
 
 // A recording whose duration does not show is taken for a short one; the service refuses it if it
 // is not.
 Job::Form formOf(const QString &recording, const Options &options)
 {
-    const bool isLong =
-        !InputFile::isAddress(recording) && WavFile::duration(recording) > Limits::shortRecording;
+    const bool isLong = isFile(recording) && WavFile::duration(recording) > Limits::shortRecording;
     return options.longForm || isLong ? Job::Form::Long : Job::Form::Short;
+}
+
+QString problemOf(const QString &recording, const Options &options)
+{
+    if (!isFile(recording))
+        return {};
+    if (QString problem = InputFile::problem(recording); !problem.isEmpty())
+        return problem;
+    if (SoundFile::needsConversion(recording)) // which makes it another one
+        return {};
+    return RecognizeJob::problem(recording, formOf(recording, options)).line();
+}
+
+// Reads one byte more than may be uploaded at most.
+QString readInput(QByteArray &bytes)
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return QStringLiteral("standard input cannot be read");
+    const qint64 most = Limits::recordingSize + 1;
+    for (QByteArray more = input.read(most); !more.isEmpty();
+         more = input.read(most - bytes.size()))
+        bytes += more;
+    return bytes.isEmpty() ? QStringLiteral("no recording came on standard input") : QString();
 }
 
 } // namespace
 
-Recognize::Recognize(const Options &options, const Tools &tools)
-    : Command(options, tools)
-{
-}
-
 QString Recognize::read(Options &options)
 {
-    return options.subjects.contains(QString()) ? QStringLiteral("recognize needs a recording")
-                                                : QString();
+    const QStringList &recordings = options.subjects;
+    if (options.record > 0 && !recordings.isEmpty())
+        return QStringLiteral("recognize takes recordings or --record, not both");
+    if (options.record == 0 && (recordings.isEmpty() || recordings.contains(QString())))
+        return QStringLiteral("recognize needs a recording");
+    if (recordings.count(standardStream) > 1)
+        return QStringLiteral("standard input can be read once only");
+    if (recordings.contains(standardStream) && Terminal::is(stdin))
+        return QStringLiteral("a recording is not read from a terminal");
+    return {};
 }
 
 QString Recognize::prepare(Options &options)
 {
+    if (options.record > 0)
+        return Recorder::problem();
     for (const QString &recording : qAsConst(options.subjects)) {
-        const Reason reason = RecognizeJob::problem(recording, formOf(recording, options));
-        if (!reason.isNone())
-            return reason.line();
+        if (QString problem = problemOf(recording, options); !problem.isEmpty())
+            return problem;
     }
-    return {};
+    return options.subjects.contains(standardStream) ? readInput(options.input) : QString();
 }
 
 void Recognize::start()
 {
+    if (options().record > 0)
+        record();
+    else
+        recognizeNext();
+}
+
+void Recognize::record()
+{
+    const QString path = m_folder.filePath(QStringLiteral("recorded.wav"));
+    auto *recorder = new Recorder(this);
+    connect(recorder, &Recorder::ended, this, [this, path](const QString &problem) {
+        if (problem.isEmpty())
+            recognize(path);
+        else
+            failFor(problem);
+    });
+    progress()->show(QStringLiteral("recording for %1 s").arg(options().record));
+    recorder->record(options().record, path);
+}
+
+void Recognize::recognizeNext()
+{
     const QString recording = options().subjects.at(m_place);
+    if (InputFile::isAddress(recording))
+        return recognize(recording);
+    const QString file = recording == standardStream ? fromStandardInput() : recording;
+    if (file.isEmpty())
+        return failFor(QStringLiteral("what came on standard input could not be kept"));
+    if (!SoundFile::needsConversion(file))
+        return recognize(file);
+    const QString converted = m_folder.filePath(QStringLiteral("converted.wav"));
+    if (const QString problem = SoundFile::convert(file, converted); !problem.isEmpty())
+        failFor(problem);
+    else
+        recognize(converted);
+}
+
+void Recognize::recognize(const QString &recording)
+{
     auto *job = new RecognizeJob(kit(), recording, formOf(recording, options()), this);
     connect(job, &RecognizeJob::succeeded, this, &Recognize::onText);
     connect(job, &TaskJob::named, this, [this](const QString &id) {
-        setWayOn(QStringLiteral("the service goes on; vospeak task %1 gets the text")
-                     .arg(Console::onOneLine(id)));
+        setWayOn(QStringLiteral("the service goes on; vospeak task %1 gets the text").arg(id));
     });
     run(job, QStringLiteral("recognising"));
 }
@@ -55,15 +134,28 @@ void Recognize::start()
 void Recognize::onText(const QString &text)
 {
     setWayOn({});
-    const QString recording = options().subjects.at(m_place);
     QString line = Console::onOneLine(text) + QLatin1Char('\n');
     QJsonObject document{{QStringLiteral("text"), text}};
-    if (options().subjects.size() > 1) {
+    const QStringList &recordings = options().subjects;
+    if (recordings.size() > 1) {
+        const QString &recording = recordings.at(m_place);
         line.prepend(Console::onOneLine(recording) + QStringLiteral(": "));
         document.insert(QStringLiteral("file"), recording);
     }
-    if (++m_place == options().subjects.size())
+    if (++m_place >= recordings.size())
         finish(line, document);
     else if (print(line, document))
-        start();
+        recognizeNext();
 }
+
+// The file with what came; empty: it could not be written.
+QString Recognize::fromStandardInput()
+{
+    QFile copy(m_folder.filePath(QStringLiteral("input")));
+    const QByteArray &input = options().input;
+    return copy.open(QIODevice::WriteOnly) && copy.write(input) == input.size() && copy.flush()
+               ? copy.fileName()
+               : QString();
+}
+
+void Recognize::failFor(const QString &problem) { Q_EMIT failed({Reason::Kind::File, problem}); }

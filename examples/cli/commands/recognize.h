@@ -2,6 +2,9 @@
 
 #include "commands/command.h"
 
+#include <QStringList>
+#include <QTemporaryDir>
+
 /// Recognises recordings, one after the other.
 class Recognize : public Command
 {
@@ -9,7 +12,7 @@ class Recognize : public Command
     Q_DISABLE_COPY(Recognize)
 
 public:
-    Recognize(const Options &options, const Tools &tools);
+    using Command::Command;
 
     static QString read(Options &options);
     static QString prepare(Options &options);
@@ -17,7 +20,13 @@ public:
     void start() override;
 
 private:
+    void record();
+    void recognizeNext();
+    void recognize(const QString &recording);
     void onText(const QString &text);
+    QString fromStandardInput();
+    void failFor(const QString &problem);
 
-    int m_place = 0; ///< Of the recording that is recognised now.
+    int m_place = 0;        ///< Of the recording that is recognised now.
+    QTemporaryDir m_folder; ///< Has what is recorded, read or converted.
 };

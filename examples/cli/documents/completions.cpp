@@ -19,7 +19,7 @@ QVector<const OptionRow *> optionsOf(const CommandRow &row)
 
 bool takesFile(const CommandRow &row)
 {
-    return QString::fromLatin1(row.subject).startsWith(QLatin1String("FILE"));
+    return QString::fromLatin1(row.subject).contains(QLatin1String("FILE"));
 }
 
 QString choicesOf(const OptionRow &row)

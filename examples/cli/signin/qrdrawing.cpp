@@ -33,3 +33,5 @@ QString QrDrawing::draw(const QrCode &code, bool coloured)
     }
     return drawing;
 }
+
+int QrDrawing::columns(const QrCode &code) { return code.size() + 2 * margin; }

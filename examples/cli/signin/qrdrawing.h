@@ -10,4 +10,7 @@ namespace QrDrawing {
 /// without, its dark modules have the colour of text.
 QString draw(const QrCode &code, bool coloured);
 
+/// The columns that draw() takes.
+int columns(const QrCode &code);
+
 } // namespace QrDrawing

@@ -1,5 +1,6 @@
 #include "signin/qrsignin.h"
 
+#include "commands/localprogram.h"
 #include "hostkit/signinjobs.h"
 #include "signin/codepicture.h"
 #include "signin/qrcode.h"
@@ -10,8 +11,20 @@
 #include "terminal/terminal.h"
 
 #include <QImage>
+#include <QProcess>
 
 #include <cstdio>
+
+namespace {
+
+const QLatin1String byPhone("Scan this code to sign in; its picture is %1\n");
+
+// No phone reaches such a service.
+const QLatin1String onThisMachine(
+    "Open the sign-in page that vo-localservice has just printed in a browser of this machine;\n"
+    "it has to trust tls/authority.pem of the service's data folder. The code is in %1\n");
+
+} // namespace
 
 void QrSignIn::start()
 {
@@ -34,6 +47,19 @@ void QrSignIn::show(const QString &picture)
     }
     progress()->clear();
     if (const auto modules = QrCode::read(image))
-        Console::show(QrDrawing::draw(*modules, Terminal::colours(stderr)));
-    Console::show(QStringLiteral("Scan this code to sign in; its picture is %1\n").arg(picture));
+        draw(*modules);
+    Console::show(LocalProgram::isAsked() ? QString(onThisMachine).arg(picture)
+                                          : QString(byPhone).arg(picture));
+    if (options().open && !QProcess::startDetached(QStringLiteral("xdg-open"), {picture}))
+        Console::complain(QStringLiteral("xdg-open is missing; open the picture yourself"));
+}
+
+void QrSignIn::draw(const QrCode &code) const
+{
+    const int columns = Terminal::columns(stderr);
+    if (columns > 0 && columns < QrDrawing::columns(code))
+        Console::show(QStringLiteral("The code needs a terminal of %1 columns; or see --open.\n")
+                          .arg(QrDrawing::columns(code)));
+    else
+        Console::show(QrDrawing::draw(code, Terminal::colours(stderr)));
 }

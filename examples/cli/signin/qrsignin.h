@@ -3,6 +3,7 @@
 #include "commands/command.h"
 
 class CodeSignInJob;
+class QrCode;
 
 /// Signs in by a code that the user scans with a phone.
 class QrSignIn : public Command
@@ -17,6 +18,7 @@ public:
 
 private:
     void show(const QString &picture);
+    void draw(const QrCode &code) const;
 
     CodeSignInJob *m_job = nullptr; ///< A child.
 };

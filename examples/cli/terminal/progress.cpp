@@ -23,9 +23,12 @@ void Progress::show(const QString &text)
 {
     if (!m_enabled)
         return;
+    // A line that went on below could not be rewritten.
+    const int columns = Terminal::columns(stderr);
+    const QString line = columns > 0 ? text.left(columns - 1) : text;
     // Blanks clear the rest of the line. Not every console knows the escape sequence for that.
-    Console::show(QLatin1Char('\r') + text.leftJustified(m_width));
-    m_width = text.size();
+    Console::show(QLatin1Char('\r') + line.leftJustified(m_width));
+    m_width = line.size();
 }
 
 void Progress::clear()

@@ -74,3 +74,22 @@ QString Table::text() const
         text += line(row, widths);
     return text;
 }
+
+QString Table::fitting(int columns) const
+{
+    const QString table = text();
+    const QStringList lines = table.split(QLatin1Char('\n'));
+    const bool fits =
+        columns <= 0 || std::all_of(lines.begin(), lines.end(), [columns](const QString &line) {
+            return columnsOf(line) <= columns;
+        });
+    if (fits)
+        return table;
+    QString text;
+    for (int row = 1; row < m_rows.size(); ++row) {
+        text += row > 1 ? QStringLiteral("\n") : QString();
+        for (int i = 0; i < m_rows.at(row).size(); ++i)
+            text += QStringLiteral("%1: %2\n").arg(m_rows.at(0).at(i), m_rows.at(row).at(i));
+    }
+    return text;
+}

@@ -9,6 +9,9 @@ namespace Terminal {
 /// Whether @p stream is a terminal, and no file or pipe.
 bool is(std::FILE *stream);
 
+/// The columns of the terminal @p stream; 0: it is none, or does not say.
+int columns(std::FILE *stream);
+
 /// Has colours() say what the user wishes.
 void setColour(Colour colour);
 

@@ -1,0 +1,83 @@
+#include "commands/start.h"
+
+#include "commandline/authority.h"
+#include "commands/localprogram.h"
+#include "hostkit/hostkit.h"
+#include "terminal/console.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include <utility>
+
+namespace {
+
+constexpr int patience = 6000; // ms; the service ends within five seconds
+
+} // namespace
+
+Start::Start(const Options &options, const Tools &tools)
+    : Command(options, tools)
+{
+    m_service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_service.setStandardInputFile(QProcess::nullDevice());
+    connect(&m_service, &QProcess::readyReadStandardOutput, this, &Start::onOutput);
+    connect(&m_service, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+            &Start::onEnd);
+    connect(&m_service, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            onEnd();
+    });
+}
+
+// It may take a moment to end what it does for others.
+Start::~Start()
+{
+    m_service.disconnect(this);
+    m_service.terminate();
+    if (!m_service.waitForFinished(patience))
+        m_service.kill();
+}
+
+QString Start::prepare(Options &)
+{
+    if (!LocalProgram::isAsked())
+        return QStringLiteral("this build asks %1, which is no service of this machine")
+            .arg(HostKit::serviceAddress());
+    if (LocalProgram::path().isEmpty())
+        return QStringLiteral("vo-localservice is not installed");
+    return {};
+}
+
+void Start::start()
+{
+    const int port = QUrl(HostKit::serviceAddress()).port(443);
+    m_service.start(LocalProgram::path(), {QStringLiteral("--port"), QString::number(port)});
+}
+
+// Codes and pages of sign-ins come here, too: the user has to read all of it.
+void Start::onOutput()
+{
+    while (m_service.canReadLine()) {
+        const QString line = QString::fromUtf8(m_service.readLine()).trimmed();
+        Console::print(Console::onOneLine(line) + QLatin1Char('\n'));
+        if (!std::exchange(m_isReady, true))
+            onReady(line);
+    }
+}
+
+void Start::onReady(const QString &line)
+{
+    const QString authority = line.section(QStringLiteral(", authority "), 1);
+    const QString trusted = Authority::of(options());
+    if (trusted.isEmpty() && Authority::remember(QFileInfo(authority).absoluteFilePath()))
+        Console::show(QStringLiteral("vospeak trusts this service from now on (see %1)\n")
+                          .arg(Authority::settings()));
+    Console::show(QStringLiteral("In another terminal: vospeak login --sms 5550100\n"
+                                 "Ctrl-C ends the service.\n"));
+}
+
+void Start::onEnd()
+{
+    Q_EMIT failed({Reason::Kind::Unreachable, QStringLiteral("the local service has ended")});
+}

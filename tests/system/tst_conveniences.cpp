@@ -1,0 +1,219 @@
+#include "tests/support/patience.h"
+#include "tests/support/scriptedserver.h"
+#include "tests/system/answers.h"
+#include "tests/system/home.h"
+#include "tests/system/localservice.h"
+#include "tests/system/program.h"
+#include "tests/system/terminal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+
+const QByteArray silence; // the connection stays open, and that is all
+
+QStringList withToken(const char *command)
+{
+    return arguments(command) + arguments("--token 1 --ca")
+           + QStringList{QStringLiteral(TEST_AUTHORITY)};
+}
+
+} // namespace
+
+/// What makes vospeak easy to use: what it trusts, what it waits for, how to go on.
+class TestConveniences : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const quint16 port = SERVICE_PORT;
+        QVERIFY(m_server.start(port));
+        QVERIFY(QDir::setCurrent(m_folder.path()));
+    }
+
+    void init()
+    {
+        m_server.reset();
+        QFile::remove(settings());
+        QFile::remove(m_home.sessionFile());
+    }
+
+    void anAuthorityIsNamedByTheEnvironment()
+    {
+        answerWithVersion();
+        QCOMPARE(vospeak(arguments("update")).status, 4);
+        qputenv("VOSPEAK_CA", TEST_AUTHORITY);
+        const int status = vospeak(arguments("update")).status;
+        qunsetenv("VOSPEAK_CA");
+        QCOMPARE(status, 0);
+    }
+
+    void anAuthorityIsNamedByTheSettings_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::newRow("absolute") << QByteArray("ca=" TEST_AUTHORITY "\n");
+        QTest::newRow("beside the settings") << QByteArray("ca=authority.pem\n");
+    }
+    void anAuthorityIsNamedByTheSettings()
+    {
+        QFETCH(const QByteArray, line);
+        answerWithVersion();
+        QDir().mkpath(m_home.settings());
+        QFile::copy(QStringLiteral(TEST_AUTHORITY),
+                    m_home.settings() + QStringLiteral("/authority.pem"));
+        QFile file(settings());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(line), line.size());
+        file.close();
+        QCOMPARE(vospeak(arguments("update")).status, 0);
+    }
+
+    void whatTakesTooLongIsGivenUp()
+    {
+        m_server.answer(silence, ScriptedServer::Then::KeepOpen);
+        const Outcome outcome = vospeak(withToken("say hello -o a.wav --timeout 0.5"));
+        QCOMPARE(outcome.err, QByteArray("vospeak: it took longer than 0.5 s (see --timeout)\n"));
+        QCOMPARE(outcome.status, 3);
+    }
+
+    void aTerminalIsToldWhatIsWaitedFor()
+    {
+        m_server.answer(silence, ScriptedServer::Then::KeepOpen);
+        Terminal terminal;
+        Program program(withToken("say hello -o a.wav"), terminal.name());
+        QByteArray shown;
+        TRY_VERIFY((shown += terminal.read()).contains("waiting for " SERVICE_BASE_ADDRESS));
+        program.signal(SIGINT);
+        QCOMPARE(program.outcome().status, 130);
+    }
+
+    void anInterruptedTaskSaysHowToGoOn_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QByteArray>("line");
+        QTest::newRow("say") << withToken("say hello -o a.wav --long")
+                             << QByteArray("the service goes on; vospeak task t -o FILE gets the "
+                                           "audio");
+        QTest::newRow("recognize")
+            << withToken("recognize https://a/b.wav --long")
+            << QByteArray("the service goes on; vospeak task t gets the text");
+    }
+    void anInterruptedTaskSaysHowToGoOn()
+    {
+        QFETCH(const QStringList, command);
+        QFETCH(const QByteArray, line);
+        m_server.answer(Answers::task(), ScriptedServer::Then::KeepOpen);
+        m_server.answer(Answers::status("RUNNING"), ScriptedServer::Then::KeepOpen);
+        Terminal terminal;
+        Program program(command, terminal.name());
+        TRY_VERIFY(m_server.requests().size() >= 2);
+        program.signal(SIGINT);
+        QCOMPARE(program.outcome().status, 130);
+        const QByteArrayList lines = Terminal::linesOf(terminal.read());
+        QVERIFY2(lines.join('\n').endsWith(line + '\n'), lines.join('\n').constData());
+    }
+
+    void aTaskIsTakenUpAgain()
+    {
+        m_server.answer(Answers::status("RUNNING"));
+        m_server.answer(Answers::finishedRecognition());
+        const Outcome outcome = vospeak(withToken("task t"));
+        QCOMPARE(outcome.out, QByteArray("one two\n"));
+        QCOMPARE(outcome.status, 0);
+        QVERIFY(m_server.requests().at(0).contains("\"task_id\""));
+    }
+
+    void theAudioOfATaskIsFetched()
+    {
+        m_server.answer(Answers::finishedSpeech());
+        m_server.answer(ScriptedServer::reply("audio"));
+        QCOMPARE(vospeak(withToken("task t -o t.wav")).status, 0);
+        QFile file(QStringLiteral("t.wav"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("audio"));
+    }
+
+    void theStatusOfATaskIsNotWaitedFor()
+    {
+        m_server.answer(Answers::status("RUNNING"));
+        QCOMPARE(vospeak(withToken("task t --status")).out, QByteArray("queued or running\n"));
+        QCOMPARE(vospeak(withToken("task t --status --json")).out,
+                 QByteArray("{\"done\":false}\n"));
+        m_server.reset();
+        m_server.answer(Answers::finishedRecognition());
+        QCOMPARE(vospeak(withToken("task t --status --json")).out,
+                 QByteArray("{\"done\":true,\"text\":\"one two\"}\n"));
+    }
+
+    void whoAmIKnowsWhoIsSignedIn()
+    {
+        const Outcome nobody = vospeak(arguments("whoami"));
+        QCOMPARE(nobody.err, QByteArray("vospeak: sign in first: vospeak login --qr, or vospeak "
+                                        "login --sms NUMBER\n"));
+        QCOMPARE(nobody.status, 5);
+    }
+
+    void theDoctorSaysWhatIsMissing()
+    {
+        m_server.close();
+        const Outcome outcome = vospeak(arguments("doctor"));
+        const quint16 port = SERVICE_PORT;
+        QVERIFY(m_server.start(port));
+        QCOMPARE(outcome.status, 3);
+        for (const char *part : {"service", "no   cannot reach " SERVICE_BASE_ADDRESS, "session",
+                                 "no   sign in first", "local service  yes"})
+            QVERIFY2(outcome.out.contains(part), outcome.out.constData());
+    }
+
+    void theDoctorTellsAServerThatIsNotTrusted()
+    {
+        const Outcome outcome = vospeak(arguments("doctor --json"));
+        QCOMPARE(outcome.status, 4);
+        const QJsonObject document = QJsonDocument::fromJson(outcome.out).object();
+        const QJsonArray checks = document.value(QStringLiteral("checks")).toArray();
+        QCOMPARE(checks.at(0).toObject().value(QStringLiteral("ok")).toBool(), true);
+        QCOMPARE(checks.at(1).toObject().value(QStringLiteral("check")).toString(),
+                 QStringLiteral("trust"));
+        QCOMPARE(checks.at(1).toObject().value(QStringLiteral("ok")).toBool(), false);
+    }
+
+    void aStartedServiceIsTrustedUntilItIsEnded()
+    {
+        m_server.close();
+        qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.filePath(QStringLiteral("data"))));
+        Program service(arguments("start"));
+        TRY_VERIFY(service.err().contains("Ctrl-C ends the service.\n"));
+        QCOMPARE(vospeak(arguments("say hello --anonymous -o a.wav")).status, 0);
+        service.signal(SIGINT);
+        QCOMPARE(service.outcome().status, 130);
+        QCOMPARE(vospeak(arguments("voices")).status, 3);
+        qunsetenv("XDG_DATA_HOME");
+        const quint16 port = SERVICE_PORT;
+        QVERIFY(m_server.start(port));
+    }
+
+private:
+    QString settings() const { return m_home.settings() + QStringLiteral("/vospeak.conf"); }
+
+    void answerWithVersion()
+    {
+        m_server.answer(Answers::envelope({{QStringLiteral("upgradeStatus"), 0}}));
+    }
+
+    ScriptedServer m_server{Identity::Localhost};
+    const QTemporaryDir m_folder;
+    const Home m_home;
+};
+
+QTEST_GUILESS_MAIN(TestConveniences)
+#include "tst_conveniences.moc"
