@@ -22,7 +22,7 @@ FakeCommand::FakeCommand(const QString &name)
     const QString command = m_folder.filePath(name + suffix);
     if (!QFile::copy(program.filePath(), command))
         qFatal("cannot make %s", qPrintable(command));
-    const QByteArray folder = QFile::encodeName(m_folder.path());
+    const QByteArray folder = QFile::encodeName(QDir::toNativeSeparators(m_folder.path()));
     qputenv(variable, folder);
     qputenv("PATH", folder + QDir::listSeparator().toLatin1() + m_path);
 }
