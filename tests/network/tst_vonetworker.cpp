@@ -174,6 +174,7 @@ void TestVoNetworker::cleansWhatACommandPrints()
 {
     QFETCH(QByteArray, output);
     QFETCH(QString, cleaned);
+    const LocaleCodec utf8("UTF-8");
     QCOMPARE(printed(output, "vo-tool csproduct get uuid"_s), cleaned);
 }
 
