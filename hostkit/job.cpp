@@ -44,9 +44,9 @@ bool Job::conclude()
     return wasUnderWay;
 }
 
-void Job::fail(const Reason &reason)
+// The reason is a copy: it may be a part of what goes.
+void Job::fail(Reason reason)
 {
-    const Reason kept = reason; // it may be a part of what goes
     if (conclude())
-        Q_EMIT failed(kept);
+        Q_EMIT failed(reason);
 }

@@ -71,7 +71,7 @@ protected:
     bool conclude();
 
     /// Ends the job with @p reason, unless it has ended before. The job may be gone afterwards.
-    void fail(const Reason &reason);
+    void fail(Reason reason);
 
 private:
     QObject *m_work = nullptr; ///< Owned, while the job is under way.

@@ -63,13 +63,13 @@ void SignInJob::begin()
         signIn();
 }
 
-void SignInJob::finishWith(const UserInfo &user)
+// The user is a copy: it may be a part of what goes.
+void SignInJob::finishWith(UserInfo user)
 {
-    const UserInfo kept = user; // it may be a part of what goes
-    if (const Reason reason = kit()->tokens()->keep(Session::from(kept)); !reason.isNone())
+    if (const Reason reason = kit()->tokens()->keep(Session::from(user)); !reason.isNone())
         fail(reason);
     else if (conclude())
-        Q_EMIT succeeded(kept);
+        Q_EMIT succeeded(user);
 }
 
 CodeSignInJob::CodeSignInJob(HostKit *kit, QObject *parent)

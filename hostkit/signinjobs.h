@@ -30,7 +30,7 @@ protected:
     virtual void signIn() = 0;
 
     /// Keeps the session of @p user and ends the job.
-    void finishWith(const UserInfo &user);
+    void finishWith(UserInfo user);
 };
 
 /// Signs in by a code that the user scans with a phone.
