@@ -331,7 +331,7 @@ private Q_SLOTS:
         socket.connectToHostEncrypted(QStringLiteral("localhost"), servicePort());
         QVERIFY(socket.waitForEncrypted(patienceMs));
         const auto ask = [&] {
-            socket.write("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
+            socket.write("GET /nothing HTTP/1.1\r\nHost: localhost\r\n\r\n");
             QByteArray reply;
             while (!reply.endsWith('}') && socket.waitForReadyRead(patienceMs))
                 reply += socket.readAll();
