@@ -186,7 +186,7 @@ private Q_SLOTS:
         session.insert(QStringLiteral("tokenExpires"), QStringLiteral("2001-01-01T00:00:00Z"));
         m_home->writeSession(session);
         const Outcome outcome = run(say());
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.err, "vospeak: the session could not be renewed; " + signInAgain());
     }
 
@@ -198,7 +198,7 @@ private Q_SLOTS:
         const QJsonObject session = m_home->session();
         TRY_VERIFY(hasPassed(session, "sessionExpires"));
         const Outcome outcome = run(say());
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.err, "vospeak: the session has expired; " + signInAgain());
     }
 
@@ -248,7 +248,7 @@ private:
 
     void isRefused(const Outcome &outcome) const
     {
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.out, QByteArray());
         QVERIFY2(outcome.err.contains("vospeak: the service refused"), outcome.err.constData());
         QVERIFY(!QFile::exists(m_home->sessionFile()));

@@ -465,7 +465,7 @@ private Q_SLOTS:
         const QString address = m_nginx.tlsAddress(QStringLiteral("/f"));
         const Outcome outcome =
             vospeak({QStringLiteral("fetch"), address, QStringLiteral("-o"), file});
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 4);
         QVERIFY2(isOneLine(outcome.err) && outcome.err.contains("not trusted"),
                  outcome.err.constData());
         QCOMPARE(entries(), QStringList());
@@ -477,7 +477,7 @@ private Q_SLOTS:
         m_tlsServer.answer(ScriptedServer::reply({}, "302 Found", "Location: " + there + "\r\n"));
         m_server.answer(letters());
         const Outcome outcome = fetch(m_tlsServer.address(QStringLiteral("/f")));
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 3);
         QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
         QCOMPARE(m_server.requests(), QList<QByteArray>());
         QCOMPARE(entries(), QStringList());

@@ -637,7 +637,7 @@ private Q_SLOTS:
     {
         m_home->writeSession(session(in(3600), in(-1)));
         const Outcome outcome = run(say());
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.err, "vospeak: the session has expired; " + signInAgain());
         QCOMPARE(m_server.requests().size(), 0);
     }
@@ -695,7 +695,7 @@ private Q_SLOTS:
         m_home->writeSession(before);
         m_server.answer(answer);
         const Outcome outcome = run(say());
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 5);
         QCOMPARE(outcome.err, "vospeak: the session could not be renewed; " + signInAgain());
         QCOMPARE(m_server.requests().size(), 1);
         QCOMPARE(m_home->session(), before);
