@@ -3,6 +3,7 @@
 #include "commandline/commandtable.h"
 #include "commands/command.h"
 #include "commands/ending.h"
+#include "commands/localprogram.h"
 #include "hostkit/failurereasons.h"
 #include "hostkit/hostkit.h"
 #include "hostkit/proxies.h"
@@ -41,7 +42,8 @@ void setHints()
 {
     using Kind = Reason::Kind;
     const QString waysIn = QStringLiteral(": vospeak login --qr, or vospeak login --sms NUMBER");
-    Reason::setHint(Kind::Unreachable, QStringLiteral("; is vo-localservice running?"));
+    if (LocalProgram::isAsked())
+        Reason::setHint(Kind::Unreachable, QStringLiteral("; is vo-localservice running?"));
     Reason::setHint(Kind::Tls, QStringLiteral("; use --ca"));
     Reason::setHint(Kind::Proxy, QStringLiteral(" (see --proxy)"));
     Reason::setHint(Kind::SignIn, waysIn);

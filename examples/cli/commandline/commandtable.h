@@ -22,26 +22,27 @@ enum class Needs {
 /// All that is known of a command in one place.
 struct CommandRow
 {
-    const char *name;
-    const char *subject; ///< What follows it, as the help writes that; null: nothing does.
-    int fewest;          ///< Subjects.
-    int most;
-    const char *summary; ///< What it does, as one sentence.
-    const char *options; ///< Names, besides the common options.
-    Needs needs;
+    const char *name = nullptr;
+    const char *subject =
+        nullptr;    ///< What follows it, as the help writes that; null: nothing does.
+    int fewest = 0; ///< Subjects.
+    int most = 0;
+    const char *summary = nullptr; ///< What it does, as one sentence.
+    const char *options = nullptr; ///< Names, besides the common options.
+    Needs needs = Needs::Nothing;
 
     /// Checks what the options say together. Returns why they cannot be carried out; empty: they
     /// can. Null: there is nothing to check.
-    QString (*read)(Options &options);
+    QString (*read)(Options &options) = nullptr;
 
     /// Checks, and reads, what has to be there before a server is asked. Returns as read() does.
-    QString (*prepare)(Options &options);
+    QString (*prepare)(Options &options) = nullptr;
 
     /// Null: the command line itself answers.
-    std::unique_ptr<Command> (*make)(const Options &options, const Tools &tools);
+    std::unique_ptr<Command> (*make)(const Options &options, const Tools &tools) = nullptr;
 
-    const char *members; ///< Of the object that --json prints; null: there is none.
-    const char *details; ///< Further help, in lines of 80 columns at most.
+    const char *members = nullptr; ///< Of the object that --json prints; null: there is none.
+    const char *details = nullptr; ///< Further help, in lines of 80 columns at most.
 };
 
 namespace CommandTable {

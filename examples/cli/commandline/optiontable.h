@@ -9,14 +9,14 @@ struct Options;
 /// What the command line, the help, the man page and the completions know of an option.
 struct OptionRow
 {
-    const char *name;     ///< Without dashes.
-    const char *letter;   ///< Null: the name is the only way to write it.
-    const char *value;    ///< What stands for the value; null: it takes none.
-    const char *meaning;  ///< One line.
-    const char *standard; ///< The value when none is given; null: there is none.
+    const char *name = nullptr;     ///< Without dashes.
+    const char *letter = nullptr;   ///< Null: the name is the only way to write it.
+    const char *value = nullptr;    ///< What stands for the value; null: it takes none.
+    const char *meaning = nullptr;  ///< One line.
+    const char *standard = nullptr; ///< The value when none is given; null: there is none.
 
     /// Takes @p value over. Returns why that is impossible; empty: it is done.
-    QString (*read)(Options &options, const QString &value);
+    QString (*read)(Options &options, const QString &value) = nullptr;
 
     const char *command = nullptr; ///< The only command in which it means this; null: in all.
 };

@@ -19,7 +19,7 @@ private:
     struct Finding
     {
         QString name;
-        bool isFine;
+        bool isFine = false;
         QString text;
     };
 

@@ -79,5 +79,5 @@ void Start::onReady(const QString &line)
 
 void Start::onEnd()
 {
-    Q_EMIT failed({Reason::Kind::Unreachable, QStringLiteral("the local service has ended")});
+    Q_EMIT failed({Reason::Kind::Cancelled, QStringLiteral("the local service has ended")});
 }

@@ -16,6 +16,8 @@ QString Task::read(Options &options)
 {
     if (options.subjects.at(0).isEmpty())
         return QStringLiteral("task needs an ID");
+    if (options.output == QLatin1String("-"))
+        return QStringLiteral("-o needs the name of a file");
     if (options.status && !options.output.isNull())
         return QStringLiteral("--status fetches nothing and does not go with -o");
     return {};

@@ -17,7 +17,7 @@ namespace {
 const struct
 {
     QLatin1String name;
-    QString (*text)();
+    QString (*text)() = nullptr;
 } documents[] = {
     {QLatin1String("man"), ManPage::text},
     {QLatin1String("bash"), Completions::bash},

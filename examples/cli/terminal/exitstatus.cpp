@@ -9,9 +9,9 @@ using Kind = Reason::Kind;
 
 constexpr struct Row
 {
-    Kind kind;
-    ExitStatus status;
-    const char *name;
+    Kind kind = Kind::None;
+    ExitStatus status = Success;
+    const char *name = nullptr;
 } rows[] = {
     {Kind::None, Success, "none"},           {Kind::Unreachable, NoNetwork, "unreachable"},
     {Kind::Network, NoNetwork, "network"},   {Kind::Tls, NotTrusted, "tls"},

@@ -19,8 +19,8 @@ enum ExitStatus : int {
 /// What a status is written as, and what it means.
 struct ExitMeaning
 {
-    const char *status;
-    const char *meaning;
+    const char *status = nullptr;
+    const char *meaning = nullptr;
 };
 
 /// In the order of their numbers.
