@@ -1,0 +1,61 @@
+#include "common/desk.h"
+#include "hostkit/failurereasons.h"
+#include "hostkit/proxies.h"
+#include "hostkit/trust.h"
+#include "mainwindow.h"
+#include "network/vonetwork.h"
+#include "translations/translations.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QSettings>
+
+namespace {
+
+// The authority that the user names, or the one that was trusted last. Returns why it cannot be.
+QString trustAuthority(const QString &named)
+{
+    if (!named.isEmpty())
+        return Trust::add(named);
+    const QString last = QSettings().value(QStringLiteral("authority")).toString();
+    if (QFileInfo::exists(last))
+        Trust::add(last);
+    return {};
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    const QApplication application(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("VoNetwork"));
+    QApplication::setApplicationName(QStringLiteral("vodesk"));
+    QApplication::setApplicationVersion(VoNetwork::GetAppVersion());
+    Translations::install(QLocale());
+
+    QCommandLineParser parser;
+    const QCommandLineOption authority(
+        QStringLiteral("ca"), QCoreApplication::translate("main", "Trust this authority as well."),
+        QCoreApplication::translate("main", "FILE"));
+    parser.addOption(authority);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(application);
+
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // it has tokens
+    const FailureReasons reasons;
+    for (const QString &problem :
+         {trustAuthority(parser.value(authority)), Proxies::use({}, HostKit::serviceAddress())}) {
+        if (!problem.isEmpty())
+            qWarning("vodesk: %s", qPrintable(problem));
+    }
+    Desk desk;
+    MainWindow window(&desk);
+    window.show();
+    window.connectToService();
+    return QApplication::exec();
+}

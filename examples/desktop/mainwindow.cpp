@@ -1,0 +1,150 @@
+#include "mainwindow.h"
+
+#include "account/accountpage.h"
+#include "common/desk.h"
+#include "gallery/catalogue.h"
+#include "gallery/gallerypage.h"
+#include "hostkit/cataloguejobs.h"
+#include "recognize/recognizepage.h"
+#include "requests/requestspage.h"
+#include "speak/speakpage.h"
+#include "start/startpage.h"
+#include "update/updatebanner.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QMimeData>
+#include <QSettings>
+#include <QShortcut>
+#include <QStackedWidget>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int patience = 20000; // ms; the user is told of a service that does not answer
+
+QString geometryKey() { return QStringLiteral("window/geometry"); }
+QString pageKey() { return QStringLiteral("window/page"); }
+
+} // namespace
+
+MainWindow::MainWindow(Desk *desk, QWidget *parent)
+    : QMainWindow(parent)
+    , m_desk(desk)
+    , m_stack(new QStackedWidget)
+    , m_start(new StartPage(desk->service()))
+    , m_banner(new UpdateBanner)
+    , m_names(new QListWidget)
+    , m_pages(new QStackedWidget)
+    , m_speak(new SpeakPage(desk))
+    , m_recognize(new RecognizePage(desk))
+{
+    setWindowTitle(tr("Speech desk"));
+    setAcceptDrops(true);
+    auto *gallery = new GalleryPage(desk);
+    addPage(tr("Speak"), m_speak);
+    addPage(tr("Recognise"), m_recognize);
+    addPage(tr("Voices and music"), gallery);
+    addPage(tr("Account"), new AccountPage(desk));
+    addPage(tr("What happened"), new RequestsPage(desk));
+    m_names->setAccessibleName(tr("Pages"));
+    m_names->setObjectName(QStringLiteral("pages"));
+    m_names->setFixedWidth(m_names->sizeHintForColumn(0) + 24);
+    m_names->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
+    auto *right = new QVBoxLayout;
+    right->addWidget(m_banner);
+    right->addWidget(m_pages, 1);
+    auto *workspace = new QWidget;
+    auto *layout = new QHBoxLayout(workspace);
+    layout->addWidget(m_names);
+    layout->addLayout(right, 1);
+    m_stack->addWidget(workspace);
+    m_stack->addWidget(m_start);
+    setCentralWidget(m_stack);
+
+    connect(m_names, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
+    connect(m_start, &StartPage::retried, this, &MainWindow::connectToService);
+    connect(gallery, &GalleryPage::chosen, this, [this](const QString &voice) {
+        m_speak->chooseVoice(voice);
+        showPage(0);
+    });
+    restoreState();
+}
+
+void MainWindow::connectToService()
+{
+    auto *job = new UpdateJob(m_desk->kit(), this);
+    job->setTimeout(patience);
+    connect(job, &UpdateJob::succeeded, this, [this](const Update &update) {
+        m_stack->setCurrentIndex(0);
+        m_banner->tell(update);
+        m_desk->catalogue()->load();
+    });
+    connect(job, &Job::failed, this, [this](const Reason &reason) { onFailed(reason); });
+    m_desk->run(job, tr("Question for updates"));
+}
+
+void MainWindow::showPage(int page) { m_names->setCurrentRow(page); }
+
+int MainWindow::pageCount() const { return m_pages->count(); }
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    QSettings settings;
+    settings.setValue(geometryKey(), saveGeometry());
+    settings.setValue(pageKey(), m_names->currentRow());
+    m_speak->keepState();
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    QStringList files;
+    for (const QUrl &address : event->mimeData()->urls()) {
+        if (address.isLocalFile())
+            files.append(address.toLocalFile());
+    }
+    m_recognize->add(files);
+    showPage(m_pages->indexOf(m_recognize));
+}
+
+void MainWindow::addPage(const QString &name, QWidget *page)
+{
+    const int number = m_pages->addWidget(page);
+    m_names->addItem(name);
+    const QKeySequence keys(Qt::CTRL + Qt::Key_1 + number);
+    m_names->item(number)->setToolTip(keys.toString(QKeySequence::NativeText));
+    connect(new QShortcut(keys, this), &QShortcut::activated, this,
+            [this, number] { showPage(number); });
+}
+
+void MainWindow::restoreState()
+{
+    const QSettings settings;
+    resize(1024, 700);
+    restoreGeometry(settings.value(geometryKey()).toByteArray());
+    showPage(qBound(0, settings.value(pageKey()).toInt(), pageCount() - 1));
+}
+
+// A service that refuses to tell of versions is there all the same.
+void MainWindow::onFailed(const Reason &reason)
+{
+    using Kind = Reason::Kind;
+    if (reason.kind == Kind::Refused || reason.kind == Kind::BadAnswer) {
+        m_stack->setCurrentIndex(0);
+        m_desk->catalogue()->load();
+        return;
+    }
+    m_start->explain(reason.line());
+    m_stack->setCurrentWidget(m_start);
+}

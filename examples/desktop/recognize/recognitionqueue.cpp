@@ -1,0 +1,172 @@
+#include "recognize/recognitionqueue.h"
+
+#include "common/desk.h"
+#include "hostkit/recognizejob.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+RecognitionQueue::RecognitionQueue(Desk *desk, QObject *parent)
+    : QAbstractTableModel(parent)
+    , m_desk(desk)
+{
+}
+
+void RecognitionQueue::add(const QString &path)
+{
+    Entry entry;
+    entry.id = ++m_lastId;
+    entry.path = path;
+    beginInsertRows({}, m_entries.size(), m_entries.size());
+    m_entries.append(entry);
+    endInsertRows();
+    startNext();
+}
+
+void RecognitionQueue::remove(int row)
+{
+    cancel(row);
+    beginRemoveRows({}, row, row);
+    m_entries.removeAt(row);
+    endRemoveRows();
+}
+
+void RecognitionQueue::cancel(int row)
+{
+    Entry &entry = m_entries[row];
+    if (entry.state == State::UnderWay) {
+        m_job->cancel();
+    } else if (entry.state == State::Waiting) {
+        entry.state = State::Failed;
+        entry.reason = tr("cancelled");
+        change(&entry);
+    }
+}
+
+void RecognitionQueue::retry(int row)
+{
+    Entry &entry = m_entries[row];
+    if (entry.state == State::Waiting || entry.state == State::UnderWay)
+        return;
+    entry.state = State::Waiting;
+    entry.text.clear();
+    entry.reason.clear();
+    change(&entry);
+    startNext();
+}
+
+RecognitionQueue::State RecognitionQueue::state(int row) const { return m_entries.at(row).state; }
+
+QString RecognitionQueue::path(int row) const { return m_entries.at(row).path; }
+
+QString RecognitionQueue::text(int row) const { return m_entries.at(row).text; }
+
+QString RecognitionQueue::reason(int row) const { return m_entries.at(row).reason; }
+
+int RecognitionQueue::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_entries.size();
+}
+
+int RecognitionQueue::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : Columns;
+}
+
+QVariant RecognitionQueue::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    const Entry &entry = m_entries.at(index.row());
+    if (index.column() == Recording) {
+        if (role == Qt::DisplayRole)
+            return QFileInfo(entry.path).fileName();
+        return role == Qt::ToolTipRole ? entry.path : QVariant();
+    }
+    if (role == PercentRole)
+        return entry.state == State::UnderWay ? entry.percent : QVariant();
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
+        return {};
+    switch (entry.state) {
+    case State::Waiting:
+        return tr("waiting");
+    case State::UnderWay:
+        return entry.progress;
+    case State::Done:
+        return entry.text.isEmpty() ? tr("nobody spoke") : entry.text;
+    case State::Failed:
+        return entry.reason;
+    }
+    return {};
+}
+
+QVariant RecognitionQueue::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    return section == Recording ? tr("Recording") : tr("Progress and result");
+}
+
+RecognitionQueue::Entry *RecognitionQueue::find(int id)
+{
+    const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [id](const Entry &entry) { return entry.id == id; });
+    return entry == m_entries.end() ? nullptr : &*entry;
+}
+
+void RecognitionQueue::startNext()
+{
+    const auto next = std::find_if(m_entries.begin(), m_entries.end(), [](const Entry &entry) {
+        return entry.state == State::Waiting;
+    });
+    if (m_job || next == m_entries.end())
+        return;
+    next->state = State::UnderWay;
+    next->percent = -1;
+    next->progress = tr("asking the service");
+    m_current = next->id;
+    m_job = new RecognizeJob(m_desk->kit(), next->path, Job::Form::ByLength, this);
+    connect(m_job, &Job::progressed, this, &RecognitionQueue::onProgress);
+    connect(m_job, &RecognizeJob::succeeded, this,
+            [this](const QString &text) { end(State::Done, text, {}); });
+    connect(m_job, &Job::failed, this,
+            [this](const Reason &reason) { end(State::Failed, {}, reason.line()); });
+    change(next);
+    m_desk->run(m_job.data(), tr("Recognition"));
+}
+
+void RecognitionQueue::onProgress(Job::Stage stage, qint64 done, qint64 total)
+{
+    Entry *entry = find(m_current);
+    if (!entry)
+        return;
+    entry->percent = -1;
+    if (stage == Job::Stage::Uploading && total > 0) {
+        entry->percent = int(100 * done / total);
+        entry->progress = tr("uploading, %1 %").arg(entry->percent);
+    } else if (stage == Job::Stage::Working) {
+        entry->progress = tr("the service works on it, %1 s").arg(done);
+    } else {
+        entry->progress = tr("asking the service");
+    }
+    change(entry);
+}
+
+void RecognitionQueue::end(State state, const QString &text, const QString &reason)
+{
+    m_job = nullptr;
+    if (Entry *entry = find(m_current)) {
+        entry->state = state;
+        entry->text = text;
+        entry->reason = reason;
+        change(entry);
+    }
+    startNext();
+}
+
+void RecognitionQueue::change(const Entry *entry)
+{
+    const int row = int(entry - m_entries.constData());
+    Q_EMIT dataChanged(index(row, 0), index(row, Columns - 1));
+}

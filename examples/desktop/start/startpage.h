@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QWidget>
+
+class Notice;
+class QPushButton;
+class ServiceProcess;
+
+/// Stands in the window while the service cannot be used, and helps the user out of it.
+class StartPage : public QWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(StartPage)
+
+public:
+    explicit StartPage(ServiceProcess *service, QWidget *parent = nullptr);
+
+    /// Says why the service cannot be used.
+    void explain(const QString &why);
+
+Q_SIGNALS:
+    /// The user wants the service to be asked again.
+    void retried();
+
+private:
+    void startService();
+    void chooseAuthority();
+    void trust(const QString &authority);
+
+    ServiceProcess *m_service;
+    Notice *m_notice;
+    QPushButton *m_start;
+};

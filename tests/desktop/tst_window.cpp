@@ -1,0 +1,360 @@
+#include "account/accountpage.h"
+#include "audio/playerpanel.h"
+#include "common/desk.h"
+#include "common/notice.h"
+#include "gallery/catalogue.h"
+#include "gallery/gallerypage.h"
+#include "hostkit/failurereasons.h"
+#include "hostkit/tokenkeeper.h"
+#include "hostkit/trust.h"
+#include "mainwindow.h"
+#include "recognize/recognizepage.h"
+#include "requests/requestspage.h"
+#include "speak/speakpage.h"
+#include "start/startpage.h"
+#include "tests/support/patience.h"
+#include "tests/system/home.h"
+#include "tests/system/localservice.h"
+#include "tests/system/signinsteps.h"
+#include "tests/system/words.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QListWidget>
+#include <QLoggingCategory>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QSettings>
+#include <QTreeView>
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+QString sentence() { return QStringLiteral("Go forward ten meters."); }
+
+enum Page { Speak, Recognize, Gallery, Account, Requests };
+
+bool needsName(QAccessible::Role role)
+{
+    switch (role) {
+    case QAccessible::Button:
+    case QAccessible::CheckBox:
+    case QAccessible::ComboBox:
+    case QAccessible::EditableText:
+    case QAccessible::Slider:
+    case QAccessible::List:
+    case QAccessible::Tree:
+    case QAccessible::Table:
+    case QAccessible::ProgressBar:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+/// The window as its user has it, against the local service.
+class TestWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QApplication::setOrganizationName(QStringLiteral("VoNetwork"));
+        QApplication::setApplicationName(QStringLiteral("vodesk"));
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        m_reasons = std::make_unique<FailureReasons>();
+        QVERIFY(m_service.start());
+        QCOMPARE(Trust::add(m_service.authority()), QString());
+    }
+
+    void init()
+    {
+        QSettings().clear();
+        m_desk = std::make_unique<Desk>();
+        m_window = std::make_unique<MainWindow>(m_desk.get());
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QSignalSpy loaded(m_desk->catalogue(), &Catalogue::loaded);
+        m_window->connectToService();
+        TRY_COMPARE(loaded.count(), 1);
+    }
+
+    void cleanup()
+    {
+        m_window.reset();
+        if (m_desk)
+            m_desk->kit()->tokens()->signOut();
+        m_desk.reset();
+    }
+
+    void aSentenceIsSpokenPlayedAndRecognisedAgain()
+    {
+        m_desk->kit()->tokens()->setToken(LocalService::token());
+        type(sentence());
+        Player *player = page<SpeakPage>()->findChild<PlayerPanel *>()->player();
+        QSignalSpy playing(player, &Player::playingChanged);
+        click(QStringLiteral("speak"));
+        TRY_COMPARE(playing.count(), 2); // it began and ended
+        QVERIFY(player->duration() > 500);
+        QCOMPARE(player->position(), player->duration());
+
+        const QString saved = m_folder.filePath(QStringLiteral("saved.wav"));
+        QMetaObject::invokeMethod(page<SpeakPage>(), [&] { save(saved); });
+        TRY_VERIFY(QFileInfo::exists(saved));
+        drop({saved});
+        TRY_COMPARE(words(recognised()), words(sentence()));
+    }
+
+    void aTextIsSpokenWithoutSigningIn()
+    {
+        type(sentence());
+        Player *player = page<SpeakPage>()->findChild<PlayerPanel *>()->player();
+        click(QStringLiteral("speak"));
+        TRY_VERIFY(player->isPlaying());
+    }
+
+    void aTextThatIsTooLongIsRefusedInItsPlace()
+    {
+        type(QString(50000, QLatin1Char('a')));
+        click(QStringLiteral("speak"));
+        TRY_COMPARE(notice<SpeakPage>(),
+                    QStringLiteral("the text is too long without signing in (300 characters)"));
+        QCOMPARE(editor()->toPlainText().size(), 50000);
+    }
+
+    void speakingIsCancelledByTheSameButton()
+    {
+        m_desk->kit()->tokens()->setToken(LocalService::token());
+        type(sentence().repeated(200));
+        auto *button = m_window->findChild<QAbstractButton *>(QStringLiteral("speak"));
+        click(QStringLiteral("speak"));
+        QCOMPARE(button->text(), QStringLiteral("Ca&ncel"));
+        click(QStringLiteral("speak"));
+        QCOMPARE(button->text(), QStringLiteral("&Speak"));
+        QCOMPARE(m_desk->requests()->index(0, RequestLog::Outcome).data().toString(),
+                 QStringLiteral("cancelled"));
+        QCOMPARE(notice<SpeakPage>(), QString());
+    }
+
+    void eachRowOfTheQueueSaysWhyItFailed()
+    {
+        m_desk->kit()->tokens()->setToken(LocalService::token());
+        const QString missing = m_folder.filePath(QStringLiteral("missing.wav"));
+        drop({missing, missing});
+        const auto *model = m_window->findChild<QTreeView *>(QStringLiteral("queue"))->model();
+        for (int row = 0; row < 2; ++row) {
+            TRY_VERIFY(model->index(row, RecognitionQueue::Progress)
+                           .data()
+                           .toString()
+                           .contains(QStringLiteral("missing.wav")));
+        }
+    }
+
+    void theUserSignsInByTheCode()
+    {
+        SignInSteps steps(&m_service);
+        button(page<AccountPage>(), QStringLiteral("&Show a code"))->click();
+        const auto *picture = m_window->findChild<QLabel *>(QStringLiteral("code"));
+        TRY_VERIFY(picture->pixmap(Qt::ReturnByValue).width() > 0);
+        QCOMPARE(steps.client().postTo(steps.takePage()).status, 200);
+        TRY_VERIFY(m_desk->isSignedIn());
+        const auto *user = m_window->findChild<QLabel *>(QStringLiteral("user"));
+        QVERIFY2(user->text().startsWith(QStringLiteral("Signed in as ")),
+                 qPrintable(user->text()));
+        QVERIFY(!m_home.session().isEmpty());
+        button(page<AccountPage>(), QStringLiteral("Sign &out"))->click();
+        QVERIFY(!m_desk->isSignedIn());
+        QVERIFY(m_home.session().isEmpty());
+    }
+
+    void theUserSignsInBySms()
+    {
+        const QString phone = QStringLiteral("5550100");
+        SignInSteps steps(&m_service);
+        const QList<QLineEdit *> fields = page<AccountPage>()->findChildren<QLineEdit *>();
+        QCOMPARE(fields.size(), 2);
+        QTest::keyClicks(fields.at(0), phone);
+        QTest::keyClick(fields.at(0), Qt::Key_Return);
+        TRY_VERIFY(fields.at(1)->isEnabled());
+        QTest::keyClicks(fields.at(1), steps.takeCode(phone));
+        QTest::keyClick(fields.at(1), Qt::Key_Return);
+        TRY_VERIFY(m_desk->isSignedIn());
+    }
+
+    void aWrongSmsCodeIsToldInItsPlace()
+    {
+        const QString phone = QStringLiteral("5550101");
+        SignInSteps steps(&m_service);
+        const QList<QLineEdit *> fields = page<AccountPage>()->findChildren<QLineEdit *>();
+        QTest::keyClicks(fields.at(0), phone);
+        QTest::keyClick(fields.at(0), Qt::Key_Return);
+        TRY_VERIFY(fields.at(1)->isEnabled());
+        QTest::keyClicks(fields.at(1), SignInSteps::otherThan(steps.takeCode(phone)));
+        QTest::keyClick(fields.at(1), Qt::Key_Return);
+        TRY_VERIFY(notice<AccountPage>().startsWith(QStringLiteral("the service refused")));
+        QVERIFY(!m_desk->isSignedIn());
+    }
+
+    void aVoiceOfTheGalleryIsUsedForSpeaking()
+    {
+        auto *voices = m_window->findChild<QListView *>(QStringLiteral("voices"));
+        const int last = voices->model()->rowCount() - 1;
+        QVERIFY(last > 0);
+        const QModelIndex voice = voices->model()->index(last, 0);
+        voices->setCurrentIndex(voice);
+        button(page<GalleryPage>(), QStringLiteral("&Use for speaking"))->click();
+        QVERIFY(page<SpeakPage>()->isVisible());
+        QCOMPARE(page<SpeakPage>()->findChild<QComboBox *>()->currentText(),
+                 voice.data().toString());
+    }
+
+    void closingDuringEverythingEndsCleanly()
+    {
+        m_desk->kit()->tokens()->setToken(LocalService::token());
+        type(sentence().repeated(40));
+        click(QStringLiteral("speak"));
+        button(page<AccountPage>(), QStringLiteral("&Show a code"))->click();
+        QTest::qWait(0);
+        m_window->close();
+        m_window.reset();
+        m_desk.reset();
+    }
+
+    void theTextAndThePageAreThereAtTheNextStart()
+    {
+        type(sentence());
+        m_window->showPage(Account);
+        m_window->close();
+        m_window = std::make_unique<MainWindow>(m_desk.get());
+        m_window->show();
+        QVERIFY(page<AccountPage>()->isVisible());
+        QCOMPARE(editor()->toPlainText(), sentence());
+    }
+
+    void eachPageIsReachedByTheKeyboard()
+    {
+        const QList<QWidget *> pages{page<SpeakPage>(), page<RecognizePage>(), page<GalleryPage>(),
+                                     page<AccountPage>(), page<RequestsPage>()};
+        for (int i = 0; i < pages.size(); ++i) {
+            QTest::keyClick(m_window.get(), Qt::Key(Qt::Key_1 + i), Qt::ControlModifier);
+            TRY_VERIFY(pages.at(i)->isVisible());
+        }
+    }
+
+    void everyControlHasANameAndARole()
+    {
+        QStringList nameless;
+        for (int number = 0; number < m_window->pageCount(); ++number) {
+            m_window->showPage(number);
+            for (QWidget *widget : m_window->findChildren<QWidget *>()) {
+                if (!widget->isVisible() || widget->focusPolicy() == Qt::NoFocus)
+                    continue;
+                const QAccessibleInterface *face = QAccessible::queryAccessibleInterface(widget);
+                const bool isNamed = !face->text(QAccessible::Name).isEmpty();
+                if (face->role() == QAccessible::Client || (needsName(face->role()) && !isNamed))
+                    nameless.append(QStringLiteral("%1 %2 \"%3\" on page %4")
+                                        .arg(QString::fromLatin1(widget->metaObject()->className()))
+                                        .arg(face->role())
+                                        .arg(widget->objectName())
+                                        .arg(number));
+            }
+        }
+        QCOMPARE(nameless, QStringList());
+    }
+
+    void withoutAServiceThereIsThePageThatStartsOne()
+    {
+        QCOMPARE(m_service.stop(SIGTERM), 0);
+        m_window->connectToService();
+        auto *start = m_window->findChild<StartPage *>();
+        TRY_VERIFY(start->isVisible());
+        qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
+        QTest::mouseClick(m_window->findChild<QAbstractButton *>(QStringLiteral("startService")),
+                          Qt::LeftButton);
+        TRY_VERIFY(!start->isVisible());
+        qunsetenv("XDG_DATA_HOME");
+        QVERIFY(m_desk->catalogue()->voices());
+    }
+
+private:
+    template <typename P>
+    P *page()
+    {
+        return m_window->findChild<P *>();
+    }
+
+    template <typename P>
+    QString notice()
+    {
+        const auto *notice = page<P>()->template findChild<Notice *>();
+        return notice->isHidden() ? QString() : notice->text();
+    }
+
+    QPlainTextEdit *editor()
+    {
+        return m_window->findChild<QPlainTextEdit *>(QStringLiteral("text"));
+    }
+
+    void type(const QString &text) { editor()->setPlainText(text); }
+
+    void click(const QString &name)
+    {
+        m_window->showPage(Speak);
+        QTest::mouseClick(m_window->findChild<QAbstractButton *>(name), Qt::LeftButton);
+    }
+
+    static QAbstractButton *button(QWidget *page, const QString &text)
+    {
+        for (auto *button : page->findChildren<QAbstractButton *>()) {
+            if (button->text() == text)
+                return button;
+        }
+        qFatal("there is no button \"%s\"", qPrintable(text));
+    }
+
+    void save(const QString &path)
+    {
+        button(page<SpeakPage>(), QStringLiteral("Save &as..."))->click();
+        auto *dialog = page<SpeakPage>()->findChild<QFileDialog *>();
+        Q_EMIT dialog->fileSelected(path);
+        dialog->close();
+    }
+
+    void drop(const QStringList &files)
+    {
+        QMimeData data;
+        QList<QUrl> addresses;
+        for (const QString &file : files)
+            addresses.append(QUrl::fromLocalFile(file));
+        data.setUrls(addresses);
+        QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_window.get(), &event);
+    }
+
+    QString recognised()
+    {
+        return page<RecognizePage>()->findChild<QPlainTextEdit *>()->toPlainText();
+    }
+
+    const Home m_home;
+    const QTemporaryDir m_folder;
+    LocalService m_service;
+    std::unique_ptr<FailureReasons> m_reasons;
+    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+QTEST_MAIN(TestWindow)
+#include "tst_window.moc"
