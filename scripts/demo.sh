@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Shows VoNetwork at work on this machine: builds vospeak and the local service, signs in, lists
+# Shows VoNetwork at work on this machine: builds vospeak, vodesk and the local service, signs in, lists
 # voices, music and updates, speaks a sentence and recognises it again, in one reply and as a task,
 # and compares. Keeps the audio in demo-output/. For a fresh Debian 12, as root or with sudo.
 # VOSPEAK in the environment is another program to take in the place of vospeak.
@@ -14,7 +14,7 @@ build=build/gcc
 vospeak=${VOSPEAK:-$build/examples/cli/vospeak}
 localservice=$build/localservice/vo-localservice
 programs=(vo-localservice)
-[ -n "${VOSPEAK:-}" ] || programs+=(vospeak)
+[ -n "${VOSPEAK:-}" ] || programs+=(vospeak vodesk)
 output=demo-output
 work=$(mktemp -d)
 export XDG_CONFIG_HOME=$work/config # the user's own session is left alone
@@ -158,3 +158,4 @@ step "upload and recognise: queue, wait" hear "$output/long.wav" --long
 compare "$output/long.wav"
 
 echo "Done: every sentence came back as it was spoken."
+echo "The same in a window: $build/examples/desktop/vodesk (it can start the local service itself)"

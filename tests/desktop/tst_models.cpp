@@ -65,16 +65,17 @@ private Q_SLOTS:
         view.show();
         QVERIFY(QTest::qWaitForWindowExposed(&view));
         view.grab();
+        QVERIFY(view.verticalScrollBar()->maximum() > 10000);
         qint64 best = std::numeric_limits<qint64>::max();
         for (int i = 1; i <= 20; ++i) {
             view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum() * i / 20);
             QElapsedTimer elapsed;
             elapsed.start();
             view.viewport()->grab();
-            best = qMin(best, elapsed.elapsed());
+            best = qMin(best, elapsed.nsecsElapsed());
         }
-        qInfo("a page of 10,000 voices is drawn in %lld ms", best);
-        QVERIFY(best < 33);
+        qInfo("a page of 10,000 voices is drawn in %.2f ms", double(best) / 1e6);
+        QVERIFY(best < 33000000);
     }
 
     void theReportSaysWhatHappenedWithoutSecrets()

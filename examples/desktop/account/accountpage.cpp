@@ -74,6 +74,7 @@ AccountPage::AccountPage(Desk *desk, QWidget *parent)
 QGroupBox *AccountPage::makeCode()
 {
     m_picture->setObjectName(QStringLiteral("code"));
+    m_newCode->setObjectName(QStringLiteral("newCode"));
     m_picture->setFixedSize(pictureSize, pictureSize);
     m_picture->setAlignment(Qt::AlignCenter);
     m_picture->setFrameShape(QFrame::StyledPanel);

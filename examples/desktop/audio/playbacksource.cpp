@@ -8,6 +8,8 @@ PlaybackSource::PlaybackSource(QObject *parent)
 bool PlaybackSource::load(const QString &path)
 {
     unload();
+    if (path.isEmpty())
+        return false;
     const auto format = WavFile::format(path);
     m_file.setFileName(path);
     if (!format || format->coding != 1 || !m_file.open(QIODevice::ReadOnly))

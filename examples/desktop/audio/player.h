@@ -21,7 +21,8 @@ public:
     explicit Player(QObject *parent = nullptr);
     ~Player() override;
 
-    /// Has the file @p path in place of what was played. False when it cannot be played.
+    /// Has the file @p path in place of what was played; empty: nothing. False when there is
+    /// nothing that can be played.
     bool load(const QString &path);
 
     qint64 duration() const;

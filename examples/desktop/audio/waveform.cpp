@@ -73,8 +73,7 @@ void Waveform::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton
         || qAbs(event->x() - m_pressedAt) >= QApplication::startDragDistance())
         return;
-    setSliderPosition(timeAt(event->x()));
-    Q_EMIT actionTriggered(SliderMove);
+    setSliderPosition(timeAt(event->x())); // triggers the action
 }
 
 void Waveform::keyPressEvent(QKeyEvent *event)

@@ -30,6 +30,9 @@ public:
     /// Speaks with the voice @p param from now on.
     void chooseVoice(const QString &param);
 
+    /// Saves what was spoken last into the file @p path; a failure is told on the page.
+    void save(const QString &path);
+
     /// Keeps the text and the choices for the next start.
     void keepState() const;
 
@@ -49,7 +52,6 @@ private:
     void mix();
     void showAudio(const QString &path);
     void saveAs();
-    void save(const QString &path);
     QString newPath();
 
     Desk *m_desk;
