@@ -8,6 +8,7 @@
 #include "recognize/recognizepage.h"
 #include "requests/requestspage.h"
 #include "speak/speakpage.h"
+#include "start/serviceprocess.h"
 #include "start/startpage.h"
 #include "update/updatebanner.h"
 
@@ -52,7 +53,8 @@ MainWindow::MainWindow(Desk *desk, QWidget *parent)
     addPage(tr("What happened"), new RequestsPage(desk));
     m_names->setAccessibleName(tr("Pages"));
     m_names->setObjectName(QStringLiteral("pages"));
-    m_names->setFixedWidth(m_names->sizeHintForColumn(0) + 24);
+    m_names->setSpacing(3);
+    m_names->setFixedWidth(m_names->sizeHintForColumn(0) + 36);
     m_names->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
     auto *right = new QVBoxLayout;
@@ -72,6 +74,8 @@ MainWindow::MainWindow(Desk *desk, QWidget *parent)
         m_speak->chooseVoice(voice);
         showPage(0);
     });
+    connect(desk->service(), &ServiceProcess::failed, this,
+            [this] { m_stack->setCurrentWidget(m_start); });
     restoreState();
 }
 

@@ -4,6 +4,7 @@
 #include "audio/playerpanel.h"
 #include "common/desk.h"
 #include "gallery/catalogue.h"
+#include "hostkit/cataloguejobs.h"
 #include "hostkit/failurereasons.h"
 #include "hostkit/tokenkeeper.h"
 #include "hostkit/trust.h"
@@ -15,6 +16,7 @@
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "translations/translations.h"
+#include "update/updatebanner.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -136,6 +138,12 @@ void takeAll(const Photographer &photographer, LocalService *service)
     photographer.take(&window, "recognise");
 
     window.showPage(4);
+    window.findChild<UpdateBanner *>()->tell(
+        {Update::State::NewerIsThere,
+         QStringLiteral("1.1.1.26"),
+         QStringLiteral("1.2.0.0"),
+         {QStringLiteral("Speaks faster"), QStringLiteral("Recognises more")},
+         QStringLiteral("https://speech.example/download")});
     photographer.take(&window, "happened");
     service->stop(SIGTERM);
 }

@@ -13,16 +13,21 @@
 #include "speak/speakpage.h"
 #include "start/startpage.h"
 #include "tests/support/patience.h"
+#include "tests/support/testfolder.h"
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/signinsteps.h"
 #include "tests/system/words.h"
+#include "update/updatebanner.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -125,6 +130,28 @@ private Q_SLOTS:
         TRY_VERIFY(player->isPlaying());
     }
 
+    void theMusicIsInWhatIsSaved()
+    {
+        type(sentence());
+        const QString alone = m_folder.filePath(QStringLiteral("alone.wav"));
+        const QString mixed = m_folder.filePath(QStringLiteral("mixed.wav"));
+        Player *player = page<SpeakPage>()->findChild<PlayerPanel *>()->player();
+        click(QStringLiteral("speak"));
+        TRY_VERIFY(player->isPlaying());
+        page<SpeakPage>()->save(alone);
+        TRY_VERIFY(QFileInfo::exists(alone));
+        QSignalSpy playing(player, &Player::playingChanged);
+        auto *music = m_window->findChild<QComboBox *>(QStringLiteral("music"));
+        QVERIFY(music->count() > 1);
+        music->setFocus();
+        QTest::keyClick(music, Qt::Key_Down);
+        TRY_VERIFY(playing.count() >= 2); // it is interrupted by the mix
+        page<SpeakPage>()->save(mixed);
+        TRY_VERIFY(QFileInfo::exists(mixed));
+        QCOMPARE(QFileInfo(mixed).size(), QFileInfo(alone).size());
+        QVERIFY(TestFolder::contents(mixed) != TestFolder::contents(alone));
+    }
+
     void aTextThatIsTooLongIsRefusedInItsPlace()
     {
         type(QString(50000, QLatin1Char('a')));
@@ -220,6 +247,27 @@ private Q_SLOTS:
                  voice.data().toString());
     }
 
+    void aNewerVersionIsToldInABanner()
+    {
+        QFile upgrades(m_service.dataFile(QStringLiteral("upgrade.json")));
+        QVERIFY(upgrades.open(QIODevice::ReadOnly));
+        QJsonObject document = QJsonDocument::fromJson(upgrades.readAll()).object();
+        upgrades.close();
+        auto *banner = page<UpdateBanner>();
+        QVERIFY(!banner->isVisible());
+        document.insert(QStringLiteral("upgradeStatus"), 1);
+        QVERIFY(upgrades.open(QIODevice::WriteOnly));
+        upgrades.write(QJsonDocument(document).toJson());
+        upgrades.close();
+        m_window->connectToService();
+        TRY_VERIFY(banner->isVisible());
+        button(banner, QStringLiteral("&Hide"))->click();
+        QVERIFY(!banner->isVisible());
+        document.insert(QStringLiteral("upgradeStatus"), 0);
+        QVERIFY(upgrades.open(QIODevice::WriteOnly));
+        upgrades.write(QJsonDocument(document).toJson());
+    }
+
     void closingDuringEverythingEndsCleanly()
     {
         m_desk->kit()->tokens()->setToken(LocalService::token());
@@ -235,12 +283,20 @@ private Q_SLOTS:
     void theTextAndThePageAreThereAtTheNextStart()
     {
         type(sentence());
+        const auto *voices = m_desk->catalogue()->voices();
+        const QModelIndex voice = voices->index(voices->rowCount() - 1, 0);
+        page<SpeakPage>()->chooseVoice(voice.data(VoiceModel::VoiceRole).toString());
         m_window->showPage(Account);
         m_window->close();
         m_window = std::make_unique<MainWindow>(m_desk.get());
         m_window->show();
         QVERIFY(page<AccountPage>()->isVisible());
         QCOMPARE(editor()->toPlainText(), sentence());
+        QSignalSpy loaded(m_desk->catalogue(), &Catalogue::loaded);
+        m_window->connectToService();
+        TRY_COMPARE(loaded.count(), 1);
+        QCOMPARE(page<SpeakPage>()->findChild<QComboBox *>()->currentText(),
+                 voices->index(voices->rowCount() - 1, 0).data().toString());
     }
 
     void eachPageIsReachedByTheKeyboard()

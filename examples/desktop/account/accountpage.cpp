@@ -143,8 +143,11 @@ void AccountPage::askForCode()
 void AccountPage::showCode(const QString &picture, const QDateTime &expires)
 {
     const QImage image = CodePicture::read(picture);
-    if (image.isNull())
-        return m_code->cancel();
+    if (image.isNull()) {
+        m_code->cancel();
+        m_notice->tell(tr("no usable picture of the code came"));
+        return;
+    }
     const QPixmap pixels = QPixmap::fromImage(image);
     const int side = pictureSize * devicePixelRatio();
     QPixmap scaled = pixels.scaled(side, side, Qt::KeepAspectRatio);

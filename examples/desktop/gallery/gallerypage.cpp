@@ -29,6 +29,7 @@ GalleryPage::GalleryPage(Desk *desk, QWidget *parent)
     , m_category(new QComboBox)
     , m_voices(new QListView)
     , m_music(new QListView)
+    , m_about(new QLabel)
     , m_count(new QLabel)
     , m_notice(new Notice)
     , m_sample(new QPushButton(tr("&Play the sample")))
@@ -36,7 +37,7 @@ GalleryPage::GalleryPage(Desk *desk, QWidget *parent)
     , m_play(new QPushButton(tr("P&lay the track")))
     , m_stop(new QPushButton(tr("S&top")))
 {
-    auto *again = new QPushButton(tr("&Load again"));
+    auto *again = new QPushButton(tr("Loa&d again"));
     connect(again, &QPushButton::clicked, desk->catalogue(), &Catalogue::load);
     auto *bottom = new QHBoxLayout;
     bottom->addWidget(m_count, 1);
@@ -74,6 +75,7 @@ QWidget *GalleryPage::makeVoices()
     m_voices->setWordWrap(true);
     m_voices->setIconSize({pictureSize, pictureSize});
     m_voices->setGridSize({cellWidth, cellHeight});
+    m_about->setTextFormat(Qt::PlainText);
     m_search->setPlaceholderText(tr("Name, category or scene"));
     m_search->setAccessibleName(tr("Search for voices"));
     m_search->setClearButtonEnabled(true);
@@ -97,6 +99,7 @@ QWidget *GalleryPage::makeVoices()
             [this](const QModelIndex &index) {
                 m_sample->setEnabled(index.isValid());
                 m_use->setEnabled(index.isValid());
+                m_about->setText(index.data(Qt::ToolTipRole).toString());
             });
 
     auto *filters = new QHBoxLayout;
@@ -105,7 +108,7 @@ QWidget *GalleryPage::makeVoices()
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_sample);
     buttons->addWidget(m_use);
-    buttons->addStretch(1);
+    buttons->addWidget(m_about, 1);
     auto *voices = new QWidget;
     auto *layout = new QVBoxLayout(voices);
     layout->setContentsMargins({});

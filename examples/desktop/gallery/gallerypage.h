@@ -40,6 +40,7 @@ private:
     QComboBox *m_category;
     QListView *m_voices;
     QListView *m_music;
+    QLabel *m_about; ///< The chosen voice.
     QLabel *m_count;
     Notice *m_notice;
     QPushButton *m_sample;

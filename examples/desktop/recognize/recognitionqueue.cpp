@@ -79,18 +79,44 @@ QVariant RecognitionQueue::data(const QModelIndex &index, int role) const
     if (!index.isValid())
         return {};
     const Entry &entry = m_entries.at(index.row());
-    if (index.column() == Recording) {
-        if (role == Qt::DisplayRole)
-            return QFileInfo(entry.path).fileName();
-        return role == Qt::ToolTipRole ? entry.path : QVariant();
-    }
     if (role == PercentRole)
         return entry.state == State::UnderWay ? entry.percent : QVariant();
+    if (role == Qt::ToolTipRole && index.column() == Recording)
+        return entry.path;
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
-    switch (entry.state) {
+    if (index.column() == Recording)
+        return QFileInfo(entry.path).fileName();
+    return index.column() == Status ? statusText(entry.state) : progressText(entry);
+}
+
+QVariant RecognitionQueue::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    return QStringList{tr("Recording"), tr("State"), tr("Progress and result")}.value(section);
+}
+
+QString RecognitionQueue::statusText(State state) const
+{
+    switch (state) {
     case State::Waiting:
         return tr("waiting");
+    case State::UnderWay:
+        return tr("under way");
+    case State::Done:
+        return tr("done");
+    case State::Failed:
+        return tr("failed");
+    }
+    return {};
+}
+
+QString RecognitionQueue::progressText(const Entry &entry) const
+{
+    switch (entry.state) {
+    case State::Waiting:
+        return {};
     case State::UnderWay:
         return entry.progress;
     case State::Done:
@@ -99,13 +125,6 @@ QVariant RecognitionQueue::data(const QModelIndex &index, int role) const
         return entry.reason;
     }
     return {};
-}
-
-QVariant RecognitionQueue::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    return section == Recording ? tr("Recording") : tr("Progress and result");
 }
 
 RecognitionQueue::Entry *RecognitionQueue::find(int id)

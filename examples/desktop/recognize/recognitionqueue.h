@@ -17,7 +17,7 @@ class RecognitionQueue : public QAbstractTableModel
 
 public:
     enum class State { Waiting, UnderWay, Done, Failed };
-    enum Column { Recording, Progress, Columns };
+    enum Column { Recording, Status, Progress, Columns };
     enum Role {
         PercentRole = Qt::UserRole, ///< 0 to 100, -1 where nobody knows; not valid: no progress.
     };
@@ -58,6 +58,8 @@ private:
         QString reason; ///< Of one that failed.
     };
 
+    QString statusText(State state) const;
+    QString progressText(const Entry &entry) const;
     Entry *find(int id);
     void startNext();
     void onProgress(Job::Stage stage, qint64 done, qint64 total);

@@ -68,8 +68,8 @@ SpeakPage::SpeakPage(Desk *desk, QWidget *parent)
     connect(&m_mixSoon, &QTimer::timeout, this, &SpeakPage::mix);
     connect(desk->catalogue(), &Catalogue::loaded, this, &SpeakPage::onLoaded);
     connect(desk->kit()->tokens(), &TokenKeeper::changed, this, &SpeakPage::showCount);
-    onLoaded();
     restoreState();
+    onLoaded();
 }
 
 QWidget *SpeakPage::makeText()
@@ -111,6 +111,8 @@ QWidget *SpeakPage::makeChoices()
     m_voice->setModel(m_desk->catalogue()->voices());
     m_voice->setIconSize({28, 28});
     m_about->setWordWrap(true);
+    m_about->setTextFormat(Qt::PlainText);
+    m_music->setObjectName(QStringLiteral("music"));
     auto *voice = new QHBoxLayout;
     voice->addWidget(m_about, 1);
     voice->addWidget(m_sample);
@@ -129,6 +131,8 @@ QWidget *SpeakPage::makeChoices()
 
     connect(m_voice, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             &SpeakPage::showVoice);
+    connect(m_voice, QOverload<int>::of(&QComboBox::activated), this,
+            [this] { m_voiceParam = speech().voice; });
     connect(m_sample, &QPushButton::clicked, this, &SpeakPage::playSample);
     connect(m_music, QOverload<int>::of(&QComboBox::activated), &m_mixSoon,
             QOverload<>::of(&QTimer::start));
@@ -160,7 +164,7 @@ void SpeakPage::keepState() const
     QSettings settings;
     settings.beginGroup(QStringLiteral("speak"));
     settings.setValue(QStringLiteral("text"), m_text->toPlainText());
-    settings.setValue(QStringLiteral("voice"), speech().voice);
+    settings.setValue(QStringLiteral("voice"), m_voiceParam);
     settings.setValue(QStringLiteral("rate"), speech().sampleRate);
     settings.setValue(QStringLiteral("speed"), m_speed->value());
     settings.setValue(QStringLiteral("pitch"), m_pitch->value());
@@ -186,8 +190,6 @@ void SpeakPage::restoreState()
 
 void SpeakPage::showVoice()
 {
-    if (const QString param = speech().voice; !param.isEmpty())
-        m_voiceParam = param;
     m_about->setText(m_voice->currentData(Qt::ToolTipRole).toString());
     m_sample->setEnabled(m_voice->currentIndex() >= 0);
 }

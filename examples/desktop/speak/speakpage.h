@@ -79,5 +79,5 @@ private:
     int m_files = 0;      ///< That were made in the folder.
     QString m_spoken;     ///< The file with the voice alone; empty: nothing was spoken.
     QString m_audio;      ///< The file that is shown and saved.
-    QString m_voiceParam; ///< That was chosen before the voices were known.
+    QString m_voiceParam; ///< The voice, also while the voices are not known.
 };

@@ -83,6 +83,10 @@
         <source>The local service has no phone: &lt;a href=&quot;%1&quot;&gt;confirm on its page&lt;/a&gt;</source>
         <translation>本地服务没有手机:&lt;a href=&quot;%1&quot;&gt;在其页面上确认&lt;/a&gt;</translation>
     </message>
+    <message>
+        <source>no usable picture of the code came</source>
+        <translation>没有得到可用的二维码图片</translation>
+    </message>
 </context>
 <context>
     <name>Catalogue</name>
@@ -164,10 +168,6 @@
         <translation>停止(&amp;T)</translation>
     </message>
     <message>
-        <source>&amp;Load again</source>
-        <translation>重新加载(&amp;L)</translation>
-    </message>
-    <message>
         <source>Voices</source>
         <translation>声音</translation>
     </message>
@@ -210,6 +210,10 @@
     <message>
         <source>There is no audio device: nothing is heard</source>
         <translation>没有音频设备,听不到声音</translation>
+    </message>
+    <message>
+        <source>Loa&amp;d again</source>
+        <translation>重新加载(&amp;D)</translation>
     </message>
 </context>
 <context>
@@ -395,6 +399,22 @@
     <message>
         <source>the service works on it, %1 s</source>
         <translation>服务正在处理,%1 秒</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>under way</source>
+        <translation>进行中</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失败</translation>
     </message>
 </context>
 <context>
@@ -812,20 +832,20 @@
 <context>
     <name>UpdateBanner</name>
     <message>
-        <source>What is &amp;new</source>
-        <translation>更新内容(&amp;N)</translation>
-    </message>
-    <message>
-        <source>&amp;Not now</source>
-        <translation>以后再说(&amp;N)</translation>
-    </message>
-    <message>
         <source>Version %1 is needed in place of %2: %3</source>
         <translation>需要版本 %1 代替 %2:%3</translation>
     </message>
     <message>
         <source>Version %1 is there, newer than %2: %3</source>
         <translation>有新版本 %1(当前为 %2):%3</translation>
+    </message>
+    <message>
+        <source>&amp;What is new</source>
+        <translation>更新内容(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Hide</source>
+        <translation>隐藏(&amp;H)</translation>
     </message>
 </context>
 <context>

@@ -18,9 +18,9 @@ UpdateBanner::UpdateBanner(QWidget *parent)
         label->setWordWrap(true);
     }
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    auto *changes = new QPushButton(tr("What is &new"));
+    auto *changes = new QPushButton(tr("&What is new"));
     changes->setCheckable(true);
-    auto *close = new QPushButton(tr("&Not now"));
+    auto *close = new QPushButton(tr("&Hide"));
     auto *row = new QHBoxLayout;
     row->addWidget(m_text, 1);
     row->addWidget(changes);
