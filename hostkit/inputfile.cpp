@@ -1,5 +1,6 @@
 #include "hostkit/inputfile.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QString>
@@ -21,19 +22,21 @@ bool InputFile::isAddress(const QString &recording)
 QString InputFile::problem(const QString &path)
 {
     if (hasScheme(path, QLatin1String("http")))
-        return QStringLiteral("the address of a recording must begin with https://");
+        return QCoreApplication::translate("InputFile",
+                                           "the address of a recording must begin with https://");
     const QFileInfo info(path);
     if (!info.exists())
-        return QStringLiteral("there is no file \"%1\"").arg(path);
+        return QCoreApplication::translate("InputFile", "there is no file \"%1\"").arg(path);
     if (info.isDir())
-        return QStringLiteral("\"%1\" is a folder").arg(path);
+        return QCoreApplication::translate("InputFile", "\"%1\" is a folder").arg(path);
     // Opening a pipe waits until somebody writes to it.
     if (!info.isFile())
-        return QStringLiteral("\"%1\" is no ordinary file").arg(path);
+        return QCoreApplication::translate("InputFile", "\"%1\" is no ordinary file").arg(path);
     if (info.size() == 0)
-        return QStringLiteral("the file \"%1\" is empty").arg(path);
+        return QCoreApplication::translate("InputFile", "the file \"%1\" is empty").arg(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot read \"%1\": %2").arg(path, file.errorString());
+        return QCoreApplication::translate("InputFile", "cannot read \"%1\": %2")
+            .arg(path, file.errorString());
     return {};
 }

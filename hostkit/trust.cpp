@@ -1,5 +1,6 @@
 #include "hostkit/trust.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -9,10 +10,11 @@ QString Trust::add(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot read \"%1\": %2").arg(path, file.errorString());
+        return QCoreApplication::translate("Trust", "cannot read \"%1\": %2")
+            .arg(path, file.errorString());
     const QList<QSslCertificate> authorities = QSslCertificate::fromDevice(&file, QSsl::Pem);
     if (authorities.isEmpty())
-        return QStringLiteral("there is no certificate in \"%1\"").arg(path);
+        return QCoreApplication::translate("Trust", "there is no certificate in \"%1\"").arg(path);
 
     // Qt loads the system's authorities on demand, but not beside a list that is set. The list has
     // to have them.

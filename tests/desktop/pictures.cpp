@@ -48,6 +48,8 @@ QPalette dark()
     palette.setColor(QPalette::ToolTipBase, QColor(80, 70, 30));
     palette.setColor(QPalette::ToolTipText, Qt::white);
     palette.setColor(QPalette::Highlight, QColor(70, 130, 200));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, Qt::gray);
     palette.setColor(QPalette::Link, QColor(110, 170, 240));
     return palette;
 }

@@ -33,7 +33,7 @@ QPalette colours()
 {
     QPalette palette;
     palette.setColor(QPalette::Base, Qt::white);
-    palette.setColor(QPalette::Mid, Qt::gray);
+    palette.setColor(QPalette::PlaceholderText, Qt::gray);
     palette.setColor(QPalette::Highlight, Qt::blue);
     palette.setColor(QPalette::Text, Qt::red);
     return palette;

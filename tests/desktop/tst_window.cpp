@@ -12,12 +12,15 @@
 #include "requests/requestspage.h"
 #include "speak/speakpage.h"
 #include "start/startpage.h"
+#include "tests/support/leaks.h"
 #include "tests/support/patience.h"
+#include "tests/support/residentmemory.h"
 #include "tests/support/testfolder.h"
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/signinsteps.h"
 #include "tests/system/words.h"
+#include "translations/translations.h"
 #include "update/updatebanner.h"
 
 #include <QAbstractButton>
@@ -26,6 +29,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QFileInfo>
+#include <QGroupBox>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
@@ -36,9 +40,11 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QSettings>
+#include <QSslConfiguration>
 #include <QTreeView>
 #include <QtTest>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 
@@ -328,6 +334,66 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(nameless, QStringList());
+    }
+
+    void everythingIsChineseInChina()
+    {
+        Translations::install(QLocale(QLocale::Chinese, QLocale::China));
+        m_window = std::make_unique<MainWindow>(m_desk.get());
+        Translations::install(QLocale::c());
+        QStringList texts;
+        for (const auto *button : m_window->findChildren<QAbstractButton *>())
+            texts.append(button->text());
+        for (const auto *group : m_window->findChildren<QGroupBox *>())
+            texts.append(group->title());
+        const auto *pages = m_window->findChild<QListWidget *>(QStringLiteral("pages"));
+        for (int row = 0; row < pages->count(); ++row)
+            texts.append(pages->item(row)->text());
+        QVERIFY(texts.size() > 20);
+        QStringList foreign;
+        for (const QString &text : qAsConst(texts)) {
+            const bool isChinese = std::any_of(text.begin(), text.end(), [](QChar character) {
+                return character.script() == QChar::Script_Han;
+            });
+            if (!text.isEmpty() && !isChinese)
+                foreign.append(text);
+        }
+        QCOMPARE(foreign, QStringList());
+    }
+
+    void tenThousandVoicesFitIntoTheMemory()
+    {
+        QVector<DubInfo> voices(10000);
+        for (int i = 0; i < voices.size(); ++i)
+            voices[i].name = voices[i].voiceParam = QString::number(i);
+        m_desk->catalogue()->voices()->setVoices(voices);
+        m_window->showPage(Gallery);
+        m_window->grab();
+        const qint64 memory = residentMemory();
+        qInfo("with 10,000 voices there are %lld MiB", memory >> 20);
+#ifndef VONETWORK_HAS_LEAK_CHECK // the sanitiser has memory of its own
+        QVERIFY(memory < 150 << 20);
+#endif
+    }
+
+    void aServiceThatIsNotTrustedIsToldOnTheStartPage()
+    {
+        const QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
+        QSslConfiguration strict = trusting;
+        strict.setCaCertificates(QSslConfiguration::systemCaCertificates());
+        QSslConfiguration::setDefaultConfiguration(strict);
+        m_window.reset();
+        m_desk = std::make_unique<Desk>();
+        m_window = std::make_unique<MainWindow>(m_desk.get());
+        m_window->show();
+        m_window->connectToService();
+        auto *start = page<StartPage>();
+        TRY_VERIFY(start->isVisible());
+        QSslConfiguration::setDefaultConfiguration(trusting);
+        QVERIFY2(notice<StartPage>().contains(QStringLiteral("not trusted")),
+                 qPrintable(notice<StartPage>()));
+        button(start, QStringLiteral("&Try again"))->click();
+        TRY_VERIFY(!start->isVisible());
     }
 
     void withoutAServiceThereIsThePageThatStartsOne()

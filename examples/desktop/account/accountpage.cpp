@@ -7,7 +7,7 @@
 #include "hostkit/tokenkeeper.h"
 #include "start/serviceprocess.h"
 
-#include <QFormLayout>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QImage>
 #include <QLabel>
@@ -96,11 +96,18 @@ QGroupBox *AccountPage::makeSms()
     m_smsCode->setEnabled(false);
     m_enter->setEnabled(false);
     auto *group = new QGroupBox(tr("By SMS"));
-    auto *layout = new QFormLayout(group);
-    layout->addRow(tr("&Phone number"), m_phone);
-    layout->addRow(m_send);
-    layout->addRow(tr("&Code of the SMS"), m_smsCode);
-    layout->addRow(m_enter);
+    auto *phone = new QLabel(tr("&Phone number"));
+    phone->setBuddy(m_phone);
+    auto *code = new QLabel(tr("&Code of the SMS"));
+    code->setBuddy(m_smsCode);
+    auto *layout = new QGridLayout(group);
+    layout->addWidget(phone, 0, 0);
+    layout->addWidget(m_phone, 0, 1);
+    layout->addWidget(m_send, 0, 2);
+    layout->addWidget(code, 1, 0);
+    layout->addWidget(m_smsCode, 1, 1);
+    layout->addWidget(m_enter, 1, 2);
+    layout->setRowStretch(2, 1);
     return group;
 }
 

@@ -30,7 +30,7 @@ void WaveformPainter::paint(QPainter *painter, const Summary &summary, const Mar
         const Summary::Range range = summary.range(placeAt(x), placeAt(x + 1));
         (x < head ? played : coming).append({x, yOf(range.high), x, yOf(range.low)});
     }
-    painter->setPen(m_palette.color(QPalette::Mid));
+    painter->setPen(m_palette.color(QPalette::PlaceholderText));
     painter->drawLines(coming);
     painter->setPen(m_palette.color(QPalette::Highlight));
     painter->drawLines(played);

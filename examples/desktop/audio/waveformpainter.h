@@ -21,7 +21,7 @@ public:
     };
 
     /// The colours are the palette's: Base behind all, Highlight for what has been played and, half
-    /// transparent, for the selection, Text for the play head, Mid for what is to come.
+    /// transparent, for the selection, Text for the play head, PlaceholderText for what is to come.
     WaveformPainter(const QRect &area, const QPalette &palette);
 
     void paint(QPainter *painter, const Summary &summary, const Marks &marks) const;

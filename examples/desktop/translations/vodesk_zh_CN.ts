@@ -236,6 +236,33 @@
     </message>
 </context>
 <context>
+    <name>InputFile</name>
+    <message>
+        <source>the address of a recording must begin with https://</source>
+        <translation>录音地址必须以 https:// 开头</translation>
+    </message>
+    <message>
+        <source>there is no file &quot;%1&quot;</source>
+        <translation>没有文件“%1”</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is a folder</source>
+        <translation>“%1”是文件夹</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no ordinary file</source>
+        <translation>“%1”不是普通文件</translation>
+    </message>
+    <message>
+        <source>the file &quot;%1&quot; is empty</source>
+        <translation>文件“%1”是空的</translation>
+    </message>
+    <message>
+        <source>cannot read &quot;%1&quot;: %2</source>
+        <translation>无法读取“%1”:%2</translation>
+    </message>
+</context>
+<context>
     <name>Job</name>
     <message>
         <source>it took longer than %1 s</source>
@@ -827,6 +854,17 @@
     <message>
         <source>the session could not be renewed; sign in again</source>
         <translation>无法续期会话,请重新登录</translation>
+    </message>
+</context>
+<context>
+    <name>Trust</name>
+    <message>
+        <source>cannot read &quot;%1&quot;: %2</source>
+        <translation>无法读取“%1”:%2</translation>
+    </message>
+    <message>
+        <source>there is no certificate in &quot;%1&quot;</source>
+        <translation>“%1”中没有证书</translation>
     </message>
 </context>
 <context>
