@@ -1,5 +1,6 @@
 #include "account/accountpage.h"
 #include "audio/playerpanel.h"
+#include "audio/waveform.h"
 #include "common/desk.h"
 #include "common/notice.h"
 #include "gallery/catalogue.h"
@@ -12,6 +13,7 @@
 #include "requests/requestspage.h"
 #include "speak/speakpage.h"
 #include "start/startpage.h"
+#include "tests/desktop/wav.h"
 #include "tests/support/leaks.h"
 #include "tests/support/patience.h"
 #include "tests/support/residentmemory.h"
@@ -27,6 +29,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QGroupBox>
@@ -41,6 +44,7 @@
 #include <QPlainTextEdit>
 #include <QSettings>
 #include <QSslConfiguration>
+#include <QTimer>
 #include <QTreeView>
 #include <QtTest>
 
@@ -193,6 +197,51 @@ private Q_SLOTS:
                            .toString()
                            .contains(QStringLiteral("missing.wav")));
         }
+    }
+
+    void aRecordingOfThreeHoursIsRefusedWithoutFreezingTheWindow()
+    {
+        m_desk->kit()->tokens()->setToken(LocalService::token());
+        const QString hours = m_folder.filePath(QStringLiteral("hours.wav"));
+        QFile file(hours);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        constexpr quint32 size = 3 * 3600 * 16000 * 2;
+        QByteArray head = wav({}, 16000);
+        qToLittleEndian(size + 36, head.data() + 4);
+        qToLittleEndian(size, head.data() + 40);
+        file.write(head);
+        QVERIFY(file.resize(head.size() + qint64(size)));
+        file.close();
+
+        QElapsedTimer sinceTurn;
+        qint64 longestTurn = 0;
+        QTimer turns;
+        connect(&turns, &QTimer::timeout, this,
+                [&] { longestTurn = qMax(longestTurn, sinceTurn.restart()); });
+        sinceTurn.start();
+        turns.start(10);
+        drop({hours});
+        const auto *model = m_window->findChild<QTreeView *>(QStringLiteral("queue"))->model();
+        TRY_COMPARE(model->index(0, RecognitionQueue::Progress).data().toString(),
+                    QStringLiteral("the recording is too large (64 MiB)"));
+        Player *player = page<RecognizePage>()->findChild<PlayerPanel *>()->player();
+        QCOMPARE(player->duration(), 3 * 3600 * 1000);
+        auto *waveform = page<RecognizePage>()->findChild<Waveform *>();
+        TRY_VERIFY(waveform->hasRecording());
+        qInfo("the longest turn of the event loop took %lld ms", longestTurn);
+        QVERIFY(longestTurn < 1000);
+    }
+
+    void whatCannotBeSavedIsToldInItsPlace()
+    {
+        type(sentence());
+        Player *player = page<SpeakPage>()->findChild<PlayerPanel *>()->player();
+        click(QStringLiteral("speak"));
+        TRY_VERIFY(player->isPlaying());
+        const QString path = m_folder.filePath(QStringLiteral("no/folder.wav"));
+        page<SpeakPage>()->save(path);
+        TRY_VERIFY(
+            notice<SpeakPage>().startsWith(path + QStringLiteral(" could not be written: ")));
     }
 
     void theUserSignsInByTheCode()
@@ -399,6 +448,9 @@ private Q_SLOTS:
     void withoutAServiceThereIsThePageThatStartsOne()
     {
         QCOMPARE(m_service.stop(SIGTERM), 0);
+        type(sentence());
+        click(QStringLiteral("speak"));
+        TRY_VERIFY(notice<SpeakPage>().startsWith(QStringLiteral("cannot reach https://")));
         m_window->connectToService();
         auto *start = m_window->findChild<StartPage *>();
         TRY_VERIFY(start->isVisible());

@@ -39,6 +39,8 @@ void Waveform::display(const Summary &summary, qint64 duration)
     select(0, 0);
 }
 
+bool Waveform::hasRecording() const { return !m_summary.isEmpty(); }
+
 QSize Waveform::sizeHint() const { return {400, 110}; }
 
 QSize Waveform::minimumSizeHint() const { return {100, 60}; }

@@ -20,6 +20,9 @@ public:
     /// Shows @p summary of @p duration milliseconds, with the play head at the beginning.
     void display(const Summary &summary, qint64 duration);
 
+    /// Whether there is something to be seen.
+    bool hasRecording() const;
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
