@@ -1,6 +1,6 @@
 #include "account/accountpage.h"
 
-#include "codepicture.h"
+#include "signin/codepicture.h"
 #include "common/desk.h"
 #include "common/notice.h"
 #include "hostkit/signinjobs.h"
