@@ -126,7 +126,7 @@ void MainWindow::addPage(const QString &name, QWidget *page)
 {
     const int number = m_pages->addWidget(page);
     m_names->addItem(name);
-    const QKeySequence keys(Qt::CTRL + Qt::Key_1 + number);
+    const QKeySequence keys(int(Qt::CTRL) + int(Qt::Key_1) + number);
     m_names->item(number)->setToolTip(keys.toString(QKeySequence::NativeText));
     connect(new QShortcut(keys, this), &QShortcut::activated, this,
             [this, number] { showPage(number); });

@@ -302,6 +302,28 @@ private Q_SLOTS:
                  voice.data().toString());
     }
 
+    void aRecordingThatIsAskedForTwiceIsFetchedOnce()
+    {
+        const QString address = m_desk->catalogue()->musicAddress(0);
+        QStringList paths;
+        QStringList problems;
+        for (int i = 0; i < 2; ++i) {
+            m_desk->catalogue()->fetch(address, this,
+                                       [&](const QString &path, const QString &problem) {
+                                           paths.append(path);
+                                           problems.append(problem);
+                                       });
+        }
+        const int before = m_desk->requests()->rowCount();
+        TRY_COMPARE(paths.size(), 2);
+        QCOMPARE(paths.at(0), paths.at(1));
+        QVERIFY(QFileInfo::exists(paths.at(0)));
+        QCOMPARE(problems, (QStringList{QString(), QString()}));
+        QCOMPARE(m_desk->requests()->rowCount(), before);
+        QCOMPARE(m_desk->requests()->index(1, RequestLog::Operation).data().toString(),
+                 QStringLiteral("List of music"));
+    }
+
     void aNewerVersionIsToldInABanner()
     {
         QFile upgrades(m_service.dataFile(QStringLiteral("upgrade.json")));

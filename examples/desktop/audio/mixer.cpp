@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int sampleSize = 2; // bytes
+constexpr qint64 sampleSize = 2; // bytes
 
 struct Sound
 {

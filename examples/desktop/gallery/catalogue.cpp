@@ -60,17 +60,30 @@ QAbstractItemModel *Catalogue::music() { return &m_musicNames; }
 
 QString Catalogue::musicAddress(int row) const { return m_music.value(row).url; }
 
-void Catalogue::fetch(const QString &address, QObject *context,
-                      const std::function<void(const QString &, const QString &)> &done)
+void Catalogue::fetch(const QString &address, QObject *context, const Done &done)
 {
     const QByteArray name =
         QCryptographicHash::hash(address.toUtf8(), QCryptographicHash::Sha1).toHex();
     const QString path = m_folder.filePath(QString::fromLatin1(name));
     if (QFileInfo::exists(path))
         return done(path, {});
-    auto *job = new FetchJob(address, path, false, context);
+    QVector<Waiting> &waiting = m_fetches[address];
+    waiting.append({context, done});
+    if (waiting.size() > 1)
+        return;
+    auto *job = new FetchJob(address, path, false, this);
     job->setTimeout(patience);
-    connect(job, &FetchJob::succeeded, context, [=] { done(path, {}); });
-    connect(job, &Job::failed, context, [=](const Reason &reason) { done({}, reason.line()); });
+    connect(job, &FetchJob::succeeded, this, [=] { endFetch(address, path, {}); });
+    connect(job, &Job::failed, this,
+            [=](const Reason &reason) { endFetch(address, {}, reason.line()); });
     m_desk->run(job, tr("Recording of the catalogue"));
+}
+
+void Catalogue::endFetch(const QString &address, const QString &path, const QString &problem)
+{
+    const QVector<Waiting> all = m_fetches.take(address);
+    for (const Waiting &waiting : all) {
+        if (waiting.context)
+            waiting.done(path, problem);
+    }
 }

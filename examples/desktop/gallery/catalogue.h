@@ -3,7 +3,9 @@
 #include "gallery/voicemodel.h"
 #include "network/vonetworkintf.h"
 
+#include <QHash>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QStringListModel>
 #include <QTemporaryDir>
@@ -20,6 +22,8 @@ class Catalogue : public QObject
     Q_DISABLE_COPY(Catalogue)
 
 public:
+    using Done = std::function<void(const QString &path, const QString &problem)>;
+
     explicit Catalogue(Desk *desk);
 
     /// Asks the service for both lists, unless it is being asked.
@@ -33,8 +37,7 @@ public:
 
     /// Calls @p done with the path of a file that holds what is at @p address, or with why there is
     /// none, unless @p context goes before. A recording is fetched once.
-    void fetch(const QString &address, QObject *context,
-               const std::function<void(const QString &path, const QString &problem)> &done);
+    void fetch(const QString &address, QObject *context, const Done &done);
 
 Q_SIGNALS:
     /// The lists are there.
@@ -44,10 +47,19 @@ Q_SIGNALS:
     void failed(const QString &why);
 
 private:
+    struct Waiting
+    {
+        QPointer<QObject> context;
+        Done done;
+    };
+
+    void endFetch(const QString &address, const QString &path, const QString &problem);
+
     Desk *m_desk;
     VoiceModel m_voices;
     QStringListModel m_musicNames;
     QVector<BgmInfo> m_music;
-    int m_pending = 0; ///< Lists that are asked for.
+    int m_pending = 0;                          ///< Lists that are asked for.
+    QHash<QString, QVector<Waiting>> m_fetches; ///< That are under way, by their address.
     QTemporaryDir m_folder;
 };
