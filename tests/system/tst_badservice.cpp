@@ -185,7 +185,7 @@ private Q_SLOTS:
         m_server.answer(answer);
         const Outcome outcome = run(arguments("say hello -o speech.wav --token 1"));
         QCOMPARE(outcome.err, "vospeak: " + problem + '\n');
-        QCOMPARE(outcome.status, 5);
+        QVERIFY(isFailure(outcome.status));
     }
 
     void theStoragesOwnWordsAreShown()
