@@ -15,16 +15,16 @@ constexpr int blockFrames = 16384;
 Summary Summary::of(QIODevice *samples, qint64 frames, int channels)
 {
     Summary summary;
-    const int frameSize = channels * int(sizeof(qint16));
+    const qint64 frameSize = channels * qint64(sizeof(qint16));
     const qint64 stretch = qMax<qint64>(1, (frames + mostRanges - 1) / mostRanges);
     qint64 done = 0;
     while (done < frames) {
         const QByteArray block =
             samples->read(qMin<qint64>(blockFrames, frames - done) * frameSize);
-        const int count = block.size() / frameSize;
+        const qint64 count = block.size() / frameSize;
         if (count == 0)
             break;
-        for (int i = 0; i < count; ++i, ++done) {
+        for (qint64 i = 0; i < count; ++i, ++done) {
             const auto sample = qFromLittleEndian<qint16>(block.constData() + i * frameSize);
             if (done % stretch == 0)
                 summary.m_ranges.append({sample, sample});
@@ -42,7 +42,8 @@ Summary Summary::ofFile(const QString &path)
     if (!format || format->coding != 1 || format->bitsPerSample != 16
         || !file.open(QIODevice::ReadOnly) || !file.seek(format->dataStart))
         return {};
-    return of(&file, format->dataSize / (format->channels * 2), format->channels);
+    return of(&file, format->dataSize / (qint64(sizeof(qint16)) * format->channels),
+              format->channels);
 }
 
 bool Summary::isEmpty() const { return m_ranges.isEmpty(); }
