@@ -158,7 +158,8 @@ private Q_SLOTS:
         QFETCH(const int, length);
         QFETCH(const int, status);
         QFETCH(const QByteArray, message);
-        const auto reply = m_client->verbatim("GET /?" + QByteArray(length - 2, 'a'), QByteArray());
+        const auto reply =
+            m_client->verbatim("GET /nothing?" + QByteArray(length - 9, 'a'), QByteArray());
         QCOMPARE(reply.status, status);
         QCOMPARE(reply.body, bytesOfRefusal(status, message));
     }

@@ -1,10 +1,10 @@
 #include "account/accountpage.h"
 
-#include "signin/codepicture.h"
 #include "common/desk.h"
 #include "common/notice.h"
 #include "hostkit/signinjobs.h"
 #include "hostkit/tokenkeeper.h"
+#include "signin/codepicture.h"
 #include "start/serviceprocess.h"
 
 #include <QGridLayout>
