@@ -38,7 +38,7 @@ QString unquoted(const QString &quoted)
     int end = 0;
     for (auto matches = escape.globalMatch(quoted); matches.hasNext();) {
         const auto match = matches.next();
-        text += quoted.mid(end, match.capturedStart() - end);
+        text += quoted.midRef(end, match.capturedStart() - end);
         const QString letter = match.captured(2);
         if (letter.isEmpty())
             text += QChar(match.captured(1).toUShort(nullptr, 16));

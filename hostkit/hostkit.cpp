@@ -55,6 +55,7 @@ void HostKit::giveBack(VoNetworkIntf *service)
 
 void HostKit::releaseAll()
 {
-    for (VoNetworkIntf *service : std::exchange(m_idle, {}))
+    const QVector<VoNetworkIntf *> idle = std::exchange(m_idle, {});
+    for (VoNetworkIntf *service : idle)
         VoNetwork::ReleaseVoNetwork(service);
 }

@@ -75,8 +75,9 @@ Reason answered(const QString &words)
 // "ContentNotFoundError" as words.
 QString wordsOf(const QString &name)
 {
+    const QString letters = name.chopped(name.endsWith(QLatin1String("Error")) ? 5 : 0);
     QString words;
-    for (const QChar letter : name.chopped(name.endsWith(QLatin1String("Error")) ? 5 : 0)) {
+    for (const QChar letter : letters) {
         if (letter.isUpper() && !words.isEmpty())
             words += QLatin1Char(' ');
         words += letter.toLower();

@@ -50,10 +50,7 @@ void ServiceJob::runWaiting(const std::function<void(VoNetworkIntf *service)> &c
                             const std::function<void(const Reason &reason)> &done)
 {
     auto *waiting = new WaitingCall(call, work());
-    connect(waiting, &QThread::finished, work(), [waiting, done] {
-        waiting->wait();
-        done(waiting->reason());
-    });
+    connect(waiting, &WaitingCall::finished, work(), [waiting, done] { done(waiting->reason()); });
     waiting->start();
 }
 

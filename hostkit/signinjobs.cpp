@@ -43,11 +43,11 @@ std::unique_ptr<LoginQrCode> waitForCode(VoNetworkIntf *service)
 {
     std::unique_ptr<LoginQrCode> last;
     QEventLoop loop;
-    QObject::connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, &loop,
-                     [&](LoginQrCode *code) {
-                         last.reset(code);
-                         loop.quit();
-                     });
+    const auto take = [&](LoginQrCode *code) {
+        last.reset(code);
+        loop.quit();
+    };
+    QObject::connect(service, &VoNetworkIntf::signalGetLoginQrCodeEnd, &loop, take);
     service->GetLoginQrCode();
     loop.exec();
     return last;

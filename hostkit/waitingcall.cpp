@@ -5,11 +5,14 @@
 #include "network/vonetworkintf.h"
 
 #include <QCoreApplication>
+#include <QEvent>
+#include <QMutexLocker>
+#include <QThread>
 
 #include <utility>
 
 WaitingCall::WaitingCall(Call call, QObject *parent)
-    : QThread(parent)
+    : QObject(parent)
     , m_call(std::move(call))
 {
 }
@@ -17,19 +20,47 @@ WaitingCall::WaitingCall(Call call, QObject *parent)
 // A thread that quits ends the event loops in it, nested ones too, and those that begin later.
 WaitingCall::~WaitingCall()
 {
-    quit();
-    wait();
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_isEnded = true;
+        if (m_waits)
+            m_waits->quit();
+    }
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void WaitingCall::start()
+{
+    m_thread = std::thread([this] { run(); });
 }
 
 Reason WaitingCall::reason() const { return m_reason; }
 
-// The service object leaves its client to be deleted later, too. Qt does that when the thread ends,
-// but not for what has come to be deleted meanwhile.
+bool WaitingCall::beginWaiting()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!m_isEnded)
+        m_waits = QThread::currentThread();
+    return m_waits;
+}
+
+void WaitingCall::endWaiting()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_waits = nullptr;
+}
+
+// The service object leaves its client to be deleted later, too.
 void WaitingCall::run()
 {
     VoNetworkIntf *service = VoNetwork::CreateVoNetworkIntf();
-    m_call(service);
+    if (beginWaiting())
+        m_call(service);
+    endWaiting();
     m_reason = FailureReasons::take();
     VoNetwork::ReleaseVoNetwork(service);
     QCoreApplication::sendPostedEvents(service, QEvent::DeferredDelete);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    Q_EMIT finished();
 }

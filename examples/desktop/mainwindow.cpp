@@ -114,7 +114,8 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     QStringList files;
-    for (const QUrl &address : event->mimeData()->urls()) {
+    const QList<QUrl> addresses = event->mimeData()->urls();
+    for (const QUrl &address : addresses) {
         if (address.isLocalFile())
             files.append(address.toLocalFile());
     }

@@ -76,8 +76,8 @@ QString aboutProgram()
     for (const CommandRow &row : CommandTable::rows()) {
         QString summary = QLatin1String(row.summary);
         summary.chop(1);
-        text +=
-            line(QLatin1String(row.name), commandWidth, summary.left(1).toLower() + summary.mid(1));
+        summary.replace(0, 1, summary.at(0).toLower());
+        text += line(QLatin1String(row.name), commandWidth, summary);
     }
     return text
            + QStringLiteral(

@@ -25,7 +25,8 @@ bool takesFile(const CommandRow &row)
 QString choicesOf(const OptionRow &row)
 {
     QStringList choices;
-    for (const QLatin1String &choice : OptionTable::choices(row))
+    const auto choices = OptionTable::choices(row);
+    for (const QLatin1String &choice : choices)
         choices.append(choice);
     return choices.join(QLatin1Char(' '));
 }
@@ -56,7 +57,8 @@ QString forEachCommand(QString (*text)(const CommandRow &))
 QString optionWords(const CommandRow &row)
 {
     QStringList words;
-    for (const OptionRow *option : optionsOf(row))
+    const auto options = optionsOf(row);
+    for (const OptionRow *option : options)
         words.append(QStringLiteral("--") + nameOf(*option));
     return words.join(QLatin1Char(' '));
 }
@@ -74,7 +76,8 @@ QString bashValue(const OptionRow &option)
 QString bashValues(const CommandRow &row)
 {
     QString cases;
-    for (const OptionRow *option : optionsOf(row)) {
+    const auto options = optionsOf(row);
+    for (const OptionRow *option : options) {
         if (!option->value)
             continue;
         QString words = QStringLiteral("%1:--%2").arg(nameOf(row), nameOf(*option));
@@ -123,7 +126,8 @@ QString zshOption(const OptionRow &row)
 QString zshCommand(const CommandRow &row)
 {
     QString text = QStringLiteral("    %1) _arguments -S \\\n").arg(nameOf(row));
-    for (const OptionRow *option : optionsOf(row))
+    const auto options = optionsOf(row);
+    for (const OptionRow *option : options)
         text += zshOption(*option);
     return text
            + QStringLiteral("        '*:subject:%1' ;;\n")
@@ -158,7 +162,8 @@ QString fishCommand(const CommandRow &row)
                        .arg(nameOf(row), quoted(QLatin1String(row.summary)));
     if (takesFile(row))
         text += begin + QStringLiteral(" -F\n");
-    for (const OptionRow *option : optionsOf(row))
+    const auto options = optionsOf(row);
+    for (const OptionRow *option : options)
         text += begin + fishOption(*option);
     return text;
 }

@@ -8,7 +8,7 @@
 void WhoAmI::start()
 {
     if (const Reason reason = kit()->tokens()->problem(); !reason.isNone())
-        return failed(reason);
+        return Q_EMIT failed(reason);
     const Session session = kit()->tokens()->session();
     UserInfo user;
     user.user_id = session.userId;

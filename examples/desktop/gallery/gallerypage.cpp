@@ -145,7 +145,8 @@ void GalleryPage::onLoaded()
     const QString before = m_category->currentData().toString();
     m_category->clear();
     m_category->addItem(tr("All categories"), QString());
-    for (const QString &category : m_desk->catalogue()->voices()->categories())
+    const QStringList categories = m_desk->catalogue()->voices()->categories();
+    for (const QString &category : categories)
         m_category->addItem(category, category);
     m_category->setCurrentIndex(qMax(0, m_category->findData(before)));
     for (QPushButton *button : {m_sample, m_use, m_play})

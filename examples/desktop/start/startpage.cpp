@@ -31,7 +31,8 @@ StartPage::StartPage(ServiceProcess *service, QWidget *parent)
         m_start->setToolTip(tr("This build has no local service"));
     }
     auto *column = new QVBoxLayout;
-    for (QWidget *widget : QList<QWidget *>{title, address, m_notice, m_start, authority, again})
+    for (QWidget *widget :
+         std::initializer_list<QWidget *>{title, address, m_notice, m_start, authority, again})
         column->addWidget(widget);
     auto *layout = new QVBoxLayout(this);
     layout->addStretch(1);

@@ -25,7 +25,8 @@ void install(const QLocale &locale, const QString &name, const QString &folder)
 void Translations::install(const QLocale &locale)
 {
     useResources();
-    for (QTranslator *earlier : qApp->findChildren<QTranslator *>())
+    const auto earlierOnes = qApp->findChildren<QTranslator *>();
+    for (QTranslator *earlier : earlierOnes)
         delete earlier;
     ::install(locale, QStringLiteral("qtbase"),
               QLibraryInfo::location(QLibraryInfo::TranslationsPath));
