@@ -24,11 +24,11 @@ bool takesFile(const CommandRow &row)
 
 QString choicesOf(const OptionRow &row)
 {
-    QStringList choices;
+    QStringList names;
     const auto choices = OptionTable::choices(row);
     for (const QLatin1String &choice : choices)
-        choices.append(choice);
-    return choices.join(QLatin1Char(' '));
+        names.append(choice);
+    return names.join(QLatin1Char(' '));
 }
 
 QString commandNames()

@@ -77,7 +77,7 @@ QString Table::text() const
 
 QString Table::fitting(int columns) const
 {
-    const QString table = text();
+    QString table = text();
     const QStringList lines = table.split(QLatin1Char('\n'));
     const bool fits =
         columns <= 0 || std::all_of(lines.begin(), lines.end(), [columns](const QString &line) {
