@@ -6,3 +6,6 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
 # What this machine has installed for itself is not for Windows; its programs make files all the same.
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+
+# What pkg-config knows is this machine's, too.
+set(CMAKE_DISABLE_FIND_PACKAGE_PkgConfig ON)
