@@ -41,7 +41,8 @@ bool readFormat(const QByteArray &bytes, WavFile::Format *format)
 
 double WavFile::Format::duration() const
 {
-    const double bytesPerSecond = double(sampleRate) * channels * (bitsPerSample / 8);
+    const int bytesPerSample = bitsPerSample / 8;
+    const double bytesPerSecond = double(sampleRate) * channels * bytesPerSample;
     return double(dataSize) / bytesPerSecond;
 }
 
