@@ -136,7 +136,7 @@ private Q_SLOTS:
     void ofAnHourEveryPeakIsKept()
     {
         QByteArray hour(3600 * 16000 * 2, '\0');
-        qToLittleEndian(loud, hour.data() + 2 * 12345678);
+        qToLittleEndian(loud, hour.data() + qptrdiff(2) * 12345678);
         QBuffer buffer(&hour);
         buffer.open(QIODevice::ReadOnly);
         const Summary summary = Summary::of(&buffer, hour.size() / 2, 1);
