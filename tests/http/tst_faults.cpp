@@ -235,7 +235,7 @@ private Q_SLOTS:
         QFETCH(Then, then);
         QFETCH(QString, outcome);
         if (then == Then::Reset && HttpTesting::isUnderWine())
-            QSKIP("Wine does not report each reset");
+            QSKIP("Wine does not report each reset", );
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(bytes, then);

@@ -94,7 +94,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, address);
 #ifdef __SANITIZE_ADDRESS__
-        QSKIP("the sanitiser keeps what was freed");
+        QSKIP("the sanitiser keeps what was freed", );
 #endif
         // One thread sets the bound for another: while other programs have the processors, much may
         // arrive in between.

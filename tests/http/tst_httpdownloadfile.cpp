@@ -149,7 +149,7 @@ private Q_SLOTS:
         // A file that takes nothing: every write to it fails for want of room.
         const QString name = "/dev/full"_s;
 #ifdef Q_OS_WIN
-        QSKIP("Windows has no such file");
+        QSKIP("Windows has no such file", );
 #endif
         QVERIFY2(QFile::exists(name), "this machine has no such file");
         ControlledClient client;

@@ -34,7 +34,7 @@ private Q_SLOTS:
     void initTestCase()
     {
 #ifdef __SANITIZE_ADDRESS__
-        QSKIP("the sanitiser keeps what was freed");
+        QSKIP("the sanitiser keeps what was freed", );
 #endif
         const int asked = qEnvironmentVariableIntValue("VONETWORK_TEST_DOWNLOAD_MIB");
         m_size = (asked > 0 ? asked : 256) * mebibyte;

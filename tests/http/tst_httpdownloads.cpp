@@ -316,8 +316,8 @@ private Q_SLOTS:
     {
         QFETCH(bool, byClient);
         if (!byClient && HttpTesting::isUnderWine())
-            QSKIP(
-                "Wine does not tell the server of a reset that comes while Qt sets up its events");
+            QSKIP("Wine does not tell the server of a reset that comes while Qt sets up its "
+                  "events", );
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply("0123456789"));

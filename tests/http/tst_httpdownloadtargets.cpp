@@ -159,9 +159,9 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(bool, resume);
         if (name == "readonly"_s && HttpTesting::isUnderWine())
-            QSKIP("Wine lets root write a read-only file");
+            QSKIP("Wine lets root write a read-only file", );
         if (!isUnix && name == "closed/f"_s)
-            QSKIP("Qt cannot take from a folder on Windows that files are made in it");
+            QSKIP("Qt cannot take from a folder on Windows that files are made in it", );
         const TestFolder folder;
         QVERIFY(QDir(folder.path()).mkdir("folder"_s));
         QVERIFY(QDir(folder.path()).mkdir("closed"_s));
@@ -205,7 +205,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         if (!isUnix && name == "secret"_s)
-            QSKIP("Qt cannot take from a file on Windows that it is read");
+            QSKIP("Qt cannot take from a file on Windows that it is read", );
         const TestFolder folder;
         QVERIFY(QDir(folder.path()).mkdir("folder"_s));
         TestFolder::write(folder.path("secret"_s), "old");
@@ -238,7 +238,7 @@ private Q_SLOTS:
     void aFileThatVanishesMeanwhileIsNotNoticed()
     {
         if (!isUnix)
-            QSKIP("Windows does not let an open file vanish");
+            QSKIP("Windows does not let an open file vanish", );
         const TestFolder folder;
         const QString target = folder.path("f"_s);
         ScriptedServer server;
@@ -261,7 +261,7 @@ private Q_SLOTS:
     void aFullDiskIsReportedHoweverLittleIsWritten()
     {
         if (!isUnix)
-            QSKIP("Windows has no file that takes nothing");
+            QSKIP("Windows has no file that takes nothing", );
         m_body = "little";
         const QStringList lines = download("/dev/full"_s, false);
         QCOMPARE(lines, (QStringList{"fileError()"_s,
@@ -279,7 +279,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, device);
         if (!isUnix)
-            QSKIP("Windows has no file that takes nothing, and no limit of the size of files");
+            QSKIP("Windows has no file that takes nothing, and no limit of the size of files", );
         const TestFolder folder;
         const QString target = device ? "/dev/full"_s : folder.path("f"_s);
         QVERIFY(!device || QFile::exists(target));

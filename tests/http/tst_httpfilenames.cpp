@@ -100,7 +100,7 @@ private Q_SLOTS:
     void aNameThatWindowsCannotStoreIsReportedInPlainWords()
     {
 #ifndef Q_OS_WIN
-        QSKIP("Other systems store such a name");
+        QSKIP("Other systems store such a name", );
 #endif
         const TestFolder folder;
         QVERIFY(QDir::setCurrent(folder.path()));

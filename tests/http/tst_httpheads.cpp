@@ -109,7 +109,7 @@ private Q_SLOTS:
     void lineBreaksInTheNamesOfAFileFormAreEncoded()
     {
 #ifdef Q_OS_WIN
-        QSKIP("Windows stores no such name");
+        QSKIP("Windows stores no such name", );
 #endif
         const QTemporaryDir folder;
         QFile file(folder.filePath("%2\r\nX-Evil: 1\r\n\r\n"_s));

@@ -258,7 +258,7 @@ private Q_SLOTS:
     void aThreadThatCannotBeMadeIsToldInOneLine()
     {
 #ifdef __SANITIZE_ADDRESS__
-        QSKIP("AddressSanitizer needs more addresses than are left here");
+        QSKIP("AddressSanitizer needs more addresses than are left here", );
 #endif
         QFETCH(const int, threads);
         const QTemporaryDir folder;
