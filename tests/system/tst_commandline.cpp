@@ -162,8 +162,8 @@ private Q_SLOTS:
             {"--help",
              {"say", "recognize", "task", "voices", "music", "fetch", "update", "login", "logout",
               "whoami",
-              "Exit status: 0 done, 1 failed, 2 wrong use, 3 no network, 4 not trusted (TLS), "
-              "5 refused, 130 or 143 interrupted."}},
+              ("Exit status: 0 done, 1 failed, 2 wrong use, 3 no network, 4 not trusted (TLS), "
+               "5 refused, 130 or 143 interrupted.")}},
             {"-h", {"vospeak COMMAND [OPTIONS]"}},
             {"help", {"vospeak COMMAND [OPTIONS]"}},
             {"say --help",

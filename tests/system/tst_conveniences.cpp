@@ -170,7 +170,7 @@ private Q_SLOTS:
         const quint16 port = SERVICE_PORT;
         QVERIFY(m_server.start(port));
         QCOMPARE(outcome.status, 3);
-        for (const char *part : {"service", "no   cannot reach " SERVICE_BASE_ADDRESS, "session",
+        for (const char *part : {"service", ("no   cannot reach " SERVICE_BASE_ADDRESS), "session",
                                  "no   sign in first", "local service  yes"})
             QVERIFY2(outcome.out.contains(part), outcome.out.constData());
     }
