@@ -27,7 +27,8 @@ double qualityOf(const QString &parameters)
     const QString text = parameters.trimmed();
     if (text.isEmpty())
         return 1;
-    return text.startsWith(QLatin1String("q="), Qt::CaseInsensitive) ? text.midRef(2).toDouble() : 0;
+    return text.startsWith(QLatin1String("q="), Qt::CaseInsensitive) ? text.midRef(2).toDouble()
+                                                                     : 0;
 }
 
 } // namespace
