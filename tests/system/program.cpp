@@ -61,5 +61,3 @@ bool isOneLine(const QByteArray &err)
     return (err.startsWith("vospeak: ") || err.startsWith("{\"error\":{")) && err.count('\n') == 1
            && err.endsWith('\n');
 }
-
-bool isFailure(int status) { return status == 1 || (status >= 3 && status <= 5); }

@@ -55,6 +55,3 @@ QStringList arguments(const char *line);
 
 /// Whether @p err is one line for the user, or for a program that reads JSON, and nothing else.
 bool isOneLine(const QByteArray &err);
-
-/// Whether @p status is that of an operation that failed once a server was asked, whatever it was.
-bool isFailure(int status);

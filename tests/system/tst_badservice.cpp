@@ -42,6 +42,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("command");
         QTest::addColumn<QList<QByteArray>>("answers");
+        QTest::addColumn<int>("status");
         speechRows();
         longSpeechRows();
         recognitionRows();
@@ -50,10 +51,11 @@ private Q_SLOTS:
     {
         QFETCH(const QStringList, command);
         QFETCH(const QList<QByteArray>, answers);
+        QFETCH(const int, status);
         for (const QByteArray &answer : answers)
             m_server.answer(answer);
         const Outcome outcome = run(command);
-        QVERIFY(isFailure(outcome.status));
+        QCOMPARE(outcome.status, status);
         QCOMPARE(outcome.out, QByteArray());
         QVERIFY2(isOneLine(outcome.err), outcome.err.constData());
         QCOMPARE(m_server.requests().size(), answers.size());
@@ -163,29 +165,29 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<QByteArray>("problem");
-        QTest::newRow("refusal") << Answers::refusal(5, "Connection refused")
-                                 << QByteArray("the service refused: Connection refused");
-        QTest::newRow("no JSON") << ScriptedServer::reply("<html>")
-                                 << QByteArray("the service sent no usable answer");
-        QTest::newRow("no code") << ScriptedServer::reply("{}")
-                                 << QByteArray("the service refused or sent no usable answer");
-        QTest::newRow("status 401") << ScriptedServer::reply("", "401 Unauthorized")
-                                    << QByteArray("the server answered: Host requires "
-                                                  "authentication");
-        QTest::newRow("status 407") << ScriptedServer::reply("", "407 Who")
-                                    << QByteArray("the server wants a user and a password for a "
-                                                  "proxy");
-        QTest::newRow("status 503")
-            << ScriptedServer::reply("", "503 Busy") << QByteArray("the server answered: Busy");
+        QTest::addColumn<int>("status");
+        const auto row = [](const char *name, const QByteArray &answer, const QByteArray &problem,
+                            int status) { QTest::newRow(name) << answer << problem << status; };
+        row("refusal", Answers::refusal(5, "Connection refused"),
+            "the service refused: Connection refused", 5);
+        row("no JSON", ScriptedServer::reply("<html>"), "the service sent no usable answer", 1);
+        row("no code", ScriptedServer::reply("{}"), "the service refused or sent no usable answer",
+            1);
+        row("status 401", ScriptedServer::reply("", "401 Unauthorized"),
+            "the server answered: Host requires authentication", 5);
+        row("status 407", ScriptedServer::reply("", "407 Who"),
+            "the server wants a user and a password for a proxy", 5);
+        row("status 503", ScriptedServer::reply("", "503 Busy"), "the server answered: Busy", 5);
     }
     void aServiceThatAnswersIsNotCalledOutOfReach()
     {
         QFETCH(const QByteArray, answer);
         QFETCH(const QByteArray, problem);
+        QFETCH(const int, status);
         m_server.answer(answer);
         const Outcome outcome = run(arguments("say hello -o speech.wav --token 1"));
         QCOMPARE(outcome.err, "vospeak: " + problem + '\n');
-        QVERIFY(isFailure(outcome.status));
+        QCOMPARE(outcome.status, status);
     }
 
     void theStoragesOwnWordsAreShown()
@@ -276,53 +278,54 @@ private Q_SLOTS:
     }
 
 private:
-    static void row(const char *name, const QStringList &command, const QList<QByteArray> &answers)
+    static void row(const char *name, int status, const QStringList &command,
+                    const QList<QByteArray> &answers)
     {
-        QTest::newRow(name) << command << answers;
+        QTest::newRow(name) << command << answers << status;
     }
 
     static void speechRows()
     {
         const QStringList say = arguments("say hello -o speech.wav --token 1");
-        row("audio is empty", say, {Answers::one("audio", "")});
-        row("audio is missing", say, {Answers::envelope()});
-        row("audio is no base64", say, {Answers::one("audio", "UklGR*==")});
-        row("audio has a line break", say, {Answers::one("audio", "UklG\nRgAA")});
-        row("audio breaks off", say, {Answers::one("audio", "UklGR")});
-        row("no JSON", say, {ScriptedServer::reply("<html>")});
-        row("HTTP error", say, {ScriptedServer::reply("", "503 Busy")});
+        row("audio is empty", 1, say, {Answers::one("audio", "")});
+        row("audio is missing", 1, say, {Answers::envelope()});
+        row("audio is no base64", 1, say, {Answers::one("audio", "UklGR*==")});
+        row("audio has a line break", 1, say, {Answers::one("audio", "UklG\nRgAA")});
+        row("audio breaks off", 1, say, {Answers::one("audio", "UklGR")});
+        row("no JSON", 1, say, {ScriptedServer::reply("<html>")});
+        row("HTTP error", 5, say, {ScriptedServer::reply("", "503 Busy")});
     }
 
     static void longSpeechRows()
     {
         const QStringList say = arguments("say hello -o speech.wav --token 1 --long");
-        row("task without identifier", say, {Answers::one("task_id", "")});
-        row("task fails", say, {Answers::task(), Answers::status("FAILED")});
-        row("task in an unknown state", say, {Answers::task(), Answers::status("DREAMING")});
-        row("audio without address", say, {Answers::task(), Answers::status("SUCCESS")});
+        row("task without identifier", 1, say, {Answers::one("task_id", "")});
+        row("task fails", 5, say, {Answers::task(), Answers::status("FAILED")});
+        row("task in an unknown state", 5, say, {Answers::task(), Answers::status("DREAMING")});
+        row("audio without address", 1, say, {Answers::task(), Answers::status("SUCCESS")});
         const auto fetched = [](const QByteArray &audio) {
             return QList<QByteArray>{Answers::task(), Answers::finishedSpeech(), audio};
         };
-        row("audio is gone", say, fetched(ScriptedServer::reply("", "404 Not Found")));
-        row("audio file is empty", say, fetched(ScriptedServer::reply("")));
-        row("connection ends within the audio", say,
+        row("audio is gone", 5, say, fetched(ScriptedServer::reply("", "404 Not Found")));
+        row("audio file is empty", 1, say, fetched(ScriptedServer::reply("")));
+        row("connection ends within the audio", 3, say,
             fetched("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nRIFF"));
-        row("audio file is cut short", say, fetched(ScriptedServer::reply(cutShort())));
+        row("audio file is cut short", 1, say, fetched(ScriptedServer::reply(cutShort())));
     }
 
     static void recognitionRows()
     {
         const QStringList recognize = arguments("recognize speech.wav --token 1");
         const QByteArray credentials = Answers::credentials();
-        row("no credentials", recognize, {Answers::refusal(5, "no")});
-        row("upload forbidden", recognize,
+        row("no credentials", 5, recognize, {Answers::refusal(5, "no")});
+        row("upload forbidden", 5, recognize,
             {credentials, ScriptedServer::reply("", "403 Forbidden")});
-        row("upload refused", recognize, {credentials, Answers::refusal(7, "full")});
-        row("upload answered with nonsense", recognize,
+        row("upload refused", 5, recognize, {credentials, Answers::refusal(7, "full")});
+        row("upload answered with nonsense", 1, recognize,
             {credentials, ScriptedServer::reply("<html>")});
-        row("recognition refused", recognize,
+        row("recognition refused", 5, recognize,
             {credentials, Answers::envelope(), Answers::refusal(9, "no")});
-        row("recognition task fails", recognize + arguments("--long"),
+        row("recognition task fails", 5, recognize + arguments("--long"),
             {credentials, Answers::envelope(), Answers::task(), Answers::status("FAILED")});
     }
 
