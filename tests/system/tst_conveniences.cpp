@@ -100,19 +100,27 @@ private Q_SLOTS:
     void anInterruptedTaskSaysHowToGoOn_data()
     {
         QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QByteArray>("id");
         QTest::addColumn<QByteArray>("line");
-        QTest::newRow("say") << withToken("say hello -o a.wav --long")
-                             << QByteArray("the service goes on; vospeak task t -o FILE gets the "
-                                           "audio");
-        QTest::newRow("recognize")
-            << withToken("recognize https://a/b.wav --long")
-            << QByteArray("the service goes on; vospeak task t gets the text");
+        const auto row = [](const char *name, const char *command, const QByteArray &id,
+                            const QByteArray &line) {
+            QTest::newRow(name) << withToken(command) << id << "the service goes on; " + line;
+        };
+        const char *say = "say hello -o a.wav --long";
+        const char *recognize = "recognize https://a/b.wav --long";
+        row("say", say, "t", "vospeak task t -o FILE gets the audio");
+        row("recognize", recognize, "t", "vospeak task t gets the text");
+        row("say, controls in the ID", say, "t\x1b[2J",
+            "vospeak task t [2J -o FILE gets the audio");
+        row("recognize, controls in the ID", recognize, "t\x1b[2J",
+            "vospeak task t [2J gets the text");
     }
     void anInterruptedTaskSaysHowToGoOn()
     {
         QFETCH(const QStringList, command);
+        QFETCH(const QByteArray, id);
         QFETCH(const QByteArray, line);
-        m_server.answer(Answers::task(), ScriptedServer::Then::KeepOpen);
+        m_server.answer(Answers::one("task_id", id.constData()), ScriptedServer::Then::KeepOpen);
         m_server.answer(Answers::status("RUNNING"), ScriptedServer::Then::KeepOpen);
         Terminal terminal;
         Program program(command, terminal.name());

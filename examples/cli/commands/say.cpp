@@ -99,8 +99,8 @@ void Say::start()
     auto *job = new SpeakJob(kit(), options().speech, path, this);
     connect(job, &SpeakJob::succeeded, this, &Say::onSpoken);
     connect(job, &TaskJob::named, this, [this](const QString &id) {
-        setWayOn(QStringLiteral("the service goes on; vospeak task %1 -o FILE gets the audio")
-                     .arg(Console::onOneLine(id)));
+        setWayOn(
+            QStringLiteral("the service goes on; vospeak task %1 -o FILE gets the audio").arg(id));
     });
     run(job);
 }
