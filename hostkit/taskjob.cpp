@@ -55,11 +55,19 @@ void TaskJob::wait()
     Q_EMIT progressed(Stage::Working, m_elapsed.elapsed() / 1000, 0);
 }
 
+void TaskJob::onProcessing()
+{
+    const QPointer<QObject> here(work());
+    Q_EMIT processing();
+    if (here)
+        wait();
+}
+
 // A task that has failed comes with its identifier; a question that has failed comes with none.
 void TaskJob::onStatus(int status, const QString &id, const QString &result)
 {
     if (status == STT_PROCESSING)
-        wait();
+        onProcessing();
     else if (status == STT_SUCCESS)
         onResult(result);
     else if (id.isEmpty())

@@ -25,6 +25,9 @@ Q_SIGNALS:
     /// The service has queued the work as the task @p id.
     void named(const QString &id);
 
+    /// The service has said that the task is queued or runs. It is asked again after a while.
+    void processing();
+
 protected:
     /// @p kit outlives the job.
     using ServiceJob::ServiceJob;
@@ -51,6 +54,7 @@ protected:
 private:
     void follow();
     void wait();
+    void onProcessing();
 
     QString m_id;
     QElapsedTimer m_elapsed;

@@ -5,8 +5,6 @@
 #include "hostkit/speakjob.h"
 #include "terminal/console.h"
 
-#include <utility>
-
 Task::Task(const Options &options, const Tools &tools)
     : Command(options, tools)
 {
@@ -36,17 +34,14 @@ void Task::start()
         save();
 }
 
-// The service is asked for the first time between the first progress and the second one.
 void Task::takeUp(TaskJob *job)
 {
     const QString id = options().subjects.at(0);
     job->takeUp(id);
     if (options().status) {
-        connect(job, &Job::progressed, this, [this, job] {
-            if (!std::exchange(m_isAsked, true))
-                return;
-            job->deleteLater();
+        connect(job, &TaskJob::processing, this, [this, job] {
             job->disconnect(this);
+            job->cancel();
             finish(QStringLiteral("queued or running\n"), {{QStringLiteral("done"), false}});
         });
     }

@@ -22,6 +22,4 @@ private:
     void takeUp(TaskJob *job);
     void hear();
     void save();
-
-    bool m_isAsked = false; ///< Whether the service has been asked about the task.
 };
