@@ -20,43 +20,36 @@ QVector<Record> valuesOf(const QList<Record *> &records)
 
 } // namespace
 
+template <typename Kind, typename Record>
+void ListJob::askFor(QList<Record *> (VoNetworkIntf::*list)(),
+                     void (Kind::*succeeded)(const QVector<Record> &records))
+{
+    const auto records = std::make_shared<QVector<Record>>();
+    runWaiting([=](VoNetworkIntf *service) { *records = valuesOf((service->*list)()); },
+               [=](const Reason &reason) {
+                   if (!reason.isNone())
+                       fail(reason);
+                   else if (conclude())
+                       Q_EMIT(static_cast<Kind *>(this)->*succeeded)(*records);
+               });
+    Q_EMIT progressed(Stage::Asking, 0, 0);
+}
+
 VoicesJob::VoicesJob(HostKit *kit, QObject *parent)
-    : ServiceJob(kit, parent)
+    : ListJob(kit, parent)
 {
     qRegisterMetaType<QVector<DubInfo>>();
 }
 
-void VoicesJob::begin()
-{
-    const auto voices = std::make_shared<QVector<DubInfo>>();
-    runWaiting([=](VoNetworkIntf *service) { *voices = valuesOf(service->GetDubList()); },
-               [=](const Reason &reason) {
-                   if (!reason.isNone())
-                       fail(reason);
-                   else if (conclude())
-                       Q_EMIT succeeded(*voices);
-               });
-    Q_EMIT progressed(Stage::Asking, 0, 0);
-}
+void VoicesJob::begin() { askFor(&VoNetworkIntf::GetDubList, &VoicesJob::succeeded); }
 
 MusicJob::MusicJob(HostKit *kit, QObject *parent)
-    : ServiceJob(kit, parent)
+    : ListJob(kit, parent)
 {
     qRegisterMetaType<QVector<BgmInfo>>();
 }
 
-void MusicJob::begin()
-{
-    const auto tracks = std::make_shared<QVector<BgmInfo>>();
-    runWaiting([=](VoNetworkIntf *service) { *tracks = valuesOf(service->GetBgmList()); },
-               [=](const Reason &reason) {
-                   if (!reason.isNone())
-                       fail(reason);
-                   else if (conclude())
-                       Q_EMIT succeeded(*tracks);
-               });
-    Q_EMIT progressed(Stage::Asking, 0, 0);
-}
+void MusicJob::begin() { askFor(&VoNetworkIntf::GetBgmList, &MusicJob::succeeded); }
 
 UpdateJob::UpdateJob(HostKit *kit, QObject *parent)
     : ServiceJob(kit, parent)

@@ -11,9 +11,25 @@
 // Each of these asks in a thread of its own, since the service object waits for the answer. Several
 // may be under way at once.
 
+/// The common part of the jobs that ask for a list.
+class ListJob : public ServiceJob
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(ListJob)
+
+protected:
+    /// @p kit outlives the job.
+    using ServiceJob::ServiceJob;
+
+    /// Has @p list called, and emits @p succeeded, a signal of this object, with the records.
+    template <typename Kind, typename Record>
+    void askFor(QList<Record *> (VoNetworkIntf::*list)(),
+                void (Kind::*succeeded)(const QVector<Record> &records));
+};
+
 /// The voices that texts can be spoken with. StockPictures has their pictures; a FetchJob fetches a
 /// voice's sample.
-class VoicesJob : public ServiceJob
+class VoicesJob : public ListJob
 {
     Q_OBJECT
     Q_DISABLE_COPY(VoicesJob)
@@ -32,7 +48,7 @@ protected:
 };
 
 /// The tracks of background music.
-class MusicJob : public ServiceJob
+class MusicJob : public ListJob
 {
     Q_OBJECT
     Q_DISABLE_COPY(MusicJob)
