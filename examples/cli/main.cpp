@@ -67,7 +67,7 @@ int carryOut(const Options &options)
     Progress progress(!options.verbose && !options.quiet);
     const std::unique_ptr<Command> command = options.command->make(options, {&kit, &progress});
     Ending ending;
-    QObject::connect(command.get(), &Command::succeeded, &ending, [&] { ending.end(Success); });
+    QObject::connect(command.get(), &Command::ended, &ending, &Ending::end);
     QObject::connect(command.get(), &Command::failed, &ending, &Ending::fail);
     const Interrupt interrupt;
     QObject::connect(&interrupt, &Interrupt::interrupted, &ending, &Ending::end);

@@ -11,6 +11,17 @@
 
 namespace {
 
+// 8000 samples of 16 bits a second, as somebody who streams them would write. The disk has the head
+// only.
+void writeRecording(const QString &path, int seconds)
+{
+    const QByteArray head("RIFF\xff\xff\xff\xffWAVEfmt \x10\0\0\0\1\0\1\0\x40\x1f\0\0"
+                          "\x80\x3e\0\0\2\0\x10\0data\xff\xff\xff\xff",
+                          44);
+    TestFolder::write(path, head);
+    QVERIFY(QFile::resize(path, head.size() + qint64(seconds) * 16000));
+}
+
 // The head of a WAV file that announces ten times as many bytes as there are.
 QByteArray cutShort() { return QByteArray("RIFF\xa0\0\0\0WAVE", 12) + QByteArray(8, ' '); }
 
@@ -188,6 +199,61 @@ private Q_SLOTS:
         const Outcome outcome = run(arguments("say hello -o speech.wav --token 1"));
         QCOMPARE(outcome.err, "vospeak: " + problem + '\n');
         QCOMPARE(outcome.status, status);
+    }
+
+    void aRecordingThatFailsIsNamedAndTheOthersGoOn_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QByteArray>("out");
+        QTest::addColumn<QByteArray>("err");
+        QTest::newRow("text") << QStringList()
+                              << QByteArray("speech.wav: heard\nhttps://a/c.wav: more\n")
+                              << QByteArray(
+                                     "vospeak: hour.wav: the recording is too long (3600 s)\n"
+                                     "vospeak: https://a/b.wav: the service refused: no\n"
+                                     "vospeak: missing.wav: there is no file \"missing.wav\"\n");
+        QTest::newRow("JSON")
+            << arguments("--json")
+            << QByteArray("{\"file\":\"speech.wav\",\"text\":\"heard\"}\n"
+                          "{\"file\":\"https://a/c.wav\",\"text\":\"more\"}\n")
+            << QByteArray(
+                   "{\"error\":{\"file\":\"hour.wav\",\"kind\":\"unusable\",\"message\":\"the "
+                   "recording is too long (3600 s)\",\"status\":2}}\n"
+                   "{\"error\":{\"code\":9,\"file\":\"https://a/b.wav\",\"kind\":\"refused\","
+                   "\"message\":\"the service refused: no\",\"status\":5}}\n"
+                   "{\"error\":{\"file\":\"missing.wav\",\"kind\":\"unusable\",\"message\":"
+                   "\"there is no file \\\"missing.wav\\\"\",\"status\":2}}\n");
+    }
+    void aRecordingThatFailsIsNamedAndTheOthersGoOn()
+    {
+        QFETCH(const QStringList, options);
+        QFETCH(const QByteArray, out);
+        QFETCH(const QByteArray, err);
+        writeRecording(QStringLiteral("hour.wav"), 3601);
+        for (const QByteArray &answer :
+             {Answers::credentials(), Answers::envelope(), Answers::one("text", "heard"),
+              Answers::refusal(9, "no"), Answers::one("text", "more")})
+            m_server.answer(answer);
+        const Outcome outcome = run(arguments("recognize --token 1 hour.wav speech.wav "
+                                              "https://a/b.wav https://a/c.wav missing.wav")
+                                    + options);
+        QFile::remove(QStringLiteral("hour.wav"));
+        QCOMPARE(outcome.out, out);
+        QCOMPARE(outcome.err, err);
+        QCOMPARE(outcome.status, 2); // the first failure's
+    }
+
+    void theStatusOfSeveralRecordingsIsThatOfTheFirstFailure()
+    {
+        m_server.answer(Answers::refusal(9, "no"));
+        const QStringList command = arguments("recognize --token 1 https://a/b.wav");
+        QCOMPARE(run(command + arguments("missing.wav")).status, 5);
+        m_server.reset();
+        m_server.answer(Answers::refusal(9, "no"));
+        m_server.answer(Answers::one("text", "heard"));
+        const Outcome outcome = run(command + arguments("https://a/c.wav"));
+        QCOMPARE(outcome.out, QByteArray("https://a/c.wav: heard\n"));
+        QCOMPARE(outcome.status, 5);
     }
 
     void theStoragesOwnWordsAreShown()

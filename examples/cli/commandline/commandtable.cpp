@@ -37,7 +37,8 @@ const char recognizeDetails[] =
     "comes from standard input.\n"
     "Recordings of more than 60 seconds are tasks by themselves; an hour is the most.\n"
     "The ADDRESS of a recording begins with https:// and must be one that the\n"
-    "service can read. Of several recordings each text stands behind its name.\n";
+    "service can read. Of several recordings each text stands behind its name; where\n"
+    "one fails the others go on, and the status is that of the first failure.\n";
 
 const char fetchDetails[] =
     "It writes into FILE.part, which becomes FILE when it is complete and stays when\n"

@@ -151,7 +151,7 @@ void VoiceList::play(const QString &path)
     auto *player = new Player(this);
     connect(player, &Player::ended, this, [this](const QString &problem) {
         if (problem.isEmpty())
-            Q_EMIT succeeded();
+            Q_EMIT ended(Success);
         else
             Q_EMIT failed({Reason::Kind::File, problem});
     });

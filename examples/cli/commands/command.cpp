@@ -28,7 +28,7 @@ void Command::run(Job *job, const QString &asking)
 {
     connect(job, &Job::progressed, new JobProgress(m_tools.progress, asking, job),
             &JobProgress::show);
-    connect(job, &Job::failed, this, &Command::failed);
+    connect(job, &Job::failed, this, &Command::fail);
     job->setTimeout(m_options.timeout);
     job->start();
 }
@@ -42,9 +42,11 @@ bool Command::print(const QString &text, const QJsonObject &document)
     return false;
 }
 
-void Command::finish(const QString &text, const QJsonObject &document)
+void Command::finish(const QString &text, const QJsonObject &document, int status)
 {
     Interrupt::leaveToSystem(); // a slow reader of the result keeps this from the event loop
     if (print(text, document))
-        Q_EMIT succeeded();
+        Q_EMIT ended(status);
 }
+
+void Command::fail(const Reason &reason) { Q_EMIT failed(reason); }

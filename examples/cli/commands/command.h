@@ -3,6 +3,7 @@
 #include "commandline/options.h"
 #include "commands/tools.h"
 #include "hostkit/reason.h"
+#include "terminal/exitstatus.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -20,14 +21,18 @@ public:
     Command(const Options &options, const Tools &tools);
     ~Command() override;
 
-    /// To be called once, in an event loop; answered once, by succeeded() or failed().
+    /// To be called once, in an event loop; answered once, by ended() or failed().
     virtual void start() = 0;
 
     /// How the user goes on with what is interrupted now, as a line; empty: by beginning anew.
     QString wayOn() const;
 
 Q_SIGNALS:
-    void succeeded();
+    /// The end of which nothing more is to be told; @p status is a success, unless parts of the
+    /// result are missing.
+    void ended(int status);
+
+    /// The end without a result. Why is still to be told.
     void failed(const Reason &reason);
 
 protected:
@@ -38,15 +43,18 @@ protected:
     void setWayOn(const QString &line);
 
     /// Starts @p job, which is a child of this: its progress is shown, with @p asking for a request
-    /// of which nothing is known, and its failure is that of the command.
+    /// of which nothing is known, and its failure goes to fail().
     void run(Job *job, const QString &asking = {});
 
     /// Prints a part of the result, @p text or, for a user who wants JSON, @p document. False,
     /// after failed(), when that is impossible.
     bool print(const QString &text, const QJsonObject &document);
 
-    /// Prints the rest of the result and emits succeeded(), or failed().
-    void finish(const QString &text, const QJsonObject &document);
+    /// Prints the rest of the result and emits ended() with @p status, or failed().
+    void finish(const QString &text, const QJsonObject &document, int status = Success);
+
+    /// Takes the failure of a job. Emits failed(), unless the command can do without the job.
+    virtual void fail(const Reason &reason);
 
 private:
     Tools m_tools;

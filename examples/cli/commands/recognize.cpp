@@ -7,10 +7,12 @@
 #include "hostkit/recognizejob.h"
 #include "hostkit/wavfile.h"
 #include "terminal/console.h"
+#include "terminal/failures.h"
 #include "terminal/progress.h"
 #include "terminal/terminal.h"
 
 #include <QFile>
+#include <QMetaObject>
 
 #include <cstdio>
 
@@ -31,15 +33,15 @@ Job::Form formOf(const QString &recording, const Options &options)
     return options.longForm || isLong ? Job::Form::Long : Job::Form::Short;
 }
 
-QString problemOf(const QString &recording, const Options &options)
+Reason problemOf(const QString &recording, const Options &options)
 {
     if (!isFile(recording))
         return {};
-    if (QString problem = InputFile::problem(recording); !problem.isEmpty())
-        return problem;
+    if (const QString problem = InputFile::problem(recording); !problem.isEmpty())
+        return {Reason::Kind::Unusable, problem};
     if (SoundFile::needsConversion(recording)) // which makes it another one
         return {};
-    return RecognizeJob::problem(recording, formOf(recording, options)).line();
+    return RecognizeJob::problem(recording, formOf(recording, options));
 }
 
 // Reads one byte more than may be uploaded at most.
@@ -75,9 +77,9 @@ QString Recognize::prepare(Options &options)
 {
     if (options.record > 0)
         return Recorder::problem();
-    for (const QString &recording : qAsConst(options.subjects)) {
-        if (QString problem = problemOf(recording, options); !problem.isEmpty())
-            return problem;
+    if (options.subjects.size() == 1) {
+        if (const Reason reason = problemOf(options.subjects.at(0), options); !reason.isNone())
+            return reason.line();
     }
     return options.subjects.contains(standardStream) ? readInput(options.input) : QString();
 }
@@ -107,6 +109,8 @@ void Recognize::record()
 void Recognize::recognizeNext()
 {
     const QString recording = options().subjects.at(m_place);
+    if (const Reason reason = problemOf(recording, options()); !reason.isNone())
+        return fail(reason);
     if (InputFile::isAddress(recording))
         return recognize(recording);
     const QString file = recording == standardStream ? fromStandardInput() : recording;
@@ -142,11 +146,36 @@ void Recognize::onText(const QString &text)
         line.prepend(Console::onOneLine(recording) + QStringLiteral(": "));
         document.insert(QStringLiteral("file"), recording);
     }
-    if (++m_place >= recordings.size())
-        finish(line, document);
+    if (isLast())
+        finish(line, document, m_status);
     else if (print(line, document))
-        recognizeNext();
+        goOn();
 }
+
+void Recognize::fail(const Reason &reason)
+{
+    const QStringList &recordings = options().subjects;
+    if (recordings.size() <= 1)
+        return Command::fail(reason);
+    setWayOn({});
+    progress()->clear();
+    Failures::tell(reason, options().json, recordings.at(m_place));
+    if (m_status == Success)
+        m_status = exitStatus(reason.kind);
+    if (isLast())
+        Q_EMIT ended(m_status);
+    else
+        goOn();
+}
+
+// In the event loop, which may have a Ctrl-C to tell.
+void Recognize::goOn()
+{
+    ++m_place;
+    QMetaObject::invokeMethod(this, &Recognize::recognizeNext, Qt::QueuedConnection);
+}
+
+bool Recognize::isLast() const { return m_place + 1 >= options().subjects.size(); }
 
 // The file with what came; empty: it could not be written.
 QString Recognize::fromStandardInput()
@@ -158,4 +187,4 @@ QString Recognize::fromStandardInput()
                : QString();
 }
 
-void Recognize::failFor(const QString &problem) { Q_EMIT failed({Reason::Kind::File, problem}); }
+void Recognize::failFor(const QString &problem) { fail({Reason::Kind::File, problem}); }
