@@ -57,13 +57,13 @@ QString OutputFile::problem() const
     const QFileInfo file(m_path);
     const QFileInfo folder(file.path());
     if (file.isDir() || file.fileName().isEmpty())
-        return QStringLiteral("\"%1\" is a folder").arg(m_path);
+        return tr("\"%1\" is a folder").arg(m_path);
     if (file.exists() && !file.isFile())
-        return QStringLiteral("\"%1\" is no ordinary file").arg(m_path);
+        return tr("\"%1\" is no ordinary file").arg(m_path);
     if (!folder.isDir())
-        return QStringLiteral("there is no folder \"%1\"").arg(folder.filePath());
+        return tr("there is no folder \"%1\"").arg(folder.filePath());
     if (!folder.isWritable() || (file.exists() && !file.isWritable()))
-        return QStringLiteral("\"%1\" may not be written").arg(m_path);
+        return tr("\"%1\" may not be written").arg(m_path);
     return {};
 }
 
@@ -74,7 +74,7 @@ QString OutputFile::partPath() const { return m_path + QLatin1String(".part"); }
 QString OutputFile::partProblem(bool resume) const
 {
     if (resume && leadsElsewhere(partPath()))
-        return QStringLiteral("\"%1\" is a link and cannot be gone on with").arg(partPath());
+        return tr("\"%1\" is a link and cannot be gone on with").arg(partPath());
     return OutputFile(partPath()).problem();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <functional>
@@ -9,6 +10,8 @@ class QByteArray;
 /// The file that the user asked for. It appears whole or not at all; an older one stays until then.
 class OutputFile
 {
+    Q_DECLARE_TR_FUNCTIONS(OutputFile)
+
 public:
     /// The file @p path; where that is a link, the file to which it leads.
     explicit OutputFile(const QString &path);

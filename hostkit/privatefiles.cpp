@@ -48,15 +48,15 @@ QString PrivateFiles::claimFolder(const QString &path)
     const PrivateFiles onlyOurs;
     const QFileInfo folder(path);
     if (!folder.exists() && !folder.isSymLink() && !QDir().mkpath(path))
-        return QStringLiteral("cannot make the folder \"%1\"").arg(path);
+        return tr("cannot make the folder \"%1\"").arg(path);
     const QFileInfo made(path);
     if (!made.isDir())
-        return QStringLiteral("\"%1\" is no folder").arg(path);
+        return tr("\"%1\" is no folder").arg(path);
     if (made.isSymLink())
-        return QStringLiteral("\"%1\" is a link").arg(path);
+        return tr("\"%1\" is a link").arg(path);
     if (!isOwn(made))
-        return QStringLiteral("the folder \"%1\" belongs to somebody else").arg(path);
+        return tr("the folder \"%1\" belongs to somebody else").arg(path);
     if (!QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
-        return QStringLiteral("the folder \"%1\" cannot be made private").arg(path);
+        return tr("the folder \"%1\" cannot be made private").arg(path);
     return {};
 }

@@ -1,10 +1,13 @@
 #pragma once
 
-class QString;
+#include <QCoreApplication>
+#include <QString>
 
 /// Makes the files that the process makes while this lives readable by its user only.
 class PrivateFiles
 {
+    Q_DECLARE_TR_FUNCTIONS(PrivateFiles)
+
 public:
     PrivateFiles();
     ~PrivateFiles();

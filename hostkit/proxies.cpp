@@ -1,5 +1,6 @@
 #include "hostkit/proxies.h"
 
+#include <QCoreApplication>
 #include <QHostAddress>
 #include <QList>
 #include <QNetworkProxy>
@@ -59,7 +60,8 @@ std::optional<QNetworkProxy> proxyAt(const QString &address)
 
 QString refused(const QString &source)
 {
-    return QStringLiteral("%1 is no proxy: there are http://HOST:PORT, socks5://HOST:PORT and "
+    return QCoreApplication::translate(
+               "Proxies", "%1 is no proxy: there are http://HOST:PORT, socks5://HOST:PORT and "
                           "socks5h://HOST:PORT, with USER:PASSWORD@ before the host if need be")
         .arg(source);
 }
@@ -116,7 +118,8 @@ QString useVariables(const QString &destination)
     const auto httpsProxy = proxyAt(https.value);
     const auto httpProxy = proxyAt(isHttp ? http.value : QString());
     if (!httpsProxy || !httpProxy)
-        return refused(QStringLiteral("the value of %1").arg(httpsProxy ? http.name : https.name));
+        return refused(QCoreApplication::translate("Proxies", "the value of %1")
+                           .arg(httpsProxy ? http.name : https.name));
     QNetworkProxyFactory::setApplicationProxyFactory( // which owns it
         std::make_unique<VariableProxies>(*httpsProxy, *httpProxy).release());
     return {};
@@ -130,7 +133,7 @@ QString Proxies::use(const std::optional<QString> &address, const QString &desti
         return useVariables(destination);
     const auto proxy = proxyAt(*address);
     if (!proxy)
-        return refused(QStringLiteral("the value of --proxy"));
+        return refused(QCoreApplication::translate("Proxies", "the value of --proxy"));
     QNetworkProxy::setApplicationProxy(*proxy);
     return {};
 }

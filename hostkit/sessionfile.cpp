@@ -4,6 +4,7 @@
 #include "hostkit/session.h"
 #include "hostkit/wholefile.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -29,7 +30,7 @@ QString SessionFile::path() { return QDir(folder()).filePath(QStringLiteral("ses
 QString SessionFile::problem()
 {
     if (QFileInfo(path()).isDir())
-        return QStringLiteral("\"%1\" is a folder").arg(path());
+        return QCoreApplication::translate("SessionFile", "\"%1\" is a folder").arg(path());
     // The user may have made a link of the folder.
     const QString target = QFileInfo(folder()).canonicalFilePath();
     return PrivateFiles::claimFolder(target.isEmpty() ? folder() : target);

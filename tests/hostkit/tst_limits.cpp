@@ -1,5 +1,9 @@
 #include "hostkit/hostkit.h"
+#include "hostkit/inputfile.h"
 #include "hostkit/limits.h"
+#include "hostkit/outputfile.h"
+#include "hostkit/privatefiles.h"
+#include "hostkit/proxies.h"
 #include "hostkit/recognizejob.h"
 #include "hostkit/speakjob.h"
 #include "hostkit/stockpictures.h"
@@ -8,12 +12,27 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QtTest>
 
 namespace {
 
 using Form = Job::Form;
 using Kind = Reason::Kind;
+
+/// Translates every text into its context.
+class ContextTeller : public QTranslator
+{
+public:
+    using QTranslator::QTranslator;
+
+    bool isEmpty() const override { return false; }
+
+    QString translate(const char *context, const char *, const char *, int) const override
+    {
+        return QLatin1String(context) + QStringLiteral(" %1");
+    }
+};
 
 } // namespace
 
@@ -106,6 +125,24 @@ private Q_SLOTS:
         QVERIFY(file.resize(Limits::recordingSize + 1));
         QCOMPARE(RecognizeJob::problem(file.fileName()).text,
                  QStringLiteral("the recording is too large (64 MiB)"));
+    }
+
+    void whatIsWrongWithAFileOrAProxyIsTranslated()
+    {
+        ContextTeller words;
+        QCoreApplication::installTranslator(&words);
+        const QString folder = m_folder.path();
+        const QString device = QStringLiteral("/dev/null");
+        const QString nowhere = folder + QStringLiteral("/nowhere");
+        QCOMPARE(InputFile::problem(folder), QStringLiteral("InputFile ") + folder);
+        QCOMPARE(OutputFile(folder).problem(), QStringLiteral("OutputFile ") + folder);
+        QCOMPARE(OutputFile(device).problem(), QStringLiteral("OutputFile ") + device);
+        QCOMPARE(OutputFile(nowhere + QStringLiteral("/a")).problem(),
+                 QStringLiteral("OutputFile ") + nowhere);
+        QCOMPARE(PrivateFiles::claimFolder(device), QStringLiteral("PrivateFiles ") + device);
+        QCOMPARE(Proxies::use(QStringLiteral("ftp://h:1"), {}),
+                 QStringLiteral("Proxies Proxies %1"));
+        QCoreApplication::removeTranslator(&words);
     }
 
     void everyStockPictureIsThere()

@@ -359,6 +359,29 @@
     </message>
 </context>
 <context>
+    <name>OutputFile</name>
+    <message>
+        <source>&quot;%1&quot; is a folder</source>
+        <translation>“%1”是文件夹</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no ordinary file</source>
+        <translation>“%1”不是普通文件</translation>
+    </message>
+    <message>
+        <source>there is no folder &quot;%1&quot;</source>
+        <translation>没有文件夹“%1”</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; may not be written</source>
+        <translation>不允许写入“%1”</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is a link and cannot be gone on with</source>
+        <translation>“%1”是链接,无法接着写</translation>
+    </message>
+</context>
+<context>
     <name>PlayerPanel</name>
     <message>
         <source>&amp;Play</source>
@@ -387,6 +410,44 @@
     <message>
         <source>There is no audio device: nothing is heard</source>
         <translation>没有音频设备,听不到声音</translation>
+    </message>
+</context>
+<context>
+    <name>PrivateFiles</name>
+    <message>
+        <source>cannot make the folder &quot;%1&quot;</source>
+        <translation>无法创建文件夹“%1”</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no folder</source>
+        <translation>“%1”不是文件夹</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is a link</source>
+        <translation>“%1”是链接</translation>
+    </message>
+    <message>
+        <source>the folder &quot;%1&quot; belongs to somebody else</source>
+        <translation>文件夹“%1”属于其他用户</translation>
+    </message>
+    <message>
+        <source>the folder &quot;%1&quot; cannot be made private</source>
+        <translation>无法将文件夹“%1”设为私有</translation>
+    </message>
+</context>
+<context>
+    <name>Proxies</name>
+    <message>
+        <source>%1 is no proxy: there are http://HOST:PORT, socks5://HOST:PORT and socks5h://HOST:PORT, with USER:PASSWORD@ before the host if need be</source>
+        <translation>%1 不是代理:可用 http://HOST:PORT、socks5://HOST:PORT 和 socks5h://HOST:PORT,需要时在主机前加 USER:PASSWORD@</translation>
+    </message>
+    <message>
+        <source>the value of %1</source>
+        <translation>%1 的值</translation>
+    </message>
+    <message>
+        <source>the value of --proxy</source>
+        <translation>--proxy 的值</translation>
     </message>
 </context>
 <context>
@@ -619,6 +680,13 @@
     <message>
         <source>the local service has ended</source>
         <translation>本地服务已结束</translation>
+    </message>
+</context>
+<context>
+    <name>SessionFile</name>
+    <message>
+        <source>&quot;%1&quot; is a folder</source>
+        <translation>“%1”是文件夹</translation>
     </message>
 </context>
 <context>
