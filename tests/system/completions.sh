@@ -51,4 +51,6 @@ expect "pcm wav" say --format ""
 expect "json txt" recognize --output ""
 expect "--resume" fetch --res
 expect "" voices --res
+expect "say" help sa
+expect "options" help op
 exit $failed

@@ -207,8 +207,9 @@ private Q_SLOTS:
     void everyPageOfHelpFitsATerminal_data()
     {
         QTest::addColumn<QString>("page");
-        for (const char *page : {"", "options", "say", "recognize", "task", "voices", "music",
-                                 "fetch", "update", "login", "logout", "whoami", "help"})
+        for (const char *page :
+             {"", "options", "say", "recognize", "task", "voices", "music", "fetch", "update",
+              "login", "logout", "whoami", "doctor", "start", "help"})
             QTest::newRow(page) << QString::fromLatin1(page);
     }
     void everyPageOfHelpFitsATerminal()

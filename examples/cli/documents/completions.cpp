@@ -39,6 +39,12 @@ QString commandNames()
     return names.join(QLatin1Char(' '));
 }
 
+// What "help" tells of. Empty for the other commands.
+QString pagesOf(const CommandRow &row)
+{
+    return row.make ? QString() : commandNames() + QLatin1String(" options");
+}
+
 // A text in apostrophes, which shells take literally.
 QString quoted(QString text)
 {
@@ -123,15 +129,21 @@ QString zshOption(const OptionRow &row)
     return lines;
 }
 
+QString zshSubject(const CommandRow &row)
+{
+    if (takesFile(row))
+        return QStringLiteral("_files");
+    const QString pages = pagesOf(row);
+    return pages.isEmpty() ? pages : QStringLiteral("(%1)").arg(pages);
+}
+
 QString zshCommand(const CommandRow &row)
 {
     QString text = QStringLiteral("    %1) _arguments -S \\\n").arg(nameOf(row));
     const auto options = optionsOf(row);
     for (const OptionRow *option : options)
         text += zshOption(*option);
-    return text
-           + QStringLiteral("        '*:subject:%1' ;;\n")
-                 .arg(takesFile(row) ? QStringLiteral("_files") : QString());
+    return text + QStringLiteral("        '*:subject:%1' ;;\n").arg(zshSubject(row));
 }
 
 QString zshSummary(const CommandRow &row)
@@ -162,6 +174,8 @@ QString fishCommand(const CommandRow &row)
                        .arg(nameOf(row), quoted(QLatin1String(row.summary)));
     if (takesFile(row))
         text += begin + QStringLiteral(" -F\n");
+    if (const QString pages = pagesOf(row); !pages.isEmpty())
+        text += begin + QStringLiteral(" -a %1\n").arg(quoted(pages));
     const auto options = optionsOf(row);
     for (const OptionRow *option : options)
         text += begin + fishOption(*option);
