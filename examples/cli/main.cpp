@@ -37,6 +37,13 @@ int refuse(const Options &options, const QString &problem, ExitStatus status)
     return status;
 }
 
+int inform(const Options &options, const QString &information)
+{
+    if (Console::print(information))
+        return Success;
+    return Console::hasLostReader() ? Unread : refuse(options, Console::printingFailed(), Failure);
+}
+
 // What the user of this program can do next.
 void setHints()
 {
@@ -116,8 +123,7 @@ int main(int argc, char *argv[])
     if (!commandLine.problem().isEmpty())
         return refuse(options, commandLine.problem(), WrongUse);
     if (const QString information = commandLine.information(); !information.isEmpty())
-        return Console::print(information) ? Success
-                                           : refuse(options, Console::printingFailed(), Failure);
+        return inform(options, information);
 
     Console::setUpLog(options.verbose);
     Terminal::setColour(options.colour);

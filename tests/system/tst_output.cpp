@@ -1,9 +1,11 @@
 #include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
+#include "tests/support/testfolder.h"
 #include "tests/system/answers.h"
 #include "tests/system/home.h"
 #include "tests/system/program.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QtTest>
 
@@ -75,6 +77,9 @@ public:
                && info.si_pid == m_process;
     }
 
+    /// What it has written to standard error.
+    QByteArray err() const { return TestFolder::contents(m_err); }
+
     /// Waits for the end; as wait() tells it.
     int end()
     {
@@ -104,6 +109,9 @@ private:
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO,
+                                         QFile::encodeName(m_err).constData(), O_WRONLY | O_CREAT,
+                                         0600);
         posix_spawnattr_t attributes;
         posix_spawnattr_init(&attributes);
         sigset_t usual; // Qt ignores this one here
@@ -117,6 +125,8 @@ private:
         posix_spawn_file_actions_destroy(&actions);
     }
 
+    const TestFolder m_folder;
+    const QString m_err = m_folder.path(QStringLiteral("err"));
     int m_end = -1;
     pid_t m_process = -1;
     bool m_hasEnded = false;
@@ -171,12 +181,37 @@ private Q_SLOTS:
         QCOMPARE(WTERMSIG(status), number);
     }
 
+    void aReaderThatHasGoneEndsItQuietly_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        for (const char *command : {"--help", "logout", "voices"})
+            QTest::newRow(command) << arguments(command);
+    }
     void aReaderThatHasGoneEndsItQuietly()
     {
-        PipedProgram program(arguments("--help"), false);
+        QFETCH(const QStringList, command);
+        qputenv("VOSPEAK_CA", TEST_AUTHORITY);
+        PipedProgram program(command, false);
         const int status = program.end();
-        QVERIFY(WIFSIGNALED(status));
-        QCOMPARE(WTERMSIG(status), SIGPIPE);
+        qunsetenv("VOSPEAK_CA");
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), 128 + SIGPIPE);
+        QCOMPARE(program.err(), QByteArray());
+    }
+
+    void aServiceWhoseLinesNobodyReadsIsEnded()
+    {
+        m_server.close();
+        const TestFolder folder;
+        qputenv("XDG_DATA_HOME", QFile::encodeName(folder.path()));
+        PipedProgram service(arguments("start"), false);
+        const int status = service.end();
+        qunsetenv("XDG_DATA_HOME");
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), 128 + SIGPIPE);
+        QCOMPARE(vospeak(arguments("voices")).status, 3); // nobody is there
+        const quint16 port = SERVICE_PORT;
+        QVERIFY(m_server.start(port));
     }
 
     void whatCannotBePrintedIsAFailure_data()

@@ -38,8 +38,17 @@ bool Command::print(const QString &text, const QJsonObject &document)
     m_tools.progress->clear(); // the result may go to the same terminal
     if (Console::print(m_options.json ? Console::line(document) : text))
         return true;
-    Q_EMIT failed({Reason::Kind::File, Console::printingFailed()});
+    failPrinting();
     return false;
+}
+
+void Command::failPrinting()
+{
+    m_wayOn.clear();
+    if (Console::hasLostReader())
+        Q_EMIT ended(Unread);
+    else
+        Q_EMIT failed({Reason::Kind::File, Console::printingFailed()});
 }
 
 void Command::finish(const QString &text, const QJsonObject &document, int status)

@@ -47,10 +47,13 @@ protected:
     void run(Job *job, const QString &asking = {});
 
     /// Prints a part of the result, @p text or, for a user who wants JSON, @p document. False,
-    /// after failed(), when that is impossible.
+    /// after failPrinting(), when that is impossible.
     bool print(const QString &text, const QJsonObject &document);
 
-    /// Prints the rest of the result and emits ended() with @p status, or failed().
+    /// Ends because the result cannot be printed: quietly when nobody reads it any more.
+    void failPrinting();
+
+    /// Prints the rest of the result and emits ended() with @p status, or fails.
     void finish(const QString &text, const QJsonObject &document, int status = Success);
 
     /// Takes the failure of a job. Emits failed(), unless the command can do without the job.

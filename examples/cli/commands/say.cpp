@@ -112,7 +112,7 @@ void Say::onSpoken(const QString &path, qint64 bytes)
         QFile audio(path);
         progress()->clear();
         if (!audio.open(QIODevice::ReadOnly) || !Console::printBytes(audio.readAll()))
-            return Q_EMIT failed({Reason::Kind::File, Console::printingFailed()});
+            return failPrinting();
     }
     if (options().play)
         play(path, bytes);

@@ -60,7 +60,8 @@ void Start::onOutput()
 {
     while (m_service.canReadLine()) {
         const QString line = QString::fromUtf8(m_service.readLine()).trimmed();
-        Console::print(Console::onOneLine(line) + QLatin1Char('\n'));
+        if (!Console::print(Console::onOneLine(line) + QLatin1Char('\n')))
+            return failPrinting();
         if (!std::exchange(m_isReady, true))
             onReady(line);
     }

@@ -19,6 +19,7 @@
 #include <qt_windows.h>
 #else
 #include <cerrno>
+#include <csignal>
 #include <poll.h>
 #include <unistd.h>
 #endif
@@ -27,6 +28,7 @@ namespace {
 
 QtMessageHandler defaultHandler = nullptr;
 bool showsAll = false;
+bool readerIsGone = false;
 
 void onMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
@@ -58,6 +60,7 @@ bool write(const QByteArray &bytes, std::FILE *stream)
             pollfd room = {descriptor, POLLOUT, 0};
             poll(&room, 1, -1);
         } else if (errno != EINTR) {
+            readerIsGone |= errno == EPIPE && stream == stdout;
             return false;
         }
     }
@@ -87,12 +90,16 @@ void Console::setUpStreams()
         SetConsoleMode(screen, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 #else
-void Console::setUpStreams() {}
+// The signal would end the program before it has tidied up; sockets of Qt ignore it in the end,
+// too.
+void Console::setUpStreams() { std::signal(SIGPIPE, SIG_IGN); }
 #endif
 
 bool Console::print(const QString &text) { return write(text.toUtf8(), stdout); }
 
 bool Console::printBytes(const QByteArray &bytes) { return write(bytes, stdout); }
+
+bool Console::hasLostReader() { return readerIsGone; }
 
 // JSON asks for escapes only below the blank.
 QString Console::line(const QJsonObject &document)

@@ -9,8 +9,8 @@ class QString;
 /// The streams between the program and its user.
 namespace Console {
 
-/// Prepares the streams for UTF-8, line feeds and colours, which matters on Windows only. To be
-/// called before anything is written.
+/// Prepares the streams: on Windows for UTF-8, line feeds and colours, elsewhere so that print()
+/// comes back when nobody reads any more. To be called before anything is written.
 void setUpStreams();
 
 /// Writes @p text to standard output, in UTF-8 whatever the locale is, since files are made of it.
@@ -19,6 +19,9 @@ bool print(const QString &text);
 
 /// The same of bytes that are no text.
 bool printBytes(const QByteArray &bytes);
+
+/// Whether print() has failed because nobody reads standard output any more.
+bool hasLostReader();
 
 /// @p document as a line in which every character that a terminal might obey is escaped.
 QString line(const QJsonObject &document);

@@ -13,6 +13,7 @@ enum ExitStatus : int {
     NotTrusted = 4,    ///< The server is not trusted, or speaks no TLS.
     Refused = 5,       ///< The service refused, or wants a user to sign in first.
     Interrupted = 130, ///< By SIGINT or Ctrl-C.
+    Unread = 141,      ///< As by SIGPIPE: nobody reads the result any more.
     Terminated = 143,  ///< By SIGTERM.
 };
 
