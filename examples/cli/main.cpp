@@ -89,6 +89,15 @@ int carryOut(const Options &options)
     return status;
 }
 
+// Trusts the authority that the user names, if any. Returns why that is impossible.
+QString trustProblem(const Options &options)
+{
+    if (QString problem = Authority::problem(options); !problem.isEmpty())
+        return problem;
+    const QString authority = Authority::of(options);
+    return authority.isEmpty() ? QString() : Trust::add(authority);
+}
+
 // Everything that can be wrong before the service is asked. Empty: nothing is.
 QString problemBefore(Options &options)
 {
@@ -97,12 +106,10 @@ QString problemBefore(Options &options)
         if (QString problem = command.prepare(options); !problem.isEmpty())
             return problem;
     }
-    if (const QString authority = Authority::of(options); !authority.isEmpty()) {
-        if (QString problem = Trust::add(authority); !problem.isEmpty())
-            return problem;
-    }
     if (command.needs == Needs::Nothing)
         return {};
+    if (QString problem = trustProblem(options); !problem.isEmpty())
+        return problem;
     return Proxies::use(options.proxy, options.address);
 }
 

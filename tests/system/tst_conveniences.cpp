@@ -1,5 +1,6 @@
 #include "tests/support/patience.h"
 #include "tests/support/scriptedserver.h"
+#include "tests/support/testfolder.h"
 #include "tests/system/answers.h"
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
@@ -15,6 +16,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <sys/stat.h>
 
 namespace {
 
@@ -63,19 +65,58 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("line");
         QTest::newRow("absolute") << QByteArray("ca=" TEST_AUTHORITY "\n");
         QTest::newRow("beside the settings") << QByteArray("ca=authority.pem\n");
+        QTest::newRow("with carriage returns") << QByteArray("\r\nca=authority.pem\r\n");
+        QTest::newRow("without a line break") << QByteArray("ca=authority.pem");
+        QTest::newRow("with blanks") << QByteArray(" ca = authority.pem \n");
+        QTest::newRow("among other lines")
+            << QByteArray("# ca=none\nnonsense\n[more]\nx=y\nca=authority.pem\nca2=none\nca\n=\n");
+        QTest::newRow("the last one counts") << QByteArray("ca=none\nca=authority.pem\n");
+        QTest::newRow("a name with signs") << QByteArray("ca=my, \\a \"\xc3\xa4\".pem\n");
     }
     void anAuthorityIsNamedByTheSettings()
     {
         QFETCH(const QByteArray, line);
         answerWithVersion();
         QDir().mkpath(m_home.settings());
-        QFile::copy(QStringLiteral(TEST_AUTHORITY),
-                    m_home.settings() + QStringLiteral("/authority.pem"));
-        QFile file(settings());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(line), line.size());
-        file.close();
+        for (const char *name : {"authority.pem", "my, \\a \"\xc3\xa4\".pem"})
+            QFile::copy(QStringLiteral(TEST_AUTHORITY),
+                        m_home.settings() + QLatin1Char('/') + QString::fromUtf8(name));
+        TestFolder::write(settings(), line);
         QCOMPARE(vospeak(arguments("update")).status, 0);
+    }
+
+    void settingsThatCannotBeReadAreTold_data()
+    {
+        QTest::addColumn<bool>("isFolder");
+        QTest::newRow("folder") << true;
+        QTest::newRow("pipe") << false;
+    }
+    void settingsThatCannotBeReadAreTold()
+    {
+        QFETCH(const bool, isFolder);
+        QVERIFY(QDir().mkpath(isFolder ? settings() : m_home.settings()));
+        if (!isFolder)
+            QCOMPARE(mkfifo(QFile::encodeName(settings()).constData(), 0600), 0);
+        const Outcome outcome = vospeak(arguments("update"));
+        const Outcome named = vospeak(arguments("update --timeout 9 --ca nothing.pem"));
+        const Outcome offline = vospeak(arguments("logout"));
+        QVERIFY(isFolder ? QDir().rmdir(settings()) : QFile::remove(settings()));
+        QCOMPARE(QString::fromUtf8(outcome.err),
+                 QStringLiteral("vospeak: \"%1\" is %2\n")
+                     .arg(settings(), isFolder ? QStringLiteral("a folder")
+                                               : QStringLiteral("no ordinary file")));
+        QCOMPARE(outcome.status, 2);
+        QVERIFY2(named.err.contains("nothing.pem"), named.err.constData());
+        QCOMPARE(offline.status, 0);
+    }
+
+    void anAuthorityThatIsMissingMattersOnlyToWhatAsksAServer()
+    {
+        QVERIFY(QDir().mkpath(m_home.settings()));
+        TestFolder::write(settings(), "ca=missing.pem\n");
+        QCOMPARE(vospeak(arguments("update")).status, 2);
+        QCOMPARE(vospeak(arguments("logout")).status, 0);
+        QCOMPARE(vospeak(arguments("whoami")).status, 5);
     }
 
     void whatTakesTooLongIsGivenUp()

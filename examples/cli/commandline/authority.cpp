@@ -1,31 +1,70 @@
 #include "commandline/authority.h"
 
 #include "commandline/options.h"
+#include "hostkit/inputfile.h"
 #include "hostkit/sessionfile.h"
+#include "hostkit/wholefile.h"
 
+#include <QByteArray>
+#include <QByteArrayList>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 
-// A path in the file that is not absolute begins at the folder of the file: it has to mean the same
-// wherever the program is started.
+namespace {
+
+constexpr qint64 longest = 65536; // bytes; the file has a line or two
+
+// The contents of vospeak.conf, in UTF-8.
+QByteArray contents()
+{
+    QFile file(Authority::settings());
+    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) ? file.read(longest)
+                                                                      : QByteArray();
+}
+
+// What the last line ca=FILE names. A path that is not absolute begins at the folder of the file:
+// it has to mean the same wherever the program is started.
+QString named()
+{
+    QString path;
+    const QByteArrayList lines = contents().split('\n');
+    for (const QByteArray &line : lines) {
+        const int sign = line.indexOf('=');
+        if (sign > 0 && line.left(sign).trimmed() == "ca")
+            path = QString::fromUtf8(line.mid(sign + 1)).trimmed();
+    }
+    return path.isEmpty() ? path : QFileInfo(Authority::settings()).dir().filePath(path);
+}
+
+QString namedBefore(const Options &options)
+{
+    return options.authority.isEmpty() ? qEnvironmentVariable("VOSPEAK_CA") : options.authority;
+}
+
+} // namespace
+
 QString Authority::of(const Options &options)
 {
-    if (!options.authority.isEmpty())
-        return options.authority;
-    if (QString path = qEnvironmentVariable("VOSPEAK_CA"); !path.isEmpty())
-        return path;
-    const QSettings file(settings(), QSettings::IniFormat);
-    const QString path = file.value(QStringLiteral("ca")).toString();
-    return path.isEmpty() ? path : QFileInfo(settings()).dir().filePath(path);
+    const QString path = namedBefore(options);
+    return path.isEmpty() ? named() : path;
+}
+
+QString Authority::problem(const Options &options)
+{
+    const QFileInfo file(settings());
+    const bool isEmpty = !file.exists() || (file.isFile() && file.size() == 0);
+    return isEmpty || !namedBefore(options).isEmpty() ? QString()
+                                                      : InputFile::problem(file.filePath());
 }
 
 bool Authority::remember(const QString &path)
 {
-    QSettings file(settings(), QSettings::IniFormat);
-    file.setValue(QStringLiteral("ca"), path);
-    file.sync();
-    return file.status() == QSettings::NoError;
+    QByteArray lines = contents();
+    if (!lines.isEmpty() && !lines.endsWith('\n'))
+        lines += '\n';
+    return SessionFile::problem().isEmpty() // which makes the folder
+           && WholeFile::write(settings(), lines + "ca=" + path.toUtf8() + '\n').isEmpty();
 }
 
 QString Authority::settings()
