@@ -18,8 +18,8 @@ class FetchJob : public Job
     Q_DISABLE_COPY(FetchJob)
 
 public:
-    /// With @p resume a part that is there is gone on with, if the server can; it is taken that the
-    /// server still has the same file.
+    /// @p address begins with https:// or http://. With @p resume a part that is there is gone on
+    /// with, if the server can; nobody checks that the server still has the same file.
     FetchJob(const QString &address, const QString &path, bool resume = false,
              QObject *parent = nullptr);
 

@@ -2,7 +2,7 @@
 
 class QString;
 
-/// The recording that the user names.
+/// Checks of a recording that the user names, a file of this machine or an address.
 namespace InputFile {
 
 /// Whether @p recording is an address, which the service reads itself.

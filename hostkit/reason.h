@@ -24,7 +24,7 @@ struct Reason
         TimedOut,    ///< It took longer than the host allows.
     };
 
-    /// The "code" of a service that takes an access token no longer.
+    /// The value of @p code where the service takes an access token no longer.
     static constexpr int unauthorized = 401;
 
     Kind kind = Kind::None; ///< Kind::None: there is nothing to tell.

@@ -13,7 +13,7 @@ class RecognizeJob : public TaskJob
 
 public:
     /// With Form::ByLength a recording whose length does not show is long. A job that takes up a
-    /// task needs no @p recording.
+    /// task needs no @p recording. @p kit outlives the job.
     RecognizeJob(HostKit *kit, const QString &recording, Form form = Form::ByLength,
                  QObject *parent = nullptr);
 

@@ -15,8 +15,8 @@ struct Speech
     qint32 volume = 50;                     ///< 0 to 100.
     qint32 speed = 0;                       ///< -500 to 500; 0 is the voice's own.
     qint32 pitch = 0;                       ///< -500 to 500; 0 is the voice's own.
-    Job::Form form = Job::Form::ByLength;   ///< Long: as a task.
-    bool isAnonymous = false;               ///< Without a token: short, and shorter than with one.
+    Job::Form form = Job::Form::ByLength;   ///< In one answer or as a task.
+    bool isAnonymous = false;               ///< Without a token: in one answer only, see Limits.
 };
 
 /// Speaks a text into a file, which appears whole or not at all.
@@ -27,7 +27,7 @@ class SpeakJob : public TaskJob
 
 public:
     /// The audio goes into the file @p path; an older one stays until it is there. A job that takes
-    /// up a task needs no @p speech.
+    /// up a task needs no @p speech. @p kit outlives the job.
     SpeakJob(HostKit *kit, const Speech &speech, const QString &path, QObject *parent = nullptr);
 
     /// Why @p speech cannot be spoken, as far as that shows without the service; none: it can.

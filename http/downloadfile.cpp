@@ -33,7 +33,7 @@ bool DownloadFile::open(const QString &name, bool isContinued)
     return !m_hasFailedToOpen;
 }
 
-// A name from a server has the quotation marks that stood around it.
+// A server's name for a file keeps the quotation marks that stood around it in the header.
 QString DownloadFile::nameProblem() const
 {
 #ifdef Q_OS_WIN

@@ -20,8 +20,8 @@ public:
     /// The name that open() was given; empty before.
     QString name() const { return m_file.fileName(); }
 
-    /// Follows a report that the file cannot be opened: what is wrong with its name, where that is
-    /// all that is wrong; else empty.
+    /// The end of a message that the file cannot be opened, ": Windows takes no ..." where its name
+    /// has a character that is forbidden there; empty for other names and on other systems.
     QString nameProblem() const;
 
     /// Bytes that were there and that the disk took.

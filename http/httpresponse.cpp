@@ -59,9 +59,9 @@ QMap<QString, QString> headerMap(const QList<QNetworkReply::RawHeaderPair> &head
     return map;
 }
 
-// QIODevice::readAll() has room made for 16 KiB and then for 32, whatever there is to read. Blocks
-// of that size have the C library gather up its small ones, which costs more than the whole of what
-// else is done for a request; so what is short is read by way of the stack.
+// QIODevice::readAll() allocates 16 KiB and then 32, however little there is to read. For blocks of
+// that size the C library first merges its small free ones, which costs more than all else that is
+// done for a request; so a short body is read into a buffer on the stack.
 QByteArray readBody(QNetworkReply *reply)
 {
     char bytes[16 * 1024];
@@ -70,7 +70,7 @@ QByteArray readBody(QNetworkReply *reply)
         return reply->readAll();
     const qint64 size = reply->read(bytes, sizeof bytes);
     const QByteArray body(bytes, int(qMax(size, qint64(0))));
-    return size == available ? body : body + reply->readAll(); // its class may not tell the truth
+    return size == available ? body : body + reply->readAll(); // a host's own class may miscount
 }
 
 void dumpResponses(const QNetworkReply *reply)

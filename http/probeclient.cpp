@@ -10,12 +10,14 @@ namespace {
 
 bool isApplicationsThread() { return qApp && qApp->thread() == QThread::currentThread(); }
 
+// The clients of all threads. Each goes with its thread.
 class ProbeClients
 {
 public:
     ProbeClients() = default;
     Q_DISABLE_COPY(ProbeClients)
-    ~ProbeClients() { qRemovePostRoutine(&ProbeClients::endLocal); } // a plugin may be unloaded
+    // A plugin that has the toolkit may be unloaded before the application ends.
+    ~ProbeClients() { qRemovePostRoutine(&ProbeClients::endLocal); }
 
     static ProbeClients &instance()
     {
@@ -31,9 +33,9 @@ public:
     }
 
 private:
-    // The storage of the application's thread ends inside the application's destructor, when Qt
-    // delivers nothing any more: what an ended request left to the access manager's own thread
-    // would never be deleted. The routine runs before that.
+    // QThreadStorage would delete the client of the application's thread at the end of the
+    // application's destructor, when Qt delivers nothing any more: what an ended request left to
+    // the access manager's own thread would leak. Qt calls post routines before that.
     void add()
     {
         m_clients.setLocalData(new HttpClient);

@@ -9,8 +9,8 @@ namespace localservice {
 
 namespace {
 
-// "zh-CN" and "zh-Hans" are Chinese, "zh" is, and so is what is written in traditional characters:
-// its readers have the choice of that and English.
+// All of "zh" is Chinese, also "zh-TW" and "zh-Hant": whoever reads traditional characters has the
+// choice of simplified ones and English.
 std::optional<Language> languageOf(const QString &range)
 {
     const QString language = range.section(QLatin1Char('-'), 0, 0).trimmed().toLower();

@@ -29,8 +29,8 @@ std::string endOf(int socket, int (*nameOfEnd)(int, sockaddr *, socklen_t *))
     return text.data();
 }
 
-// What a process that has the socket from @p local to @p remote open has it open as; empty if there
-// is no such process.
+// The socket from @p local to @p remote as it stands among the open files of its process; empty if
+// no process has it open.
 std::string fileOf(const std::string &local, const std::string &remote)
 {
     constexpr std::size_t localEnd = 1; // fields of a line
