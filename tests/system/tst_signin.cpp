@@ -242,7 +242,8 @@ private Q_SLOTS:
         const Outcome outcome = signInBySms(user(tokenExpiry, refreshExpiry));
         QCOMPARE(QString::fromUtf8(outcome.out),
                  QStringLiteral("signed in as Zoë until %1\n").arg(localText(refreshExpiry)));
-        QCOMPARE(outcome.err, QByteArray("If the service sent a code to +44 7700, enter it:\n"));
+        QCOMPARE(outcome.err,
+                 QByteArray("If vo-localservice printed a code for +44 7700, enter it:\n"));
         QCOMPARE(outcome.status, 0);
         QCOMPARE(m_home->session(), session(tokenExpiry, refreshExpiry));
         const QList<QByteArray> requests = m_server.requests();
@@ -277,12 +278,11 @@ private Q_SLOTS:
         signInByCode();
         QStringList expected = drawnCode();
         expected << QStringLiteral(
-            "Open the sign-in page that vo-localservice has just printed in a "
-            "browser of this machine;")
-                 << QStringLiteral(
-                        "it has to trust tls/authority.pem of the service's data folder. "
-                        "The code is in %1\n")
-                        .arg(m_home->picture());
+            "Open the sign-in page that vo-localservice has just printed in a browser here.")
+                 << QStringLiteral("If the browser warns, have it trust %1:")
+                        .arg(QStringLiteral(TEST_AUTHORITY))
+                 << QStringLiteral("%1/ says how. The code is in %2\n")
+                        .arg(QStringLiteral(SERVICE_BASE_ADDRESS), m_home->picture());
         QCOMPARE(QString::fromUtf8(m_outcome.err), expected.join(QLatin1Char('\n')));
         QFile picture(m_home->picture());
         QVERIFY(picture.open(QIODevice::ReadOnly));

@@ -1,6 +1,8 @@
 #include "signin/qrsignin.h"
 
+#include "commandline/authority.h"
 #include "commands/localprogram.h"
+#include "hostkit/hostkit.h"
 #include "hostkit/signinjobs.h"
 #include "signin/codepicture.h"
 #include "signin/qrcode.h"
@@ -20,9 +22,21 @@ namespace {
 const QLatin1String byPhone("Scan this code to sign in; its picture is %1\n");
 
 // No phone reaches such a service.
-const QLatin1String onThisMachine(
-    "Open the sign-in page that vo-localservice has just printed in a browser of this machine;\n"
-    "it has to trust tls/authority.pem of the service's data folder. The code is in %1\n");
+const QLatin1String
+    onThisMachine("Open the sign-in page that vo-localservice has just printed in a browser here.\n"
+                  "If the browser warns, have it trust %1:\n"
+                  "%2/ says how. The code is in %3\n");
+
+QString wayIn(const Options &options, const QString &picture)
+{
+    if (!LocalProgram::isAsked())
+        return QString(byPhone).arg(picture);
+    const QString authority = Authority::of(options);
+    return QString(onThisMachine)
+        .arg(authority.isEmpty() ? QStringLiteral("tls/authority.pem of the service's data folder")
+                                 : Console::onOneLine(authority),
+             HostKit::serviceAddress(), picture);
+}
 
 } // namespace
 
@@ -48,8 +62,7 @@ void QrSignIn::show(const QString &picture)
     progress()->clear();
     if (const auto modules = QrCode::read(image))
         draw(*modules);
-    Console::show(LocalProgram::isAsked() ? QString(onThisMachine).arg(picture)
-                                          : QString(byPhone).arg(picture));
+    Console::show(wayIn(options(), picture));
     if (options().open && !QProcess::startDetached(QStringLiteral("xdg-open"), {picture}))
         Console::complain(QStringLiteral("xdg-open is missing; open the picture yourself"));
 }

@@ -1,5 +1,6 @@
 #include "signin/smssignin.h"
 
+#include "commands/localprogram.h"
 #include "hostkit/signinjobs.h"
 #include "signin/signedin.h"
 #include "terminal/console.h"
@@ -22,11 +23,14 @@ void SmsSignIn::start()
 }
 
 // The user is asked for the code in any case: the service object does not say whether one was sent.
+// The service of this machine sends to no phone.
 void SmsSignIn::askForCode()
 {
     progress()->clear();
-    Console::ask(
-        QStringLiteral("If the service sent a code to %1, enter it:").arg(options().phone));
+    Console::ask((LocalProgram::isAsked()
+                      ? QStringLiteral("If vo-localservice printed a code for %1, enter it:")
+                      : QStringLiteral("If the service sent a code to %1, enter it:"))
+                     .arg(options().phone));
     m_reader.start();
 }
 
