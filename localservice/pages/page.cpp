@@ -21,7 +21,7 @@ h2{margin:1.5rem 0 .5rem;font-size:1.25rem;line-height:1.3}
 p,pre{margin:0 0 1rem}
 p:last-child{margin:0}
 code,pre{font-size:.9375rem;overflow-wrap:anywhere}
-pre{padding:.75rem;border-radius:.5rem;background:#eef2f7;overflow-x:auto}
+pre{padding:.75rem;border-radius:.5rem;background:#eef2f7;white-space:pre-wrap}
 .note{color:#3b4856}
 form{margin:1.5rem 0}
 button{width:100%;min-height:3.5rem;margin:0;padding:.75rem 1rem;border:.125rem solid #0b4fa8;
