@@ -1,8 +1,9 @@
-// The samples of docs/hostkit.md.
+// The samples of docs/hostkit.md, and of the README.
 
 #include "hostkit/hostkit.h"
 #include "hostkit/cataloguejobs.h"
 #include "hostkit/failurereasons.h"
+#include "hostkit/recognizejob.h"
 #include "hostkit/signinjobs.h"
 #include "hostkit/speakjob.h"
 #include "hostkit/stockpictures.h"
@@ -31,6 +32,16 @@ void speak(HostKit *kit, const QString &text, const QString &path)
         delete job;
     });
     job->setTimeout(600000);
+    job->start();
+}
+
+void recognize(HostKit *kit, const QString &recording)
+{
+    auto *job = new RecognizeJob(kit, recording, Job::Form::ByLength, kit);
+    QObject::connect(job, &RecognizeJob::succeeded, job,
+                     [](const QString &text) { qInfo().noquote() << text; });
+    QObject::connect(job, &Job::failed, job,
+                     [](const Reason &reason) { qWarning().noquote() << reason.line(); });
     job->start();
 }
 
