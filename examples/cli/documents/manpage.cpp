@@ -103,8 +103,8 @@ QString ManPage::text()
     QString commands;
     for (const CommandRow &row : CommandTable::rows())
         commands += command(row);
-    return QStringLiteral(".TH VOSPEAK 1 \"\" \"vospeak %1\" \"User Commands\"\n")
-               .arg(QCoreApplication::applicationVersion())
+    return QStringLiteral(".TH VOSPEAK 1 \"%1\" \"vospeak %2\" \"User Commands\"\n")
+               .arg(QStringLiteral(RELEASE_DATE), QCoreApplication::applicationVersion())
            + section("NAME", QStringLiteral("vospeak \\- speak and recognise by way of a speech "
                                             "service\n"))
            + section("SYNOPSIS", bold(QStringLiteral("vospeak")) + QLatin1Char(' ')
