@@ -1,6 +1,7 @@
 #include "hostkit/cataloguejobs.h"
 #include "hostkit/failurereasons.h"
 #include "hostkit/hostkit.h"
+#include "hostkit/recognizejob.h"
 #include "tests/hostkit/jobkinds.h"
 #include "tests/hostkit/jobwatch.h"
 #include "tests/support/patience.h"
@@ -157,6 +158,28 @@ private Q_SLOTS:
         } while (!m_doomed);
         m_doomed.reset();
         QVERIFY(m_moments > 1);
+    }
+
+    void aTaskIsAskedAfterLessAndLessOften()
+    {
+        const QVector<QByteArray> answers{Answers::task(), Answers::status("RUNNING"),
+                                          Answers::status("RUNNING"),
+                                          Answers::finishedRecognition()};
+        for (const QByteArray &answer : answers)
+            m_server->answer(answer);
+        QVector<qint64> pauses; // ms before each request
+        QElapsedTimer pause;
+        pause.start();
+        connect(&*m_server, &ScriptedServer::requestReceived, this,
+                [&] { pauses.append(pause.restart()); });
+        RecognizeJob job(&*m_kit, QStringLiteral("https://a/b.wav"));
+        const JobWatch watch(&job);
+        job.start();
+        TRY_COMPARE(watch.successes.count(), 1);
+        disconnect(&*m_server, nullptr, this, nullptr);
+        QCOMPARE(pauses.size(), 4);
+        QVERIFY2(pauses.at(1) >= 200 && pauses.at(2) >= 300 && pauses.at(3) >= 450,
+                 QByteArray::number(pauses.at(3)).constData());
     }
 
     void requestsAtOnceHaveTheirOwnAnswers()
