@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 QByteArray bytes(const QJsonObject &object) { return QJsonDocument(object).toJson(); }
@@ -187,18 +189,37 @@ private Q_SLOTS:
         aGoodRequestIsServed();
     }
 
-    void manyObjectsAreReadAtOnce()
+    // If each object had those before it looked at, eight times as many would take 64 times as
+    // long.
+    void theTimeToReadObjectsGrowsWithTheirNumber()
     {
-        const QByteArray body = "{\"a\":[{}" + QByteArray(",{}").repeated(170000) + "]}";
-        QElapsedTimer elapsed;
-        elapsed.start();
-        const auto reply =
-            m_client->post(QStringLiteral("asr/freeProcess"), body, ServiceClient::authorization());
-        QCOMPARE(reply.body, bytesOfRefusal(400, "\"feature\" is missing"));
-        QVERIFY2(elapsed.elapsed() < 2000, QByteArray::number(elapsed.elapsed()));
+        QCOMPARE(sendObjects(170000).body, bytesOfRefusal(400, "\"feature\" is missing"));
+        const qint64 few = nanosecondsFor(170000 / 8);
+        const qint64 many = nanosecondsFor(170000);
+        QVERIFY2(many < 24 * few, QByteArray::number(many) + " to " + QByteArray::number(few));
     }
 
 private:
+    ServiceClient::Reply sendObjects(int number)
+    {
+        const QByteArray body = "{\"a\":[{}" + QByteArray(",{}").repeated(number) + "]}";
+        return m_client->post(QStringLiteral("asr/freeProcess"), body,
+                              ServiceClient::authorization());
+    }
+
+    // The best of three, since others may keep the machine busy.
+    qint64 nanosecondsFor(int objects)
+    {
+        qint64 best = std::numeric_limits<qint64>::max();
+        for (int round = 0; round < 3; ++round) {
+            QElapsedTimer elapsed;
+            elapsed.start();
+            sendObjects(objects);
+            best = qMin(best, elapsed.nsecsElapsed());
+        }
+        return best;
+    }
+
     // A row of aBadRequestIsRefusedInAnEnvelope().
     static void row(const char *name, const char *operation, const QByteArray &body,
                     const QByteArray &authorization = ServiceClient::authorization())
