@@ -11,6 +11,7 @@
 #include <QLoggingCategory>
 #include <QtTest>
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -157,19 +158,19 @@ private Q_SLOTS:
     {
         const LogCapture log;
         const FailureReasons reasons;
-        std::vector<std::thread> threads;
+        std::array<std::thread, 8> threads;
         std::atomic<int> right{0};
-        for (int i = 0; i < 8; ++i) {
-            threads.emplace_back([i, &right] {
+        for (std::size_t i = 0; i < threads.size(); ++i) {
+            threads.at(i) = std::thread([code = int(i) + 1, &right] {
                 for (int round = 0; round < 200; ++round) {
-                    qDebug("[error]slotTTSSuc failed:retCode= %d ,msg= \"no\"", i + 1);
-                    right += FailureReasons::take().code == i + 1 ? 1 : 0;
+                    qDebug("[error]slotTTSSuc failed:retCode= %d ,msg= \"no\"", code);
+                    right += FailureReasons::take().code == code ? 1 : 0;
                 }
             });
         }
         for (std::thread &thread : threads)
             thread.join();
-        QCOMPARE(right.load(), 8 * 200);
+        QCOMPARE(right.load(), int(threads.size()) * 200);
         QVERIFY(FailureReasons::take().isNone());
     }
 
