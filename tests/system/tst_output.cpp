@@ -192,6 +192,7 @@ private Q_SLOTS:
         QFETCH(const QStringList, command);
         qputenv("VOSPEAK_CA", TEST_AUTHORITY);
         PipedProgram program(command, false);
+        TRY_VERIFY(program.hasEnded());
         const int status = program.end();
         qunsetenv("VOSPEAK_CA");
         QVERIFY(WIFEXITED(status));
@@ -205,6 +206,7 @@ private Q_SLOTS:
         const TestFolder folder;
         qputenv("XDG_DATA_HOME", QFile::encodeName(folder.path()));
         PipedProgram service(arguments("start"), false);
+        TRY_VERIFY(service.hasEnded());
         const int status = service.end();
         qunsetenv("XDG_DATA_HOME");
         QVERIFY(WIFEXITED(status));
