@@ -8,8 +8,8 @@
 #include "tests/system/terminal.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -131,11 +131,75 @@ private Q_SLOTS:
     {
         m_server.answer(silence, ScriptedServer::Then::KeepOpen);
         Terminal terminal;
+        QElapsedTimer elapsed;
+        elapsed.start();
         Program program(withToken("say hello -o a.wav"), terminal.name());
         QByteArray shown;
         TRY_VERIFY((shown += terminal.read()).contains("waiting for " SERVICE_BASE_ADDRESS));
+        QVERIFY(elapsed.elapsed() >= 2000); // nothing is shown of what is quick
         program.signal(SIGINT);
         QCOMPARE(program.outcome().status, 130);
+    }
+
+    void whatTheUserWishesReachesTheService()
+    {
+        m_server.answer(Answers::one("audio", "T2dnUw=="));
+        const QStringList command =
+            withToken("say hello --voice slt --rate 8000 --speed -20 --pitch 30 --volume 7 "
+                      "--format pcm -o a.pcm");
+        QCOMPARE(vospeak(command).status, 0);
+        const QByteArray request = m_server.requests().value(0);
+        QJsonObject body =
+            QJsonDocument::fromJson(request.mid(request.indexOf("\r\n\r\n") + 4)).object();
+        body.remove(QStringLiteral("pageFeature"));
+        QCOMPARE(body, (QJsonObject{{QStringLiteral("feature"), QStringLiteral("voiceSynthesis")},
+                                    {QStringLiteral("text"), QStringLiteral("hello")},
+                                    {QStringLiteral("format"), QStringLiteral("pcm")},
+                                    {QStringLiteral("sample_rate"), 8000},
+                                    {QStringLiteral("voice"), QStringLiteral("slt")},
+                                    {QStringLiteral("volume"), 7},
+                                    {QStringLiteral("speech_rate"), -20},
+                                    {QStringLiteral("pitch_rate"), 30}}));
+    }
+
+    void aFailureAsJsonSaysItsKind_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QByteArray>("error");
+        const auto row = [](const QStringList &command, const QByteArray &answer,
+                            QByteArray error) {
+            QTest::newRow(error.constData())
+                << command + arguments("--json") << answer << error.replace('\'', '"');
+        };
+        const QStringList say = withToken("say hello -o a.wav");
+        row(say, silence,
+            "'kind':'network','message':'no answer from " SERVICE_BASE_ADDRESS
+            ": the connection was closed','status':3");
+        row(say + arguments("--timeout 0.5"), silence,
+            "'kind':'timedOut','message':'it took longer than 0.5 s (see --timeout)','status':3");
+        row(arguments("update"), silence,
+            "'kind':'tls','message':'the authority of the server is not trusted, or it does not "
+            "speak TLS; use --ca','status':4");
+        row(say, Answers::refusal(9, "no"),
+            "'code':9,'kind':'refused','message':'the service refused: no','status':5");
+        row(say, ScriptedServer::reply("<html>"),
+            "'kind':'badAnswer','message':'the service sent no usable answer','status':1");
+        row(arguments("whoami"), silence,
+            "'kind':'signIn','message':'sign in first: vospeak login --qr, or vospeak login --sms "
+            "NUMBER','status':5");
+    }
+    void aFailureAsJsonSaysItsKind()
+    {
+        QFETCH(const QStringList, command);
+        QFETCH(const QByteArray, answer);
+        QFETCH(const QByteArray, error);
+        const bool isWaiting = command.contains(QStringLiteral("--timeout"));
+        m_server.answer(answer,
+                        isWaiting ? ScriptedServer::Then::KeepOpen : ScriptedServer::Then::Close);
+        const Outcome outcome = vospeak(command);
+        QCOMPARE(outcome.err, "{\"error\":{" + error + "}}\n");
+        QCOMPARE(outcome.out, QByteArray());
     }
 
     void anInterruptedTaskSaysHowToGoOn_data()
@@ -212,40 +276,30 @@ private Q_SLOTS:
         QCOMPARE(nobody.status, 5);
     }
 
-    void theDoctorSaysWhatIsMissing()
-    {
-        m_server.close();
-        const Outcome outcome = vospeak(arguments("doctor"));
-        const quint16 port = SERVICE_PORT;
-        QVERIFY(m_server.start(port));
-        QCOMPARE(outcome.status, 3);
-        for (const char *part : {"service", ("no   cannot reach " SERVICE_BASE_ADDRESS), "session",
-                                 "no   sign in first", "local service  yes"})
-            QVERIFY2(outcome.out.contains(part), outcome.out.constData());
-    }
-
-    void theDoctorTellsAServerThatIsNotTrusted()
-    {
-        const Outcome outcome = vospeak(arguments("doctor --json"));
-        QCOMPARE(outcome.status, 4);
-        const QJsonObject document = QJsonDocument::fromJson(outcome.out).object();
-        const QJsonArray checks = document.value(QStringLiteral("checks")).toArray();
-        QCOMPARE(checks.at(0).toObject().value(QStringLiteral("ok")).toBool(), true);
-        QCOMPARE(checks.at(1).toObject().value(QStringLiteral("check")).toString(),
-                 QStringLiteral("trust"));
-        QCOMPARE(checks.at(1).toObject().value(QStringLiteral("ok")).toBool(), false);
-    }
-
     void aStartedServiceIsTrustedUntilItIsEnded()
     {
         m_server.close();
-        qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.filePath(QStringLiteral("data"))));
+        const QString data = m_folder.filePath(QStringLiteral("data"));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(data));
+        QVERIFY(QDir().mkpath(m_home.settings()));
+        TestFolder::write(settings(), "# mine");
+        {
+            Program service(arguments("start"));
+            TRY_VERIFY(service.err().contains("Ctrl-C ends the service.\n"));
+            QCOMPARE(TestFolder::contents(settings()),
+                     "# mine\nca=" + data.toUtf8() + "/vo-localservice/tls/authority.pem\n");
+            QCOMPARE(vospeak(arguments("say hello --anonymous -o a.wav")).status, 0);
+            service.signal(SIGINT);
+            QCOMPARE(service.outcome().status, 130);
+        }
+        QCOMPARE(vospeak(arguments("voices")).status, 3);
+
+        TestFolder::write(settings(), "ca=" TEST_AUTHORITY "\n");
         Program service(arguments("start"));
         TRY_VERIFY(service.err().contains("Ctrl-C ends the service.\n"));
-        QCOMPARE(vospeak(arguments("say hello --anonymous -o a.wav")).status, 0);
+        QCOMPARE(TestFolder::contents(settings()), QByteArray("ca=" TEST_AUTHORITY "\n"));
         service.signal(SIGINT);
         QCOMPARE(service.outcome().status, 130);
-        QCOMPARE(vospeak(arguments("voices")).status, 3);
         qunsetenv("XDG_DATA_HOME");
         const quint16 port = SERVICE_PORT;
         QVERIFY(m_server.start(port));

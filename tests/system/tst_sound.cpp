@@ -14,6 +14,8 @@
 #include <QtTest>
 
 #include <csignal>
+#include <sndfile.hh>
+#include <vector>
 
 namespace {
 
@@ -23,22 +25,17 @@ QString sentence() { return QStringLiteral("Go forward ten meters."); }
 
 QByteArray samplesOf(const QByteArray &wav) { return wav.mid(headSize); }
 
-QByteArray inBigEndian(quint32 number)
+/// Writes the samples of one channel at 16 kHz as a file of another format, with each sample twice
+/// in each of two channels, at twice the rate.
+void writeTwice(const QByteArray &samples, int format, const char *path)
 {
-    QByteArray bytes(4, '\0');
-    qToBigEndian(number, bytes.data());
-    return bytes;
-}
-
-/// The samples of one channel as a file of another format: AU, with each sample twice in each of
-/// two channels, at twice the rate.
-QByteArray auOf(const QByteArray &samples, quint32 rate)
-{
-    QByteArray bytes;
+    std::vector<float> values;
     for (int i = 0; i + 1 < samples.size(); i += 2)
-        bytes += QByteArray(1, samples.at(i + 1)).append(samples.at(i)).repeated(4);
-    return ".snd" + inBigEndian(24) + inBigEndian(quint32(bytes.size())) + inBigEndian(3)
-           + inBigEndian(2 * rate) + inBigEndian(2) + bytes;
+        values.insert(values.end(), 4,
+                      float(qFromLittleEndian<qint16>(samples.constData() + i)) / 32768);
+    SndfileHandle file(path, SFM_WRITE, format, 2, 32000);
+    const auto count = sf_count_t(values.size());
+    QCOMPARE(file.write(values.data(), count), count);
 }
 
 } // namespace
@@ -69,7 +66,7 @@ private Q_SLOTS:
     void cleanup()
     {
         qputenv("PATH", m_path);
-        for (const char *name : {"paplay", "aplay", "play", "arecord"})
+        for (const char *name : {"paplay", "aplay", "play", "arecord", "parecord"})
             QFile::remove(QStringLiteral("bin/") + QLatin1String(name));
         for (const char *name : {"made.wav", "played", "made.pcm"})
             QFile::remove(QLatin1String(name));
@@ -175,6 +172,10 @@ private Q_SLOTS:
         const Outcome outcome = say({sentence(), QStringLiteral("--play")});
         QCOMPARE(outcome.err, QByteArray("vospeak: aplay could not play the audio\n"));
         QCOMPARE(outcome.status, 1);
+        QCOMPARE(say({sentence(), QStringLiteral("--play"), QStringLiteral("--json")}).err,
+                 QByteArray(R"({"error":{"kind":"file","message":"aplay could not play the audio",)"
+                            R"("status":1}})"
+                            "\n"));
     }
 
     void withoutAPlayerTheServiceIsNotAsked()
@@ -254,19 +255,35 @@ private Q_SLOTS:
         QCOMPARE(words(QString::fromUtf8(outcome.out)), words(sentence()));
     }
 
+    void aRecordingOfAnotherFormatIsConverted_data()
+    {
+        QTest::addColumn<int>("format");
+        QTest::newRow("AU") << (SF_FORMAT_AU | SF_FORMAT_PCM_16);
+        QTest::newRow("FLAC") << (SF_FORMAT_FLAC | SF_FORMAT_PCM_24);
+        QTest::newRow("Ogg") << (SF_FORMAT_OGG | SF_FORMAT_VORBIS);
+        QTest::newRow("MP3") << (SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III);
+        QTest::newRow("WAV of floats") << (SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    }
     void aRecordingOfAnotherFormatIsConverted()
     {
-        TestFolder::write(QStringLiteral("other.au"), auOf(samplesOf(m_plain), 16000));
-        const Outcome outcome = vospeak(arguments("recognize other.au") + m_service.access());
+        QFETCH(const int, format);
+        writeTwice(samplesOf(m_plain), format, "other");
+        const Outcome outcome = vospeak(arguments("recognize other") + m_service.access());
         QCOMPARE(outcome.err, QByteArray());
         QCOMPARE(words(QString::fromUtf8(outcome.out)), words(sentence()));
     }
 
+    void whatTheMicrophoneHearsIsRecognised_data()
+    {
+        QTest::addColumn<QString>("recorder");
+        for (const char *recorder : {"arecord", "parecord"})
+            QTest::newRow(recorder) << QString::fromLatin1(recorder);
+    }
     void whatTheMicrophoneHearsIsRecognised()
     {
-        script(QStringLiteral("arecord"),
-               R"(for last; do :; done; trap 'cp plain.wav "$last"; exit 1' TERM; )"
-               "sleep 60 & wait");
+        QFETCH(const QString, recorder);
+        script(recorder, R"(for last; do :; done; trap 'cp plain.wav "$last"; exit 1' TERM; )"
+                         "sleep 60 & wait");
         const Outcome outcome = vospeak(arguments("recognize --record 1") + m_service.access());
         QCOMPARE(outcome.err, QByteArray());
         QCOMPARE(words(QString::fromUtf8(outcome.out)), words(sentence()));
