@@ -169,9 +169,8 @@ def main():
     pictures = path.read_text(encoding="utf-8"), picture
     compared = [without_differences(text).splitlines() for text in pictures]
     difference = list(difflib.unified_diff(*compared, str(path), "this build", lineterm="", n=0))
-    print(*difference, sep="\n")
     if difference:
-        sys.exit("scripts/recording.sh draws the picture anew")
+        sys.exit("\n".join([*difference, "scripts/recording.sh draws the picture anew"]))
 
 
 main()
