@@ -5,7 +5,7 @@
 class CodeSignInJob;
 class QrCode;
 
-/// Signs in by a code that the user scans with a phone.
+/// Signs in by a code that the user scans with a phone, or by the page to which it leads.
 class QrSignIn : public Command
 {
     Q_OBJECT
