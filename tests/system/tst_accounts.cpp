@@ -110,7 +110,7 @@ private Q_SLOTS:
         const QByteArray page = pageAddress();
         QVERIFY(waitForDrawing(&program));
         QStringList lines = QString::fromUtf8(program.err()).split(QLatin1Char('\n'));
-        lines = lines.mid(0, lines.indexOf(QRegularExpression(QStringLiteral("^Open "))));
+        lines = lines.mid(0, lines.indexOf(QRegularExpression(QStringLiteral("Open .*"))));
         const QString drawing = m_folder.filePath(QStringLiteral("drawing.png"));
         QVERIFY(pictureOf(lines).save(drawing));
         QCOMPARE(scanned(m_home->picture()), page);
