@@ -22,7 +22,7 @@ public:
         Uploading,      ///< A recording is sent; in bytes.
         Working,        ///< The service has queued or runs a task; in seconds since it was named.
         Fetching,       ///< Something is downloaded; in bytes.
-        WaitingForUser, ///< The user has to confirm; in seconds.
+        WaitingForUser, ///< The user has to confirm, or to enter something; in seconds.
     };
     Q_ENUM(Stage)
 
@@ -41,6 +41,11 @@ public:
     /// Lets the job fail when it has taken @p ms milliseconds; 0, the default: it may take for
     /// ever. To be called before start().
     void setTimeout(int ms);
+
+    /// Lets the job fail when nothing has been heard for @p ms milliseconds, however long it takes
+    /// as a whole; 0, the default: silence may last for ever. While the user is waited for, and has
+    /// no limit, nothing need be heard. To be called before start().
+    void setPatience(int ms);
 
     /// Starts the job, once; nothing is emitted before control is back in the event loop.
     void start();
@@ -74,7 +79,10 @@ protected:
     void fail(Reason reason);
 
 private:
+    void listen();
+
     QObject *m_work = nullptr; ///< Owned, while the job is under way.
-    int m_timeout = 0;         ///< Milliseconds.
+    int m_timeout = 0;         ///< Milliseconds, like the next one.
+    int m_patience = 0;
     bool m_isStarted = false;
 };

@@ -11,6 +11,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -169,8 +170,10 @@ void SmsSignInJob::signIn()
 void SmsSignInJob::onSent()
 {
     if (const Reason reason = FailureReasons::take(); !reason.isNone())
-        fail(reason);
-    else
+        return fail(reason);
+    const QPointer<QObject> here(work());
+    Q_EMIT progressed(Stage::WaitingForUser, 0, 0);
+    if (here)
         Q_EMIT codeSent();
 }
 
@@ -183,6 +186,7 @@ void SmsSignInJob::enter(const QString &code)
         &VoNetworkIntf::signalSmsLoginEnd,
         [=](VoNetworkIntf *service) { service->SmsVerifyCodeLogin(m_phone, code); },
         [this](UserInfo *user) { onUser(user); });
+    Q_EMIT progressed(Stage::Asking, 0, 0);
 }
 
 void SmsSignInJob::onUser(UserInfo *user)

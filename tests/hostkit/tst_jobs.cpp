@@ -2,6 +2,7 @@
 #include "hostkit/failurereasons.h"
 #include "hostkit/hostkit.h"
 #include "hostkit/recognizejob.h"
+#include "hostkit/signinjobs.h"
 #include "tests/hostkit/jobkinds.h"
 #include "tests/hostkit/jobwatch.h"
 #include "tests/support/patience.h"
@@ -121,6 +122,34 @@ private Q_SLOTS:
         QCOMPARE(reasonOf(job.get()).kind, Kind::TimedOut);
         m_kit.reset(); // others may wait for a renewal, which goes on until then
         everythingIsOver();
+    }
+
+    void aJobEndsWhenNothingIsHeard_data() { kinds(); }
+    void aJobEndsWhenNothingIsHeard()
+    {
+        const std::unique_ptr<Job> job = makeJob();
+        m_server->reset();
+        job->setPatience(150);
+        QCOMPARE(reasonOf(job.get()).text, QStringLiteral("nothing was heard for 0.15 s"));
+        m_kit.reset();
+        everythingIsOver();
+    }
+
+    void aUserMayTakeLongerThanTheService()
+    {
+        constexpr int patience = 300; // ms
+        m_server->answer(Answers::envelope());
+        SmsSignInJob job(&*m_kit, QStringLiteral("12345"));
+        job.setPatience(patience);
+        QSignalSpy sent(&job, &SmsSignInJob::codeSent);
+        job.start();
+        TRY_COMPARE(sent.count(), 1);
+        QTest::qWait(2 * patience);
+        QVERIFY(job.isUnderWay());
+        m_server->reset();
+        JobWatch watch(&job);
+        job.enter(QStringLiteral("1"));
+        TRY_COMPARE(watch.reason().kind, Kind::TimedOut);
     }
 
     void aJobIsCancelledAtOnce_data() { kinds(); }

@@ -44,6 +44,8 @@ void JobProgress::showWaiting()
 
 void JobProgress::show(Job::Stage stage, qint64 done, qint64 total)
 {
+    if (stage == Job::Stage::WaitingForUser && total == 0)
+        return m_silence.stop(); // the command has a question of its own
     if (stage != Job::Stage::Fetching) {
         const QString line = lineOf(stage, done, total, m_asking);
         if (!line.isEmpty()) {
