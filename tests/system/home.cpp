@@ -4,7 +4,10 @@
 #include <QJsonDocument>
 
 Home::Home()
+    : m_before(qgetenv("HOME"))
 {
+    qputenv("HOME", m_folder.path().toUtf8());
+    qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
     QDir(m_folder.path()).mkdir(QStringLiteral("tmp"));
     qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
     qputenv("TMPDIR", m_folder.filePath(QStringLiteral("tmp")).toUtf8());
@@ -12,9 +15,13 @@ Home::Home()
 
 Home::~Home()
 {
+    qputenv("HOME", m_before);
+    qunsetenv("XDG_DATA_HOME");
     qunsetenv("XDG_CONFIG_HOME");
     qunsetenv("TMPDIR");
 }
+
+QString Home::path() const { return m_folder.path(); }
 
 QString Home::settings() const { return m_folder.filePath(QStringLiteral("config/vospeak")); }
 

@@ -5,8 +5,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// The home of a user of its own: programs that are started from now on keep their settings and
-/// their temporary files there.
+/// The home of a user of its own: this program, and those that are started from now on, keep their
+/// settings, data and temporary files there.
 class Home
 {
     Q_DISABLE_COPY(Home)
@@ -14,6 +14,8 @@ class Home
 public:
     Home();
     ~Home();
+
+    QString path() const;
 
     /// The folder of vospeak's settings, and the session in it.
     QString settings() const;
@@ -29,4 +31,5 @@ public:
 
 private:
     const QTemporaryDir m_folder;
+    const QByteArray m_before; ///< The user's own home.
 };

@@ -4,6 +4,7 @@
 #include "tests/system/filesizelimit.h"
 #include "tests/system/home.h"
 #include "tests/system/program.h"
+#include "tests/system/smalldisk.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -13,8 +14,6 @@
 #include <QtTest>
 
 #include <optional>
-#include <sched.h>
-#include <sys/mount.h>
 
 namespace {
 
@@ -73,42 +72,6 @@ QByteArray wave(int size)
 }
 
 QByteArray speech(int size) { return Answers::one("audio", wave(size).toBase64().constData()); }
-
-/// A small disk in the folder @p path, seen by this process and those it starts. It goes with this.
-class SmallDisk
-{
-    Q_DISABLE_COPY(SmallDisk)
-
-public:
-    explicit SmallDisk(const QString &path)
-        : m_path(path.toLocal8Bit())
-        , m_isThere(unshare(CLONE_NEWNS) == 0
-                    && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
-                    && mount("none", m_path.constData(), "tmpfs", 0, "size=128k") == 0)
-    {
-    }
-    ~SmallDisk()
-    {
-        if (m_isThere)
-            umount2(m_path.constData(), MNT_DETACH);
-    }
-
-    bool isThere() const { return m_isThere; }
-
-    /// Writes until no more than @p room bytes can be written.
-    void fill(int room) const
-    {
-        QFile filler(QString::fromLocal8Bit(m_path) + QStringLiteral("/filler"));
-        QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-        while (filler.write(QByteArray(4096, 'f')) > 0) {
-        }
-        QVERIFY(filler.resize(filler.size() - room));
-    }
-
-private:
-    QByteArray m_path;
-    bool m_isThere;
-};
 
 } // namespace
 
