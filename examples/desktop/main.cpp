@@ -4,28 +4,12 @@
 #include "hostkit/trust.h"
 #include "mainwindow.h"
 #include "network/vonetwork.h"
+#include "start/authority.h"
 #include "translations/translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSettings>
-
-namespace {
-
-// The authority that the user names, or the one that was trusted last. Returns why it cannot be.
-QString trustAuthority(const QString &named)
-{
-    if (!named.isEmpty())
-        return Trust::add(named);
-    const QString last = QSettings().value(QStringLiteral("authority")).toString();
-    if (QFileInfo::exists(last))
-        Trust::add(last);
-    return {};
-}
-
-} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -48,8 +32,10 @@ int main(int argc, char *argv[])
 
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // it has tokens
     const FailureReasons reasons;
-    for (const QString &problem :
-         {trustAuthority(parser.value(authority)), Proxies::use({}, HostKit::serviceAddress())}) {
+    Authority::trustLast();
+    const QString named = parser.value(authority);
+    for (const QString &problem : {named.isEmpty() ? QString() : Trust::add(named),
+                                   Proxies::use({}, HostKit::serviceAddress())}) {
         if (!problem.isEmpty())
             qWarning("vodesk: %s", qPrintable(problem));
     }

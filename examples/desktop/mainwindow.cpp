@@ -17,6 +17,7 @@
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QShortcut>
 #include <QStackedWidget>
@@ -38,6 +39,7 @@ MainWindow::MainWindow(Desk *desk, QWidget *parent)
     , m_stack(new QStackedWidget)
     , m_start(new StartPage(desk->service()))
     , m_banner(new UpdateBanner)
+    , m_gone(new QPushButton(tr("The service cannot &be reached. Look for it")))
     , m_names(new QListWidget)
     , m_pages(new QStackedWidget)
     , m_speak(new SpeakPage(desk))
@@ -59,6 +61,7 @@ MainWindow::MainWindow(Desk *desk, QWidget *parent)
 
     auto *right = new QVBoxLayout;
     right->addWidget(m_banner);
+    right->addWidget(m_gone);
     right->addWidget(m_pages, 1);
     auto *workspace = new QWidget;
     auto *layout = new QHBoxLayout(workspace);
@@ -67,9 +70,12 @@ MainWindow::MainWindow(Desk *desk, QWidget *parent)
     m_stack->addWidget(workspace);
     m_stack->addWidget(m_start);
     setCentralWidget(m_stack);
+    m_gone->hide();
 
     connect(m_names, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     connect(m_start, &StartPage::retried, this, &MainWindow::connectToService);
+    connect(m_gone, &QPushButton::clicked, this, &MainWindow::connectToService);
+    connect(desk, &Desk::serviceSought, m_gone, &QWidget::setHidden);
     connect(gallery, &GalleryPage::chosen, this, [this](const QString &voice) {
         m_speak->chooseVoice(voice);
         showPage(0);
@@ -96,12 +102,25 @@ void MainWindow::showPage(int page) { m_names->setCurrentRow(page); }
 
 int MainWindow::pageCount() const { return m_pages->count(); }
 
+// Another window may have been in use meanwhile.
+void MainWindow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        m_desk->lookAtSession();
+    QMainWindow::changeEvent(event);
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     QSettings settings;
     settings.setValue(geometryKey(), saveGeometry());
     settings.setValue(pageKey(), m_names->currentRow());
-    m_speak->keepState();
+    if (!m_speak->keepState().isEmpty() && !m_mayLoseText) {
+        m_mayLoseText = true;
+        m_stack->setCurrentIndex(0);
+        showPage(m_pages->indexOf(m_speak));
+        return event->ignore();
+    }
     event->accept();
 }
 

@@ -4,6 +4,7 @@
 
 class Desk;
 class QListWidget;
+class QPushButton;
 class QStackedWidget;
 class RecognizePage;
 class SpeakPage;
@@ -28,6 +29,7 @@ public:
     int pageCount() const;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -41,8 +43,10 @@ private:
     QStackedWidget *m_stack; ///< The start page, and the rest.
     StartPage *m_start;
     UpdateBanner *m_banner;
+    QPushButton *m_gone; ///< Seen while the service cannot be reached.
     QListWidget *m_names;
     QStackedWidget *m_pages;
     SpeakPage *m_speak;
     RecognizePage *m_recognize;
+    bool m_mayLoseText = false; ///< The user knows that it cannot be kept.
 };

@@ -81,7 +81,7 @@ private Q_SLOTS:
     void theReportSaysWhatHappenedWithoutSecrets()
     {
         RequestLog log;
-        const int first = log.begin(QStringLiteral("Speech"));
+        const QPersistentModelIndex first = log.begin(QStringLiteral("Speech"));
         log.end(first,
                 {Reason::Kind::Refused,
                  QStringLiteral("no 123456 for +447700900123, abcDEF0123456789abcDEF0123456789")});
@@ -97,7 +97,7 @@ private Q_SLOTS:
     void anEntryEndsOnce()
     {
         RequestLog log;
-        const int entry = log.begin(QStringLiteral("Speech"));
+        const QPersistentModelIndex entry = log.begin(QStringLiteral("Speech"));
         log.end(entry, {});
         log.abandon(entry);
         QCOMPARE(log.index(0, RequestLog::Outcome).data().toString(), QStringLiteral("done"));

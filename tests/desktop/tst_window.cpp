@@ -2,7 +2,6 @@
 #include "audio/playerpanel.h"
 #include "audio/waveform.h"
 #include "common/desk.h"
-#include "common/notice.h"
 #include "gallery/catalogue.h"
 #include "gallery/gallerypage.h"
 #include "hostkit/failurereasons.h"
@@ -14,6 +13,7 @@
 #include "speak/speakpage.h"
 #include "start/startpage.h"
 #include "tests/desktop/wav.h"
+#include "tests/desktop/widgets.h"
 #include "tests/support/leaks.h"
 #include "tests/support/patience.h"
 #include "tests/support/residentmemory.h"
@@ -26,9 +26,9 @@
 #include "update/updatebanner.h"
 
 #include <QAbstractButton>
-#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -44,6 +44,7 @@
 #include <QPlainTextEdit>
 #include <QSettings>
 #include <QSslConfiguration>
+#include <QStandardPaths>
 #include <QTimer>
 #include <QTreeView>
 #include <QtTest>
@@ -58,23 +59,7 @@ QString sentence() { return QStringLiteral("Go forward ten meters."); }
 
 enum Page { Speak, Recognize, Gallery, Account, Requests };
 
-bool needsName(QAccessible::Role role)
-{
-    switch (role) {
-    case QAccessible::Button:
-    case QAccessible::CheckBox:
-    case QAccessible::ComboBox:
-    case QAccessible::EditableText:
-    case QAccessible::Slider:
-    case QAccessible::List:
-    case QAccessible::Tree:
-    case QAccessible::Table:
-    case QAccessible::ProgressBar:
-        return true;
-    default:
-        return false;
-    }
-}
+using Widgets::button;
 
 } // namespace
 
@@ -97,6 +82,7 @@ private Q_SLOTS:
     void init()
     {
         QSettings().clear();
+        QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively();
         m_desk = std::make_unique<Desk>();
         m_window = std::make_unique<MainWindow>(m_desk.get());
         m_window->show();
@@ -213,6 +199,7 @@ private Q_SLOTS:
         QVERIFY(file.resize(head.size() + qint64(size)));
         file.close();
 
+        const qint64 memory = residentMemory();
         QElapsedTimer sinceTurn;
         qint64 longestTurn = 0;
         QTimer turns;
@@ -230,6 +217,11 @@ private Q_SLOTS:
         TRY_VERIFY(waveform->hasRecording());
         qInfo("the longest turn of the event loop took %lld ms", longestTurn);
         QVERIFY(longestTurn < 1000);
+        qInfo("the recording of %u MiB has taken %lld MiB", size >> 20,
+              (residentMemory() - memory) >> 20);
+#ifndef VONETWORK_HAS_LEAK_CHECK
+        QVERIFY(residentMemory() - memory < 32 << 20);
+#endif
     }
 
     void whatCannotBeSavedIsToldInItsPlace()
@@ -261,19 +253,7 @@ private Q_SLOTS:
         QVERIFY(m_home.session().isEmpty());
     }
 
-    void theUserSignsInBySms()
-    {
-        const QString phone = QStringLiteral("5550100");
-        SignInSteps steps(&m_service);
-        const QList<QLineEdit *> fields = page<AccountPage>()->findChildren<QLineEdit *>();
-        QCOMPARE(fields.size(), 2);
-        QTest::keyClicks(fields.at(0), phone);
-        QTest::keyClick(fields.at(0), Qt::Key_Return);
-        TRY_VERIFY(fields.at(1)->isEnabled());
-        QTest::keyClicks(fields.at(1), steps.takeCode(phone));
-        QTest::keyClick(fields.at(1), Qt::Key_Return);
-        TRY_VERIFY(m_desk->isSignedIn());
-    }
+    void theUserSignsInBySms() { signInBySms(QStringLiteral("5550100")); }
 
     void aWrongSmsCodeIsToldInItsPlace()
     {
@@ -386,27 +366,6 @@ private Q_SLOTS:
         }
     }
 
-    void everyControlHasANameAndARole()
-    {
-        QStringList nameless;
-        for (int number = 0; number < m_window->pageCount(); ++number) {
-            m_window->showPage(number);
-            for (QWidget *widget : m_window->findChildren<QWidget *>()) {
-                if (!widget->isVisible() || widget->focusPolicy() == Qt::NoFocus)
-                    continue;
-                const QAccessibleInterface *face = QAccessible::queryAccessibleInterface(widget);
-                const bool isNamed = !face->text(QAccessible::Name).isEmpty();
-                if (face->role() == QAccessible::Client || (needsName(face->role()) && !isNamed))
-                    nameless.append(QStringLiteral("%1 %2 \"%3\" on page %4")
-                                        .arg(QString::fromLatin1(widget->metaObject()->className()))
-                                        .arg(face->role())
-                                        .arg(widget->objectName())
-                                        .arg(number));
-            }
-        }
-        QCOMPARE(nameless, QStringList());
-    }
-
     void everythingIsChineseInChina()
     {
         Translations::install(QLocale(QLocale::Chinese, QLocale::China));
@@ -467,6 +426,77 @@ private Q_SLOTS:
         TRY_VERIFY(!start->isVisible());
     }
 
+    // docs/desktop.md says which page uses what.
+    void everyOperationOfTheInterfaceIsUsed()
+    {
+        Player *player = page<SpeakPage>()->findChild<PlayerPanel *>()->player();
+        const auto speak = [&](const QString &text) {
+            player->pause();
+            type(text);
+            click(QStringLiteral("speak"));
+            TRY_VERIFY(player->isPlaying());
+        };
+        speak(sentence()); // nobody is signed in
+        button(page<AccountPage>(), QStringLiteral("&Show a code"))->click();
+        const auto *picture = m_window->findChild<QLabel *>(QStringLiteral("code"));
+        TRY_VERIFY(picture->pixmap(Qt::ReturnByValue).width() > 0);
+        signInBySms(QStringLiteral("5550102"));
+        letTokenExpire();
+        speak(sentence());
+        const QString saved = m_folder.filePath(QStringLiteral("operations.wav"));
+        page<SpeakPage>()->save(saved);
+        TRY_VERIFY(QFileInfo::exists(saved));
+        speak(sentence().repeated(50));
+        const QString silence = m_folder.filePath(QStringLiteral("silence.wav"));
+        TestFolder::write(silence, wav(QVector<qint16>(61 * 8000, 0), 8000));
+        drop({saved, silence});
+        const auto *rows = m_window->findChild<QTreeView *>(QStringLiteral("queue"))->model();
+        for (int row = 0; row < 2; ++row)
+            TRY_COMPARE(rows->index(row, RecognitionQueue::Status).data().toString(),
+                        QStringLiteral("done"));
+        const QSet<QString> asked = operationsInTheLog();
+        QStringList unused;
+        for (auto it = operations().begin(); it != operations().end(); ++it) {
+            if (!asked.contains(it.value()))
+                unused.append(it.key());
+        }
+        QCOMPARE(unused, QStringList());
+    }
+
+    void thePagesOfEveryOperationAreDocumented()
+    {
+        static const QRegularExpression declaration(QStringLiteral("virtual \\S.* \\*?(\\w+)\\("));
+        const QString header = source("network/vonetworkintf.h");
+        const QString document = source("docs/desktop.md");
+        QStringList declared;
+        auto all = declaration.globalMatch(header);
+        while (all.hasNext())
+            declared.append(all.next().captured(1));
+        declared.sort();
+        QCOMPARE(declared, operations().keys());
+        for (const QString &operation : declared)
+            QVERIFY2(document.contains(QStringLiteral("`%1`").arg(operation)),
+                     qPrintable(operation));
+    }
+
+    void aServiceThatAnotherWindowHasStartedIsUsed()
+    {
+        const QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
+        QSslConfiguration strict = trusting;
+        strict.setCaCertificates(QSslConfiguration::systemCaCertificates());
+        QSslConfiguration::setDefaultConfiguration(strict);
+        m_window.reset();
+        m_desk = std::make_unique<Desk>();
+        m_window = std::make_unique<MainWindow>(m_desk.get());
+        m_window->show();
+        m_window->connectToService();
+        TRY_VERIFY(page<StartPage>()->isVisible());
+        QSettings().setValue(QStringLiteral("authority"), m_service.authority());
+        m_window->findChild<QAbstractButton *>(QStringLiteral("startService"))->click();
+        TRY_VERIFY(!page<StartPage>()->isVisible());
+        QSslConfiguration::setDefaultConfiguration(trusting);
+    }
+
     void withoutAServiceThereIsThePageThatStartsOne()
     {
         QCOMPARE(m_service.stop(SIGTERM), 0);
@@ -476,15 +506,81 @@ private Q_SLOTS:
         m_window->connectToService();
         auto *start = m_window->findChild<StartPage *>();
         TRY_VERIFY(start->isVisible());
-        qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
         QTest::mouseClick(m_window->findChild<QAbstractButton *>(QStringLiteral("startService")),
                           Qt::LeftButton);
         TRY_VERIFY(!start->isVisible());
-        qunsetenv("XDG_DATA_HOME");
         QVERIFY(m_desk->catalogue()->voices());
     }
 
 private:
+    void signInBySms(const QString &phone)
+    {
+        SignInSteps steps(&m_service);
+        const QList<QLineEdit *> fields = page<AccountPage>()->findChildren<QLineEdit *>();
+        QCOMPARE(fields.size(), 2);
+        QTest::keyClicks(fields.at(0), phone);
+        QTest::keyClick(fields.at(0), Qt::Key_Return);
+        TRY_VERIFY(fields.at(1)->isEnabled());
+        QTest::keyClicks(fields.at(1), steps.takeCode(phone));
+        QTest::keyClick(fields.at(1), Qt::Key_Return);
+        TRY_VERIFY(m_desk->isSignedIn());
+    }
+
+    void letTokenExpire() const
+    {
+        QJsonObject session = m_home.session();
+        session.insert(QStringLiteral("tokenExpires"),
+                       QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
+        m_home.writeSession(session);
+    }
+
+    // The operations of the interface, with what the log of the local service has of each: the end
+    // of the address and the feature.
+    static const QMap<QString, QString> &operations()
+    {
+        static const QMap<QString, QString> operations{
+            {QStringLiteral("GetOssSign"), QStringLiteral("upload/getsignsts -")},
+            {QStringLiteral("ShortSTT"), QStringLiteral("asr/process inWord")},
+            {QStringLiteral("CreateSTTTask"), QStringLiteral("asr/process recordingRecognition")},
+            {QStringLiteral("GetSTTTaskResult"),
+             QStringLiteral("asr/getProcessResult recordingRecognition")},
+            {QStringLiteral("GetBgmList"), QStringLiteral("asr/getBackgroundMusic -")},
+            {QStringLiteral("TTS"), QStringLiteral("asr/process voiceSynthesis")},
+            {QStringLiteral("LongTTSTask"), QStringLiteral("asr/process longVoiceSynthesis")},
+            {QStringLiteral("LongTTSStatus"),
+             QStringLiteral("asr/getProcessResult longVoiceSynthesis")},
+            {QStringLiteral("DownloadLongTTSRet"), QStringLiteral("storage/* -")},
+            {QStringLiteral("GetDubList"), QStringLiteral("asr/getVoice -")},
+            {QStringLiteral("GetUpdateInfo"), QStringLiteral("app/upgrade -")},
+            {QStringLiteral("GetLoginQrCode"), QStringLiteral("login/getMpQrCode -")},
+            {QStringLiteral("GetLoginQrCodeStatus"), QStringLiteral("login/getMpStatus -")},
+            {QStringLiteral("SendSmsVerifyCode"), QStringLiteral("verify/sms -")},
+            {QStringLiteral("SmsVerifyCodeLogin"), QStringLiteral("login/sms -")},
+            {QStringLiteral("RefreshToken"), QStringLiteral("token/refresh -")},
+        };
+        return operations;
+    }
+
+    static QString source(const char *path)
+    {
+        return QString::fromUtf8(TestFolder::contents(
+            QFINDTESTDATA(QStringLiteral("../../") + QString::fromLatin1(path))));
+    }
+
+    // What the service was asked for, as operations() has it.
+    QSet<QString> operationsInTheLog() const
+    {
+        static const QRegularExpression line(
+            QStringLiteral(" (?:GET|POST) \\S*/([^/ ]+/[^/ ]+) (\\S+) 200 0 "));
+        QSet<QString> operations;
+        auto lines = line.globalMatch(QString::fromUtf8(m_service.log()));
+        while (lines.hasNext()) {
+            const QRegularExpressionMatch match = lines.next();
+            operations.insert(match.captured(1) + QLatin1Char(' ') + match.captured(2));
+        }
+        return operations;
+    }
+
     template <typename P>
     P *page()
     {
@@ -494,8 +590,7 @@ private:
     template <typename P>
     QString notice()
     {
-        const auto *notice = page<P>()->template findChild<Notice *>();
-        return notice->isHidden() ? QString() : notice->text();
+        return Widgets::notice(page<P>());
     }
 
     QPlainTextEdit *editor()
@@ -509,15 +604,6 @@ private:
     {
         m_window->showPage(Speak);
         QTest::mouseClick(m_window->findChild<QAbstractButton *>(name), Qt::LeftButton);
-    }
-
-    static QAbstractButton *button(QWidget *page, const QString &text)
-    {
-        for (auto *button : page->findChildren<QAbstractButton *>()) {
-            if (button->text() == text)
-                return button;
-        }
-        qFatal("there is no button \"%s\"", qPrintable(text));
     }
 
     void drop(const QStringList &files)

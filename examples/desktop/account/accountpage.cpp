@@ -20,6 +20,7 @@
 namespace {
 
 constexpr int pictureSize = 240; // pixels
+constexpr int patience = 5;      // seconds, with the answer that a code has expired
 
 } // namespace
 
@@ -65,7 +66,7 @@ AccountPage::AccountPage(Desk *desk, QWidget *parent)
     connect(m_phone, &QLineEdit::returnPressed, m_send, &QPushButton::click);
     connect(m_smsCode, &QLineEdit::returnPressed, m_enter, &QPushButton::click);
     connect(desk->service(), &ServiceProcess::said, this, &AccountPage::hear);
-    connect(desk->kit()->tokens(), &TokenKeeper::changed, this, &AccountPage::showUser);
+    connect(desk, &Desk::sessionChanged, this, &AccountPage::showUser);
     connect(&m_clock, &QTimer::timeout, this, &AccountPage::showTimeLeft);
     endCode({});
     showUser();
@@ -168,7 +169,12 @@ void AccountPage::showCode(const QString &picture, const QDateTime &expires)
 
 void AccountPage::showTimeLeft()
 {
-    const qint64 seconds = qMax<qint64>(0, QDateTime::currentDateTime().secsTo(m_expires));
+    const qint64 late = m_expires.secsTo(QDateTime::currentDateTime());
+    if (late > patience && m_code) { // the service does not answer that it has expired
+        m_code->cancel();
+        return m_notice->tell(tr("The code has expired"));
+    }
+    const qint64 seconds = qMax<qint64>(0, -late);
     m_timeLeft->setText(
         tr("Scan it within %1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0')));
 }

@@ -105,9 +105,8 @@ void Player::startOutput()
         return;
     m_output = std::make_unique<QAudioOutput>(audioFormat(m_source.format()));
     m_output->start(&m_source);
-    m_isSilent = m_output->error() == QAudio::OpenError;
-    if (m_isSilent)
-        stopOutput();
+    if (m_output->state() == QAudio::StoppedState)
+        goOnSilently();
 }
 
 void Player::stopOutput()
@@ -117,8 +116,17 @@ void Player::stopOutput()
     m_output.reset();
 }
 
+void Player::goOnSilently()
+{
+    stopOutput();
+    m_isSilent = true;
+    Q_EMIT silenced();
+}
+
 void Player::onTick()
 {
+    if (m_output && m_output->state() == QAudio::StoppedState)
+        goOnSilently();
     if (m_isSilent)
         m_source.read(bytesOf(m_sinceTick.restart()));
     const bool isPlayed = m_isSilent || !m_output || m_output->state() == QAudio::IdleState;

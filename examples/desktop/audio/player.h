@@ -44,9 +44,13 @@ Q_SIGNALS:
     void moved(qint64 position);
     void playingChanged(bool isPlaying);
 
+    /// The audio device is gone: it plays on, unheard.
+    void silenced();
+
 private:
     void startOutput();
     void stopOutput();
+    void goOnSilently();
     void onTick();
     qint64 bytesOf(qint64 time) const;
     qint64 timeOf(qint64 bytes) const;

@@ -49,6 +49,7 @@ PlayerPanel::PlayerPanel(QWidget *parent)
     connect(&m_player, &Player::playingChanged, this,
             [this](bool isPlaying) { m_play->setText(isPlaying ? tr("&Pause") : tr("&Play")); });
     connect(&m_player, &Player::moved, this, &PlayerPanel::showTime);
+    connect(&m_player, &Player::silenced, this, &PlayerPanel::explain);
     connect(m_waveform, &QAbstractSlider::actionTriggered, this,
             [this] { m_player.seek(m_waveform->sliderPosition()); });
     connect(m_waveform, &Waveform::selected, this, [this](int from, int to) {

@@ -35,6 +35,7 @@ void Catalogue::load()
     auto *voices = new VoicesJob(m_desk->kit(), this);
     connect(voices, &VoicesJob::succeeded, this, [=](const QVector<DubInfo> &list) {
         m_voices.setVoices(list);
+        m_hasVoices = true;
         end();
     });
     auto *music = new MusicJob(m_desk->kit(), this);
@@ -55,6 +56,8 @@ void Catalogue::load()
 }
 
 VoiceModel *Catalogue::voices() { return &m_voices; }
+
+bool Catalogue::hasVoices() const { return m_hasVoices; }
 
 QAbstractItemModel *Catalogue::music() { return &m_musicNames; }
 

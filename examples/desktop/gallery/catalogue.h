@@ -31,6 +31,9 @@ public:
 
     VoiceModel *voices();
 
+    /// Whether the service has named its voices, though they be none.
+    bool hasVoices() const;
+
     /// The names of the tracks.
     QAbstractItemModel *music();
     QString musicAddress(int row) const;
@@ -59,6 +62,7 @@ private:
     VoiceModel m_voices;
     QStringListModel m_musicNames;
     QVector<BgmInfo> m_music;
+    bool m_hasVoices = false;
     int m_pending = 0;                          ///< Lists that are asked for.
     QHash<QString, QVector<Waiting>> m_fetches; ///< That are under way, by their address.
     QTemporaryDir m_folder;

@@ -159,8 +159,11 @@ void GalleryPage::onLoaded()
 void GalleryPage::showCounts()
 {
     const int all = m_filter.sourceModel()->rowCount();
-    m_count->setText(all == 0 ? tr("The catalogue is empty")
-                              : tr("%1 of %2 voices").arg(m_filter.rowCount()).arg(all));
+    if (all > 0)
+        m_count->setText(tr("%1 of %2 voices").arg(m_filter.rowCount()).arg(all));
+    else
+        m_count->setText(m_desk->catalogue()->hasVoices() ? tr("The catalogue is empty")
+                                                          : QString());
 }
 
 void GalleryPage::listen(const QString &address)

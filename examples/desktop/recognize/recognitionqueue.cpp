@@ -2,6 +2,7 @@
 
 #include "common/desk.h"
 #include "hostkit/recognizejob.h"
+#include "recognize/keptrows.h"
 
 #include <QFileInfo>
 
@@ -11,22 +12,35 @@ RecognitionQueue::RecognitionQueue(Desk *desk, QObject *parent)
     : QAbstractTableModel(parent)
     , m_desk(desk)
 {
+    const QVector<KeptRow> rows = KeptRows::load();
+    for (const KeptRow &row : rows) {
+        Entry entry;
+        entry.name = row.name;
+        entry.path = row.path;
+        entry.state = row.isDone ? State::Done : State::Failed;
+        entry.text = row.text;
+        entry.reason =
+            row.reason.isEmpty() ? tr("the window was closed before it was done") : row.reason;
+        m_entries.append(entry);
+    }
 }
 
 void RecognitionQueue::add(const QString &path)
 {
     Entry entry;
-    entry.id = ++m_lastId;
+    entry.name = KeptRows::newName();
     entry.path = path;
     beginInsertRows({}, m_entries.size(), m_entries.size());
     m_entries.append(entry);
     endInsertRows();
+    keep(m_entries.size() - 1);
     startNext();
 }
 
 void RecognitionQueue::remove(int row)
 {
     cancel(row);
+    KeptRows::forget(m_entries.at(row).name);
     beginRemoveRows({}, row, row);
     m_entries.removeAt(row);
     endRemoveRows();
@@ -40,7 +54,8 @@ void RecognitionQueue::cancel(int row)
     } else if (entry.state == State::Waiting) {
         entry.state = State::Failed;
         entry.reason = tr("cancelled");
-        change(&entry);
+        change(row);
+        keep(row);
     }
 }
 
@@ -50,9 +65,7 @@ void RecognitionQueue::retry(int row)
     if (entry.state == State::Waiting || entry.state == State::UnderWay)
         return;
     entry.state = State::Waiting;
-    entry.text.clear();
-    entry.reason.clear();
-    change(&entry);
+    change(row);
     startNext();
 }
 
@@ -127,13 +140,6 @@ QString RecognitionQueue::progressText(const Entry &entry) const
     return {};
 }
 
-RecognitionQueue::Entry *RecognitionQueue::find(int id)
-{
-    const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
-                                    [id](const Entry &entry) { return entry.id == id; });
-    return entry == m_entries.end() ? nullptr : &*entry;
-}
-
 void RecognitionQueue::startNext()
 {
     const auto next = std::find_if(m_entries.begin(), m_entries.end(), [](const Entry &entry) {
@@ -144,48 +150,60 @@ void RecognitionQueue::startNext()
     next->state = State::UnderWay;
     next->percent = -1;
     next->progress = tr("asking the service");
-    m_current = next->id;
+    const int row = int(next - m_entries.begin());
+    m_current = index(row, 0);
     m_job = new RecognizeJob(m_desk->kit(), next->path, Job::Form::ByLength, this);
     connect(m_job, &Job::progressed, this, &RecognitionQueue::onProgress);
     connect(m_job, &RecognizeJob::succeeded, this,
             [this](const QString &text) { end(State::Done, text, {}); });
     connect(m_job, &Job::failed, this,
             [this](const Reason &reason) { end(State::Failed, {}, reason.line()); });
-    change(next);
+    change(row);
     m_desk->run(m_job.data(), tr("Recognition"));
 }
 
 void RecognitionQueue::onProgress(Job::Stage stage, qint64 done, qint64 total)
 {
-    Entry *entry = find(m_current);
-    if (!entry)
+    if (!m_current.isValid())
         return;
-    entry->percent = -1;
+    Entry &entry = m_entries[m_current.row()];
+    entry.percent = -1;
     if (stage == Job::Stage::Uploading && total > 0) {
-        entry->percent = int(100 * done / total);
-        entry->progress = tr("uploading, %1 %").arg(entry->percent);
+        entry.percent = int(100 * done / total);
+        entry.progress = tr("uploading, %1 %").arg(entry.percent);
     } else if (stage == Job::Stage::Working) {
-        entry->progress = tr("the service works on it, %1 s").arg(done);
+        entry.progress = tr("the service works on it, %1 s").arg(done);
     } else {
-        entry->progress = tr("asking the service");
+        entry.progress = tr("asking the service");
     }
-    change(entry);
+    change(m_current.row());
 }
 
 void RecognitionQueue::end(State state, const QString &text, const QString &reason)
 {
     m_job = nullptr;
-    if (Entry *entry = find(m_current)) {
-        entry->state = state;
-        entry->text = text;
-        entry->reason = reason;
-        change(entry);
+    if (m_current.isValid()) {
+        Entry &entry = m_entries[m_current.row()];
+        entry.state = state;
+        entry.reason = reason;
+        if (state == State::Done)
+            entry.text = text;
+        change(m_current.row());
+        keep(m_current.row());
     }
     startNext();
 }
 
-void RecognitionQueue::change(const Entry *entry)
+void RecognitionQueue::change(int row)
 {
-    const int row = int(entry - m_entries.constData());
     Q_EMIT dataChanged(index(row, 0), index(row, Columns - 1));
+}
+
+void RecognitionQueue::keep(int row)
+{
+    const Entry &entry = m_entries.at(row);
+    const QString problem = KeptRows::keep(
+        {entry.name, entry.path, entry.state == State::Done, entry.text, entry.reason});
+    if (!problem.isEmpty())
+        Q_EMIT notKept(problem);
 }

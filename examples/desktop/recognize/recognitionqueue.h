@@ -3,13 +3,15 @@
 #include "hostkit/job.h"
 
 #include <QAbstractTableModel>
+#include <QPersistentModelIndex>
 #include <QPointer>
 #include <QVector>
 
 class Desk;
 class RecognizeJob;
 
-/// The recordings to be recognised, one after the other, and what came of them.
+/// The recordings to be recognised, one after the other, and what came of them. The rows are kept
+/// for the next start, until they are removed.
 class RecognitionQueue : public QAbstractTableModel
 {
     Q_OBJECT
@@ -22,17 +24,19 @@ public:
         PercentRole = Qt::UserRole, ///< 0 to 100, -1 where nobody knows; not valid: no progress.
     };
 
+    /// Has the rows that were kept. One that was not done then has failed.
     explicit RecognitionQueue(Desk *desk, QObject *parent = nullptr);
 
     /// Appends the file @p path.
     void add(const QString &path);
 
+    /// The recording itself stays.
     void remove(int row);
 
     /// Ends a row that waits or is under way.
     void cancel(int row);
 
-    /// Puts a row that has ended to work once more.
+    /// Puts a row that has ended to work once more. The text stays until there is another.
     void retry(int row);
 
     State state(int row) const;
@@ -46,29 +50,32 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
 
+Q_SIGNALS:
+    /// A row will not be there at the next start, for the reason @p why.
+    void notKept(const QString &why);
+
 private:
     struct Entry
     {
-        int id = 0;
+        QString name; ///< Under which it is kept.
         QString path;
         State state = State::Waiting;
         QString progress;
         int percent = -1;
-        QString text;   ///< Of a row that is done.
-        QString reason; ///< Of one that failed.
+        QString text;   ///< What was recognised, now or before.
+        QString reason; ///< Of a row that failed.
     };
 
     QString statusText(State state) const;
     QString progressText(const Entry &entry) const;
-    Entry *find(int id);
     void startNext();
     void onProgress(Job::Stage stage, qint64 done, qint64 total);
     void end(State state, const QString &text, const QString &reason);
-    void change(const Entry *entry);
+    void change(int row);
+    void keep(int row);
 
     Desk *m_desk;
     QVector<Entry> m_entries;
-    int m_lastId = 0;
-    QPointer<RecognizeJob> m_job; ///< Of the row that is under way.
-    int m_current = 0;            ///< The identifier of that row.
+    QPointer<RecognizeJob> m_job;    ///< Of the row that is under way.
+    QPersistentModelIndex m_current; ///< That row; not valid: it was removed.
 };

@@ -6,6 +6,7 @@
 #include "recognize/progressdelegate.h"
 
 #include <QClipboard>
+#include <QDir>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -14,8 +15,19 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStandardPaths>
 #include <QTreeView>
 #include <QVBoxLayout>
+
+namespace {
+
+QString recordings()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::MusicLocation)
+           + QStringLiteral("/vodesk");
+}
+
+} // namespace
 
 RecognizePage::RecognizePage(Desk *desk, QWidget *parent)
     : QWidget(parent)
@@ -42,7 +54,6 @@ RecognizePage::RecognizePage(Desk *desk, QWidget *parent)
     m_text->setReadOnly(true);
     m_text->setTabChangesFocus(true);
     m_text->setAccessibleName(tr("Recognised text"));
-    m_text->setPlaceholderText(tr("The text of the recording that is chosen above"));
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_notice);
     layout->addLayout(makeSources());
@@ -56,6 +67,9 @@ RecognizePage::RecognizePage(Desk *desk, QWidget *parent)
             &RecognizePage::showRow);
     connect(&m_queue, &QAbstractItemModel::dataChanged, this, &RecognizePage::showRow);
     connect(&m_queue, &QAbstractItemModel::rowsRemoved, this, &RecognizePage::showRow);
+    connect(&m_queue, &RecognitionQueue::notKept, this, [this](const QString &why) {
+        m_notice->tell(tr("The result will not be here at the next start: %1").arg(why));
+    });
     showRow();
 }
 
@@ -71,19 +85,21 @@ void RecognizePage::add(const QStringList &paths)
 QLayout *RecognizePage::makeSources()
 {
     auto *choose = new QPushButton(tr("&Add files..."));
-    auto *hint = new QLabel(tr("WAV files can also be dropped on the window"));
+    auto *hint =
+        new QLabel(tr("WAV files can also be dropped on the window. Recordings are kept in %1")
+                       .arg(QDir::toNativeSeparators(recordings())));
+    hint->setTextFormat(Qt::PlainText);
     hint->setWordWrap(true);
     m_level->setRange(0, 100);
     m_level->setTextVisible(false);
     m_level->setAccessibleName(tr("Level of the microphone"));
     m_level->setVisible(false);
-    if (!Recorder::isPossible()) {
-        m_record->setEnabled(false);
-        hint->setText(tr("No microphone was found. WAV files can also be dropped on the window"));
-    }
     connect(choose, &QPushButton::clicked, this, &RecognizePage::chooseFiles);
     connect(m_record, &QPushButton::clicked, this, &RecognizePage::record);
     connect(&m_recorder, &Recorder::level, m_level, &QProgressBar::setValue);
+    connect(&m_recorder, &Recorder::failed, this, [this](const QString &why) {
+        endRecording(tr("The recording has ended: %1. What came before is kept.").arg(why));
+    });
     auto *sources = new QHBoxLayout;
     sources->addWidget(choose);
     sources->addWidget(m_record);
@@ -132,13 +148,27 @@ void RecognizePage::chooseFiles()
 void RecognizePage::record()
 {
     if (m_recorder.isRecording()) {
-        const QString problem = m_recorder.stop();
-        add({m_recording});
-        m_notice->tell(problem);
+        m_recorder.stop();
+        endRecording({});
+    } else if (!Recorder::isPossible()) {
+        m_notice->tell(tr("No microphone was found"));
     } else {
-        m_recording = m_folder.filePath(tr("Recording %1.wav").arg(++m_recordings));
-        m_notice->tell(m_recorder.start(m_recording));
+        const QString problem = m_recorder.start(recordings());
+        m_notice->tell(problem.isEmpty() ? QString()
+                                         : tr("Nothing can be recorded: %1").arg(problem));
+        showRecording();
     }
+}
+
+void RecognizePage::endRecording(const QString &problem)
+{
+    add({m_recorder.path()});
+    m_notice->tell(problem);
+    showRecording();
+}
+
+void RecognizePage::showRecording()
+{
     m_record->setText(m_recorder.isRecording() ? tr("&End the recording") : tr("&Record"));
     m_level->setVisible(m_recorder.isRecording());
 }
@@ -153,6 +183,9 @@ void RecognizePage::showRow()
     }
     if (const QString text = isAny ? m_queue.text(row()) : QString(); text != m_text->toPlainText())
         m_text->setPlainText(text);
+    const QString reason = isAny ? m_queue.reason(row()) : QString();
+    m_text->setPlaceholderText(
+        reason.isEmpty() ? tr("The text of the recording that is chosen above") : reason);
     showButtons();
 }
 

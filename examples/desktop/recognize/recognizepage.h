@@ -3,7 +3,6 @@
 #include "audio/recorder.h"
 #include "recognize/recognitionqueue.h"
 
-#include <QTemporaryDir>
 #include <QWidget>
 
 class Notice;
@@ -13,7 +12,7 @@ class QProgressBar;
 class QPushButton;
 class QTreeView;
 
-/// Recognises files and what is recorded here.
+/// Recognises files and what is recorded here. Recordings are kept in the user's folder of music.
 class RecognizePage : public QWidget
 {
     Q_OBJECT
@@ -31,6 +30,8 @@ private:
     QLayout *makeTextButtons();
     void chooseFiles();
     void record();
+    void endRecording(const QString &problem);
+    void showRecording();
     void showRow();
     void showButtons();
     void saveText();
@@ -49,8 +50,5 @@ private:
     PlayerPanel *m_panel;
     QPlainTextEdit *m_text;
     Notice *m_notice;
-    QTemporaryDir m_folder;
-    int m_recordings = 0; ///< That were made in the folder.
-    QString m_recording;  ///< The file that is being recorded.
-    QString m_shown;      ///< The file in the panel.
+    QString m_shown; ///< The file in the panel.
 };

@@ -3,8 +3,6 @@
 #include <QLocale>
 #include <QRegularExpression>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int mostEntries = 500;
@@ -23,7 +21,7 @@ RequestLog::RequestLog(QObject *parent)
 {
 }
 
-int RequestLog::begin(const QString &operation)
+QPersistentModelIndex RequestLog::begin(const QString &operation)
 {
     if (m_entries.size() == mostEntries) {
         beginRemoveRows({}, mostEntries - 1, mostEntries - 1);
@@ -31,29 +29,29 @@ int RequestLog::begin(const QString &operation)
         endRemoveRows();
     }
     Entry entry;
-    entry.id = ++m_lastId;
     entry.since = QDateTime::currentDateTime();
     entry.elapsed.start();
     entry.operation = operation;
     beginInsertRows({}, 0, 0);
     m_entries.prepend(entry);
     endInsertRows();
-    return entry.id;
+    return index(0, 0);
 }
 
-void RequestLog::end(int id, const Reason &reason)
+void RequestLog::end(const QPersistentModelIndex &entry, const Reason &reason)
 {
-    const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
-                                    [id](const Entry &entry) { return entry.id == id; });
-    if (entry == m_entries.end() || entry->duration >= 0)
+    const int row = entry.row();
+    if (row < 0 || m_entries.at(row).duration >= 0)
         return;
-    entry->duration = entry->elapsed.elapsed();
-    entry->reason = reason;
-    const int row = int(entry - m_entries.begin());
+    m_entries[row].duration = m_entries.at(row).elapsed.elapsed();
+    m_entries[row].reason = reason;
     Q_EMIT dataChanged(index(row, 0), index(row, Columns - 1));
 }
 
-void RequestLog::abandon(int id) { end(id, {Reason::Kind::Cancelled, tr("given up")}); }
+void RequestLog::abandon(const QPersistentModelIndex &entry)
+{
+    end(entry, {Reason::Kind::Cancelled, tr("given up")});
+}
 
 QString RequestLog::report() const
 {

@@ -5,6 +5,7 @@
 #include <QAbstractTableModel>
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <QPersistentModelIndex>
 #include <QVector>
 
 /// The last operations that were asked of the service, the newest first. It holds neither texts nor
@@ -21,13 +22,14 @@ public:
     explicit RequestLog(QObject *parent = nullptr);
 
     /// Adds an operation that begins now. Returns what end() needs.
-    int begin(const QString &operation);
+    QPersistentModelIndex begin(const QString &operation);
 
-    /// Ends the entry: @p reason says why it failed, none that it succeeded.
-    void end(int entry, const Reason &reason);
+    /// Ends the entry, unless it has ended or is forgotten: @p reason says why it failed, none that
+    /// it succeeded.
+    void end(const QPersistentModelIndex &entry, const Reason &reason);
 
-    /// Ends the entry, unless it has ended, because nobody waits for it any more.
-    void abandon(int entry);
+    /// Ends the entry in the same way because nobody waits for it any more.
+    void abandon(const QPersistentModelIndex &entry);
 
     /// All rows as lines of text, the columns separated by tabs.
     QString report() const;
@@ -41,7 +43,6 @@ public:
 private:
     struct Entry
     {
-        int id = 0;
         QDateTime since;
         QElapsedTimer elapsed;
         QString operation;
@@ -52,5 +53,4 @@ private:
     QString text(const Entry &entry, int column) const;
 
     QVector<Entry> m_entries; ///< The newest first.
-    int m_lastId = 0;
 };

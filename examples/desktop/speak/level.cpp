@@ -19,10 +19,14 @@ Level::Level(const QString &name, int lowest, int highest, int value, QWidget *p
     layout->addWidget(m_slider, 1);
     layout->addWidget(number);
     setFocusProxy(m_slider);
-    connect(m_slider, &QSlider::valueChanged, number, QOverload<int>::of(&QLabel::setNum));
+    const auto show = [=](int value) {
+        number->setNum(value);
+        number->setAccessibleName(tr("%1: %2").arg(name).arg(value));
+    };
+    connect(m_slider, &QSlider::valueChanged, this, show);
     connect(m_slider, &QSlider::valueChanged, this, &Level::changed);
     m_slider->setValue(value);
-    number->setNum(value);
+    show(value);
 }
 
 int Level::value() const { return m_slider->value(); }

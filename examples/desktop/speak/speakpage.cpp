@@ -7,11 +7,12 @@
 #include "common/notice.h"
 #include "gallery/catalogue.h"
 #include "hostkit/limits.h"
-#include "hostkit/tokenkeeper.h"
+#include "hostkit/privatefiles.h"
 #include "hostkit/wholefile.h"
 #include "speak/level.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFormLayout>
@@ -22,6 +23,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QShortcut>
+#include <QStandardPaths>
 #include <QVBoxLayout>
 
 namespace {
@@ -31,6 +33,11 @@ constexpr int standardRate = 16000;
 constexpr int mixDelay = 300; // ms
 
 int characters(const QString &text) { return text.toUcs4().size(); }
+
+QDir dataFolder() { return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation); }
+
+// The text is no setting: Qt does not tell when settings could not be written.
+QString textFile() { return dataFolder().filePath(QStringLiteral("text.txt")); }
 
 } // namespace
 
@@ -67,7 +74,7 @@ SpeakPage::SpeakPage(Desk *desk, QWidget *parent)
     m_mixSoon.setInterval(mixDelay);
     connect(&m_mixSoon, &QTimer::timeout, this, &SpeakPage::mix);
     connect(desk->catalogue(), &Catalogue::loaded, this, &SpeakPage::onLoaded);
-    connect(desk->kit()->tokens(), &TokenKeeper::changed, this, &SpeakPage::showCount);
+    connect(desk, &Desk::sessionChanged, this, &SpeakPage::showCount);
     restoreState();
     onLoaded();
 }
@@ -88,11 +95,11 @@ QWidget *SpeakPage::makeText()
     buttons->addWidget(m_save);
     buttons->addWidget(m_progress, 1);
     buttons->addStretch();
-    buttons->addWidget(m_count);
     auto *text = new QWidget;
     auto *layout = new QVBoxLayout(text);
     layout->setContentsMargins({});
     layout->addWidget(m_text);
+    layout->addWidget(m_count, 0, Qt::AlignRight);
     layout->addLayout(buttons);
 
     connect(m_text, &QPlainTextEdit::textChanged, this, &SpeakPage::showCount);
@@ -110,18 +117,22 @@ QWidget *SpeakPage::makeChoices()
     m_rate->setCurrentIndex(m_rate->findData(standardRate));
     m_voice->setModel(m_desk->catalogue()->voices());
     m_voice->setIconSize({28, 28});
+    m_voice->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_voice->setMinimumContentsLength(8);
     m_about->setWordWrap(true);
     m_about->setTextFormat(Qt::PlainText);
     m_music->setObjectName(QStringLiteral("music"));
     auto *voice = new QHBoxLayout;
-    voice->addWidget(m_about, 1);
+    voice->addWidget(m_voice, 1);
     voice->addWidget(m_sample);
+    auto *voiceLabel = new QLabel(tr("Vo&ice"));
+    voiceLabel->setBuddy(m_voice);
     auto *choices = new QWidget;
     auto *form = new QFormLayout(choices);
     form->setContentsMargins({});
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    form->addRow(tr("Voice"), m_voice);
-    form->addRow(voice);
+    form->addRow(voiceLabel, voice);
+    form->addRow(m_about);
     form->addRow(tr("Sp&eed"), m_speed);
     form->addRow(tr("Pit&ch"), m_pitch);
     form->addRow(tr("Vo&lume"), m_volume);
@@ -159,24 +170,38 @@ void SpeakPage::chooseVoice(const QString &param)
     showVoice();
 }
 
-void SpeakPage::keepState() const
+QString SpeakPage::keepState()
 {
     QSettings settings;
     settings.beginGroup(QStringLiteral("speak"));
-    settings.setValue(QStringLiteral("text"), m_text->toPlainText());
     settings.setValue(QStringLiteral("voice"), m_voiceParam);
     settings.setValue(QStringLiteral("rate"), speech().sampleRate);
     settings.setValue(QStringLiteral("speed"), m_speed->value());
     settings.setValue(QStringLiteral("pitch"), m_pitch->value());
     settings.setValue(QStringLiteral("volume"), m_volume->value());
     settings.setValue(QStringLiteral("musicLevel"), m_musicLevel->value());
+    const QString text = m_text->toPlainText();
+    if (text == m_keptText)
+        return {};
+    QString problem = PrivateFiles::claimFolder(dataFolder().path());
+    if (problem.isEmpty())
+        problem = WholeFile::write(textFile(), text.toUtf8(), QFile::ReadOwner | QFile::WriteOwner);
+    if (problem.isEmpty())
+        m_keptText = text;
+    else
+        m_notice->tell(tr("The text will not be here at the next start: %1. Copy it elsewhere, or "
+                          "close the window once more to give it up.")
+                           .arg(problem));
+    return problem;
 }
 
 void SpeakPage::restoreState()
 {
     QSettings settings;
     settings.beginGroup(QStringLiteral("speak"));
-    m_text->setPlainText(settings.value(QStringLiteral("text")).toString());
+    if (QFile file(textFile()); file.open(QIODevice::ReadOnly))
+        m_keptText = QString::fromUtf8(file.readAll());
+    m_text->setPlainText(m_keptText);
     m_voiceParam = settings.value(QStringLiteral("voice")).toString();
     const int rate = settings.value(QStringLiteral("rate"), standardRate).toInt();
     m_rate->setCurrentIndex(qMax(0, m_rate->findData(rate)));
@@ -190,8 +215,11 @@ void SpeakPage::restoreState()
 
 void SpeakPage::showVoice()
 {
-    m_about->setText(m_voice->currentData(Qt::ToolTipRole).toString());
-    m_sample->setEnabled(m_voice->currentIndex() >= 0);
+    const bool isAny = m_voice->currentIndex() >= 0;
+    m_about->setText(!isAny && m_desk->catalogue()->hasVoices()
+                         ? tr("The service has named no voice")
+                         : m_voice->currentData(Qt::ToolTipRole).toString());
+    m_sample->setEnabled(isAny);
 }
 
 void SpeakPage::showCount()

@@ -33,8 +33,9 @@ public:
     /// Saves what was spoken last into the file @p path; a failure is told on the page.
     void save(const QString &path);
 
-    /// Keeps the text and the choices for the next start.
-    void keepState() const;
+    /// Keeps the text and the choices for the next start. Returns why the text is not kept; empty:
+    /// it is. The page tells it as well.
+    QString keepState();
 
 private:
     QWidget *makeChoices();
@@ -79,5 +80,6 @@ private:
     int m_files = 0;      ///< That were made in the folder.
     QString m_spoken;     ///< The file with the voice alone; empty: nothing was spoken.
     QString m_audio;      ///< The file that is shown and saved.
+    QString m_keptText;   ///< The text as it will be there at the next start.
     QString m_voiceParam; ///< The voice, also while the voices are not known.
 };

@@ -7,6 +7,11 @@
 #include <QStandardPaths>
 #include <QUrl>
 
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <sys/prctl.h>
+#endif
+
 namespace {
 
 constexpr int patience = 6000; // ms; the service ends within five seconds
@@ -59,6 +64,13 @@ void ServiceProcess::start()
         return;
     m_lastError.clear();
     m_process.start(program(), {QStringLiteral("--port"), QString::number(address().port(443))});
+}
+
+void ServiceProcess::Process::setupChildProcess()
+{
+#ifdef Q_OS_LINUX
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+#endif
 }
 
 void ServiceProcess::onOutput()

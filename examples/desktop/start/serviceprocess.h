@@ -5,7 +5,8 @@
 #include <QProcess>
 #include <QString>
 
-/// The local service of the same build, in a process that ends with this object.
+/// The local service of the same build, in a process that ends with this object and, on Linux, with
+/// the program, even where that is killed.
 class ServiceProcess : public QObject
 {
     Q_OBJECT
@@ -35,6 +36,13 @@ private:
     void onOutput();
     void onEnd();
 
-    QProcess m_process;
+    /// The process ends with the thread that starts it.
+    class Process : public QProcess
+    {
+    protected:
+        void setupChildProcess() override;
+    };
+
+    Process m_process;
     QByteArray m_lastError;
 };

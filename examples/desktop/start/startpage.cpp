@@ -2,13 +2,12 @@
 
 #include "common/notice.h"
 #include "hostkit/hostkit.h"
-#include "hostkit/trust.h"
+#include "start/authority.h"
 #include "start/serviceprocess.h"
 
 #include <QFileDialog>
 #include <QLabel>
 #include <QPushButton>
-#include <QSettings>
 #include <QVBoxLayout>
 
 StartPage::StartPage(ServiceProcess *service, QWidget *parent)
@@ -45,18 +44,22 @@ StartPage::StartPage(ServiceProcess *service, QWidget *parent)
 
     connect(m_start, &QPushButton::clicked, this, &StartPage::startService);
     connect(authority, &QPushButton::clicked, this, &StartPage::chooseAuthority);
-    connect(again, &QPushButton::clicked, this, &StartPage::retried);
-    connect(m_service, &ServiceProcess::ready, this, &StartPage::trust);
-    connect(m_service, &ServiceProcess::failed, this, [this](const QString &why) {
-        m_start->setEnabled(true);
-        explain(tr("The local service could not be started: %1").arg(why));
+    connect(again, &QPushButton::clicked, this, [this] {
+        m_problem.clear();
+        tryAgain();
     });
+    connect(m_service, &ServiceProcess::ready, this, &StartPage::trust);
+    connect(m_service, &ServiceProcess::failed, this, &StartPage::onFailed);
 }
 
-void StartPage::explain(const QString &why) { m_notice->tell(why); }
+void StartPage::explain(const QString &why)
+{
+    m_notice->tell(m_problem.isEmpty() ? why : why + QLatin1Char('\n') + m_problem);
+}
 
 void StartPage::startService()
 {
+    m_problem.clear();
     m_start->setEnabled(false);
     explain(tr("The local service is being started..."));
     m_service->start();
@@ -74,8 +77,22 @@ void StartPage::chooseAuthority()
 void StartPage::trust(const QString &authority)
 {
     m_start->setEnabled(!ServiceProcess::program().isEmpty());
-    if (const QString problem = Trust::add(authority); !problem.isEmpty())
+    if (const QString problem = Authority::trust(authority); !problem.isEmpty())
         return explain(problem);
-    QSettings().setValue(QStringLiteral("authority"), authority);
+    Q_EMIT retried();
+}
+
+// Another window may have started one, which has the port and the data folder then.
+void StartPage::onFailed(const QString &why)
+{
+    m_start->setEnabled(true);
+    m_problem = tr("The local service does not run: %1").arg(why);
+    m_notice->tell(m_problem);
+    tryAgain();
+}
+
+void StartPage::tryAgain()
+{
+    Authority::trustLast();
     Q_EMIT retried();
 }

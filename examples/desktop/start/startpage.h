@@ -15,7 +15,7 @@ class StartPage : public QWidget
 public:
     explicit StartPage(ServiceProcess *service, QWidget *parent = nullptr);
 
-    /// Says why the service cannot be used.
+    /// Says why the service cannot be used, and why it could not be started.
     void explain(const QString &why);
 
 Q_SIGNALS:
@@ -24,10 +24,13 @@ Q_SIGNALS:
 
 private:
     void startService();
+    void onFailed(const QString &why);
+    void tryAgain();
     void chooseAuthority();
     void trust(const QString &authority);
 
     ServiceProcess *m_service;
     Notice *m_notice;
     QPushButton *m_start;
+    QString m_problem; ///< Why the local service could not be started; empty: nobody tried.
 };

@@ -87,6 +87,10 @@
         <source>no usable picture of the code came</source>
         <translation>没有得到可用的二维码图片</translation>
     </message>
+    <message>
+        <source>The code has expired</source>
+        <translation>二维码已过期</translation>
+    </message>
 </context>
 <context>
     <name>Catalogue</name>
@@ -272,6 +276,17 @@
         <source>cancelled</source>
         <translation>已取消</translation>
     </message>
+    <message>
+        <source>nothing was heard for %1 s</source>
+        <translation>%1 秒内没有任何回应</translation>
+    </message>
+</context>
+<context>
+    <name>Level</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1:%2</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -306,6 +321,10 @@
     <message>
         <source>Question for updates</source>
         <translation>检查更新</translation>
+    </message>
+    <message>
+        <source>The service cannot &amp;be reached. Look for it</source>
+        <translation>无法连接服务，重新查找(&amp;B)</translation>
     </message>
 </context>
 <context>
@@ -504,6 +523,10 @@
         <source>failed</source>
         <translation>失败</translation>
     </message>
+    <message>
+        <source>the window was closed before it was done</source>
+        <translation>窗口在完成之前已关闭</translation>
+    </message>
 </context>
 <context>
     <name>RecognizeJob</name>
@@ -563,24 +586,12 @@
         <translation>添加文件(&amp;A)...</translation>
     </message>
     <message>
-        <source>WAV files can also be dropped on the window</source>
-        <translation>也可以把 WAV 文件拖到窗口中</translation>
-    </message>
-    <message>
         <source>Level of the microphone</source>
         <translation>麦克风音量</translation>
     </message>
     <message>
-        <source>No microphone was found. WAV files can also be dropped on the window</source>
-        <translation>未找到麦克风。也可以把 WAV 文件拖到窗口中</translation>
-    </message>
-    <message>
         <source>WAV files (*.wav)</source>
         <translation>WAV 文件 (*.wav)</translation>
-    </message>
-    <message>
-        <source>Recording %1.wav</source>
-        <translation>录音 %1.wav</translation>
     </message>
     <message>
         <source>&amp;End the recording</source>
@@ -598,12 +609,40 @@
         <source>%1 could not be written: %2</source>
         <translation>无法写入 %1:%2</translation>
     </message>
+    <message>
+        <source>The result will not be here at the next start: %1</source>
+        <translation>下次启动时将没有此结果:%1</translation>
+    </message>
+    <message>
+        <source>WAV files can also be dropped on the window. Recordings are kept in %1</source>
+        <translation>也可以把 WAV 文件拖放到窗口中。录音保存在 %1</translation>
+    </message>
+    <message>
+        <source>The recording has ended: %1. What came before is kept.</source>
+        <translation>录音已结束:%1。此前的内容已保存。</translation>
+    </message>
+    <message>
+        <source>No microphone was found</source>
+        <translation>未找到麦克风</translation>
+    </message>
+    <message>
+        <source>Nothing can be recorded: %1</source>
+        <translation>无法录音:%1</translation>
+    </message>
 </context>
 <context>
     <name>Recorder</name>
     <message>
         <source>the microphone cannot be used</source>
         <translation>无法使用麦克风</translation>
+    </message>
+    <message>
+        <source>the microphone is gone</source>
+        <translation>麦克风已断开</translation>
+    </message>
+    <message>
+        <source>the folder %1 cannot be made</source>
+        <translation>无法创建文件夹 %1</translation>
     </message>
 </context>
 <context>
@@ -779,10 +818,6 @@
         <translation>%1 Hz</translation>
     </message>
     <message>
-        <source>Voice</source>
-        <translation>声音</translation>
-    </message>
-    <message>
         <source>Sp&amp;eed</source>
         <translation>语速(&amp;E)</translation>
     </message>
@@ -842,6 +877,18 @@
         <source>%1 could not be written: %2</source>
         <translation>无法写入 %1:%2</translation>
     </message>
+    <message>
+        <source>Vo&amp;ice</source>
+        <translation>声音(&amp;I)</translation>
+    </message>
+    <message>
+        <source>The text will not be here at the next start: %1. Copy it elsewhere, or close the window once more to give it up.</source>
+        <translation>下次启动时将没有此文本:%1。请将其复制到别处，或再次关闭窗口以放弃。</translation>
+    </message>
+    <message>
+        <source>The service has named no voice</source>
+        <translation>服务没有提供任何声音</translation>
+    </message>
 </context>
 <context>
     <name>StartPage</name>
@@ -870,10 +917,6 @@
         <translation>此版本不含本地服务</translation>
     </message>
     <message>
-        <source>The local service could not be started: %1</source>
-        <translation>无法启动本地服务:%1</translation>
-    </message>
-    <message>
         <source>The local service is being started...</source>
         <translation>正在启动本地服务...</translation>
     </message>
@@ -884,6 +927,10 @@
     <message>
         <source>Certificates (*.pem)</source>
         <translation>证书 (*.pem)</translation>
+    </message>
+    <message>
+        <source>The local service does not run: %1</source>
+        <translation>本地服务没有运行:%1</translation>
     </message>
 </context>
 <context>
