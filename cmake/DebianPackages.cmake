@@ -7,9 +7,10 @@ endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime development tools localservice)
+set(CPACK_COMPONENTS_ALL runtime development tools desktop localservice)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
+set(CPACK_COMPONENT_DESKTOP_DEPENDS runtime)
 set(CPACK_PACKAGE_CONTACT "VoNetwork maintainers <vonetwork@packages.example.org>")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION}) # cpack would leave the fourth number out
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has one of its own
@@ -52,6 +53,17 @@ set(CPACK_COMPONENT_TOOLS_DESCRIPTION
 "command line client of a speech web service
 Speaks texts, recognises recordings, lists voices and music, and fetches files,
 by the service for which the library was built.")
+
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME vodesk)
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_SECTION sound)
+# Without these plugins Qt finds no sound card.
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS libqt5multimedia5-plugins)
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_SUGGESTS vo-localservice)
+set(CPACK_COMPONENT_DESKTOP_DESCRIPTION
+"desktop client of a speech web service
+Speaks texts with background music, recognises recordings and what the
+microphone hears, and shows voices and music, by the service for which the
+library was built.")
 
 set(CPACK_DEBIAN_LOCALSERVICE_PACKAGE_NAME vo-localservice)
 set(CPACK_DEBIAN_LOCALSERVICE_PACKAGE_SECTION sound)

@@ -5,8 +5,8 @@ option(VONETWORK_INSTALL "Install the libraries, their headers and the programs"
     ${VONETWORK_IS_TOP_LEVEL})
 
 # What is installed comes in components: runtime (the shared library), development (the rest of what a
-# host is built with), tools (vospeak) and localservice. The files find each other by relative paths, so
-# the folder that they are installed to may be moved.
+# host is built with), tools (vospeak), desktop (vodesk) and localservice. The files find each other by
+# relative paths, so the folder that they are installed to may be moved.
 set(VONETWORK_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/vonetwork)
 
 # Installs a library with its public headers, which keep the name of the calling folder. It is called
@@ -40,7 +40,7 @@ function(vonetwork_install_program target component)
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component})
 endfunction()
 
-# Installs a document that the build makes.
+# Installs a document, or another file beside a program.
 function(vonetwork_install_document path folder component)
     if(VONETWORK_INSTALL)
         install(FILES ${path} DESTINATION ${folder} COMPONENT ${component})

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the Debian packages libvonetwork1, libvonetwork-dev, vospeak and vo-localservice into
+# Builds the Debian packages libvonetwork1, libvonetwork-dev, vospeak, vodesk and vo-localservice into
 # build/package/packages, and checks them with lintian. Two builds of a commit are the same.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the Debian packages, installs them in a fresh Debian 12, runs vospeak and the local service
-# there, removes the packages again, and fails if anything of them is left. Needs root, the network and
+# Builds the Debian packages, installs them in a fresh Debian 12, runs vospeak, vodesk and the local
+# service there, removes the packages again, and fails if anything of them is left. Needs root, the network and
 # 1 GB. Besides the build it takes about three minutes, most of them for the fresh root with the
 # dependencies; that is kept in build/package/root, and then it takes a minute.
 set -euo pipefail
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 scripts/packages.sh
 
 root=$PWD/build/package/root
-packages=(libvonetwork1 libvonetwork-dev vospeak vo-localservice)
+packages=(libvonetwork1 libvonetwork-dev vospeak vodesk vo-localservice)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -72,6 +72,7 @@ inside sh -c 'dpkg --install /packages/*.deb' >"$work/log" 2>&1 || { cat "$work/
 step "run"
 inside vospeak --version
 inside vospeak --help >"$work/help"
+inside env QT_QPA_PLATFORM=offscreen vodesk --version
 converse
 cp tests/consumer/project/main.cpp "$work"
 tests/consumer/pkg-config.sh c++ "$work" "$(dirname "$root"/usr/lib/*/pkgconfig/vonetwork.pc)"

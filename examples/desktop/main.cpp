@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 #include <QLoggingCategory>
 
 int main(int argc, char *argv[])
@@ -18,6 +19,8 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("VoNetwork"));
     QApplication::setApplicationName(QStringLiteral("vodesk"));
+    QApplication::setDesktopFileName(QStringLiteral("vodesk"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("vodesk")));
     QApplication::setApplicationVersion(VoNetwork::GetAppVersion());
     Translations::install(QLocale());
 
