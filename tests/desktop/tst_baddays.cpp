@@ -172,7 +172,8 @@ private Q_SLOTS:
         open();
         QCOMPARE(rows()->rowCount(), 2);
         for (int row = 0; row < 2; ++row)
-            QCOMPARE(reasonOfRow(row), QStringLiteral("the window was closed before it was done"));
+            QCOMPARE(reasonOfRow(row),
+                     QStringLiteral("it was not done when this window was opened"));
     }
 
     void aSessionThatAnotherWindowEndsIsNoticed()

@@ -20,7 +20,7 @@ RecognitionQueue::RecognitionQueue(Desk *desk, QObject *parent)
         entry.state = row.isDone ? State::Done : State::Failed;
         entry.text = row.text;
         entry.reason =
-            row.reason.isEmpty() ? tr("the window was closed before it was done") : row.reason;
+            row.reason.isEmpty() ? tr("it was not done when this window was opened") : row.reason;
         m_entries.append(entry);
     }
 }

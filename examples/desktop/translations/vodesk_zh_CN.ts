@@ -524,8 +524,8 @@
         <translation>失败</translation>
     </message>
     <message>
-        <source>the window was closed before it was done</source>
-        <translation>窗口在完成之前已关闭</translation>
+        <source>it was not done when this window was opened</source>
+        <translation>打开此窗口时它尚未完成</translation>
     </message>
 </context>
 <context>
