@@ -51,6 +51,7 @@ RecognizePage::RecognizePage(Desk *desk, QWidget *parent)
     m_rows->setUniformRowHeights(true);
     m_rows->setItemDelegateForColumn(RecognitionQueue::Progress, new ProgressDelegate(m_rows));
     m_rows->header()->resizeSection(RecognitionQueue::Recording, 240);
+    m_rows->header()->setSectionResizeMode(RecognitionQueue::Status, QHeaderView::ResizeToContents);
     m_text->setReadOnly(true);
     m_text->setTabChangesFocus(true);
     m_text->setAccessibleName(tr("Recognised text"));

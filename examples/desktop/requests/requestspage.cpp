@@ -18,7 +18,8 @@ RequestsPage::RequestsPage(Desk *desk, QWidget *parent)
     table->setRootIsDecorated(false);
     table->setUniformRowHeights(true);
     table->setAlternatingRowColors(true);
-    table->header()->resizeSection(RequestLog::Operation, 220);
+    for (int column = 0; column < RequestLog::Why; ++column)
+        table->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
 
     auto *copy = new QPushButton(tr("&Copy for a report"));
     copy->setToolTip(tr("Copies the list without texts, tokens and codes"));

@@ -116,7 +116,7 @@ QWidget *SpeakPage::makeChoices()
         m_rate->addItem(tr("%1 Hz").arg(rate), rate);
     m_rate->setCurrentIndex(m_rate->findData(standardRate));
     m_voice->setModel(m_desk->catalogue()->voices());
-    m_voice->setIconSize({28, 28});
+    m_voice->setIconSize({20, 20});
     m_voice->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_voice->setMinimumContentsLength(8);
     m_about->setWordWrap(true);
