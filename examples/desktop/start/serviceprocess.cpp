@@ -1,10 +1,8 @@
 #include "start/serviceprocess.h"
 
+#include "commands/localprogram.h"
 #include "hostkit/hostkit.h"
 
-#include <QCoreApplication>
-#include <QFileInfo>
-#include <QStandardPaths>
 #include <QUrl>
 
 #ifdef Q_OS_LINUX
@@ -15,8 +13,6 @@
 namespace {
 
 constexpr int patience = 6000; // ms; the service ends within five seconds
-
-QUrl address() { return QUrl(HostKit::serviceAddress()); }
 
 } // namespace
 
@@ -49,13 +45,7 @@ ServiceProcess::~ServiceProcess()
 
 QString ServiceProcess::program()
 {
-    if (address().host() != QLatin1String("localhost"))
-        return {};
-    const QString name = QStringLiteral("vo-localservice");
-    const QString here = QCoreApplication::applicationDirPath();
-    const QString found =
-        QStandardPaths::findExecutable(name, {here, here + QStringLiteral("/../../localservice")});
-    return found.isEmpty() ? QStandardPaths::findExecutable(name) : found;
+    return LocalProgram::isAsked() ? LocalProgram::path() : QString();
 }
 
 void ServiceProcess::start()
@@ -63,7 +53,8 @@ void ServiceProcess::start()
     if (m_process.state() != QProcess::NotRunning)
         return;
     m_lastError.clear();
-    m_process.start(program(), {QStringLiteral("--port"), QString::number(address().port(443))});
+    const int port = QUrl(HostKit::serviceAddress()).port(443);
+    m_process.start(program(), {QStringLiteral("--port"), QString::number(port)});
 }
 
 void ServiceProcess::Process::setupChildProcess()
