@@ -7,6 +7,8 @@
 #include "tests/system/program.h"
 
 #include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMap>
 #include <QtTest>
 
@@ -84,6 +86,17 @@ private Q_SLOTS:
         else
             verifyFailure(outcome, tls,
                           "the proxy wants a user and a password that it knows (see --proxy)");
+    }
+
+    void aProxyThatRefusesIsToldAsJson()
+    {
+        const QString wrong = proxy(QStringLiteral("http"), QStringLiteral("reader:guess@"));
+        const Outcome outcome =
+            fetch(true, {QStringLiteral("--json"), QStringLiteral("--proxy"), wrong});
+        const QJsonObject error =
+            QJsonDocument::fromJson(outcome.err).object().value(QStringLiteral("error")).toObject();
+        QCOMPARE(error.value(QStringLiteral("kind")).toString(), QStringLiteral("proxy"));
+        QCOMPARE(error.value(QStringLiteral("status")).toInt(), 3);
     }
 
     void theEnvironmentChoosesTheProxy_data()

@@ -483,6 +483,17 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_home->sessionFile()));
     }
 
+    void anExpiredCodeIsToldAsJson()
+    {
+        m_server.answer(code(in(-5)));
+        m_server.answer(ScriptedServer::reply(codePicture()));
+        m_server.answer(status(0));
+        const Outcome outcome = run(arguments("login --qr --json"));
+        QCOMPARE(lastLine(outcome.err),
+                 QByteArray("{\"error\":{\"kind\":\"expired\",\"message\":\"the code has expired\","
+                            "\"status\":1}}"));
+    }
+
     void anEmptyLineOrTheEndOfTheInputIsNoCode_data()
     {
         QTest::addColumn<QByteArray>("input");
