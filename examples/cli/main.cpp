@@ -58,6 +58,12 @@ void setHints()
     Reason::setHint(Kind::TimedOut, QStringLiteral(" (see --timeout)"));
 }
 
+// Whether the user can go on later with what ended with @p status.
+bool isLeft(int status)
+{
+    return status == NoNetwork || status == Interrupted || status == Terminated;
+}
+
 int carryOut(const Options &options)
 {
     const FailureReasons reasons;
@@ -84,7 +90,7 @@ int carryOut(const Options &options)
     progress.clear();
     if (!ending.reason().isNone())
         Failures::tell(ending.reason(), options.json);
-    else if (status != Success && !command->wayOn().isEmpty())
+    if (isLeft(status) && !command->wayOn().isEmpty())
         progress.tell(command->wayOn());
     return status;
 }

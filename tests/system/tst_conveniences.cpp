@@ -236,6 +236,18 @@ private Q_SLOTS:
         QVERIFY2(lines.join('\n').endsWith(line + '\n'), lines.join('\n').constData());
     }
 
+    void aTaskThatTookTooLongSaysHowToGoOn()
+    {
+        m_server.answer(Answers::task(), ScriptedServer::Then::KeepOpen);
+        m_server.answer(silence, ScriptedServer::Then::KeepOpen);
+        Terminal terminal;
+        Program program(withToken("recognize https://a/b.wav --long --timeout 1"), terminal.name());
+        QCOMPARE(program.outcome().status, 3);
+        QVERIFY2(terminal.read().endsWith("vospeak: it took longer than 1 s (see --timeout)\n"
+                                          "the service goes on; vospeak task t gets the text\n"),
+                 "it does not");
+    }
+
     void aTaskIsTakenUpAgain()
     {
         m_server.answer(Answers::status("RUNNING"));

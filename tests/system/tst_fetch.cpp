@@ -5,6 +5,7 @@
 #include "tests/system/filesizelimit.h"
 #include "tests/system/home.h"
 #include "tests/system/program.h"
+#include "tests/system/terminal.h"
 
 #include <QDir>
 #include <QFile>
@@ -368,6 +369,20 @@ private Q_SLOTS:
         QCOMPARE(outcome.err, QByteArray());
         QCOMPARE(TestFolder::contents(file), QByteArray("older"));
         QCOMPARE(TestFolder::contents(part), QByteArray("abcd"));
+    }
+
+    void aTerminalIsToldHowToGoOnWithAPart()
+    {
+        play({{letters()}, {letters()}, {letters().chopped(6), Then::KeepOpen}});
+        Terminal terminal;
+        Program program({QStringLiteral("fetch"), m_server.address(QStringLiteral("/f")),
+                         QStringLiteral("-o"), file},
+                        terminal.name());
+        TRY_COMPARE(TestFolder::contents(part), QByteArray("abcd"));
+        program.signal(SIGINT);
+        QCOMPARE(program.outcome().status, 130);
+        QCOMPARE(Terminal::linesOf(terminal.read()),
+                 (QByteArrayList{"what came is kept; the same command with --resume goes on", ""}));
     }
 
     void aFullDiskIsToldAndThePartKept()

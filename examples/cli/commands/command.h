@@ -24,7 +24,8 @@ public:
     /// To be called once, in an event loop; answered once, by ended() or failed().
     virtual void start() = 0;
 
-    /// How the user goes on with what is interrupted now, as a line; empty: by beginning anew.
+    /// How the user goes on with what is interrupted now, or for want of a network, as a line;
+    /// empty: by beginning anew.
     QString wayOn() const;
 
 Q_SIGNALS:

@@ -49,6 +49,9 @@ void Fetch::start()
     connect(job, &FetchJob::succeeded, this, [this](const QString &path, qint64 bytes) {
         finish({}, {{QStringLiteral("file"), path}, {QStringLiteral("bytes"), bytes}});
     });
-    setWayOn(QStringLiteral("what came is kept; the same command with --resume goes on"));
+    connect(job, &Job::progressed, this, [this](Job::Stage stage) {
+        if (stage == Job::Stage::Fetching)
+            setWayOn(QStringLiteral("what came is kept; the same command with --resume goes on"));
+    });
     run(job, QStringLiteral("asking for the file"));
 }
