@@ -59,7 +59,7 @@ bool Recorder::isPossible()
 QString Recorder::start(const QString &folder)
 {
     m_problem.clear();
-    if (const QString problem = openNewFile(folder); !problem.isEmpty())
+    if (QString problem = openNewFile(folder); !problem.isEmpty())
         return problem;
     open(QIODevice::WriteOnly | QIODevice::Unbuffered);
     m_input = std::make_unique<QAudioInput>(audioFormat());
@@ -126,7 +126,7 @@ QString Recorder::openNewFile(const QString &folder)
     }
     if (writeHead())
         return {};
-    const QString problem = m_file.errorString();
+    QString problem = m_file.errorString();
     m_file.remove();
     return problem;
 }

@@ -52,7 +52,7 @@ QVector<KeptRow> KeptRows::load()
 
 QString KeptRows::keep(const KeptRow &row)
 {
-    if (const QString problem = PrivateFiles::claimFolder(folder().path()); !problem.isEmpty())
+    if (QString problem = PrivateFiles::claimFolder(folder().path()); !problem.isEmpty())
         return problem;
     const QJsonObject object{{pathKey(), row.path},
                              {doneKey(), row.isDone},
