@@ -31,7 +31,7 @@ void speak(HostKit *kit, const QString &text, const QString &path)
         qWarning().noquote() << reason.line();
         delete job;
     });
-    job->setPatience(60000); // ms without a sign of the service
+    job->setTimeout(600000);
     job->start();
 }
 
