@@ -28,6 +28,27 @@ enum class Need {
     Never
 };
 
+/// The slots of HttpResponse in the order of its declaration. Looking one up by its text takes
+/// longer than to connect it.
+enum class Slot {
+    OnFinished,
+    OnError,
+    OnDownloadProgress,
+    OnUploadProgress,
+    OnTimeout,
+    OnReadyRead,
+    OnReadOnceReplyHeader,
+    OnEncrypted,
+    OnMetaDataChanged,
+    OnPreSharedKeyAuthenticationRequired,
+    OnRedirectAllowed,
+    OnRedirected,
+    OnSslErrors,
+    OnAuthenticationRequired,
+    OnHandleHead,
+    Count
+};
+
 /// A signal of the reply, the slot that answers it, and the signal of the response that the slot
 /// emits, by their places in the meta-objects.
 struct Wire
@@ -46,17 +67,17 @@ int indexOf(Signal signal)
     return QMetaMethod::fromSignal(signal).methodIndex();
 }
 
-int slotIndex(const char *slot)
+// The slots are the last methods of the class.
+int indexOf(Slot slot)
 {
-    const int index = HttpResponse::staticMetaObject.indexOfSlot(slot);
-    Q_ASSERT(index >= 0);
-    return index;
+    static const int first = HttpResponse::staticMetaObject.methodCount() - int(Slot::Count);
+    return first + int(slot);
 }
 
 template <typename From, typename To>
-Wire wire(Need need, From from, const char *slot, To to)
+Wire wire(Need need, From from, Slot slot, To to)
 {
-    return {need, indexOf(from), slotIndex(slot), indexOf(to)};
+    return {need, indexOf(from), indexOf(slot), indexOf(to)};
 }
 
 // In the order in which slots answer the same signal. The indices are looked up once.
@@ -65,23 +86,21 @@ const std::vector<Wire> &replyWires()
     using Reply = QNetworkReply;
     using R = HttpResponse;
     static const std::vector<Wire> wires{
-        wire(Need::Always, &Reply::finished, "onFinished()", nullptr),
-        wire(Need::Always, replyError, "onError(QNetworkReply::NetworkError)", nullptr),
-        wire(Need::Never, &Reply::downloadProgress, "onDownloadProgress(qint64,qint64)",
+        wire(Need::Always, &Reply::finished, Slot::OnFinished, nullptr),
+        wire(Need::Always, replyError, Slot::OnError, nullptr),
+        wire(Need::Never, &Reply::downloadProgress, Slot::OnDownloadProgress,
              &R::downloadFileProgress),
-        wire(Need::Never, &Reply::uploadProgress, "onUploadProgress(qint64,qint64)",
-             &R::uploadProgress),
-        wire(Need::Download, &Reply::readyRead, "onReadOnceReplyHeader()", nullptr),
-        wire(Need::Always, &Reply::readyRead, "onHandleHead()", nullptr),
-        wire(Need::Data, &Reply::readyRead, "onReadyRead()", &R::readyRead),
-        wire(Need::Never, &Reply::encrypted, "onEncrypted()", &R::encrypted),
-        wire(Need::Download, &Reply::metaDataChanged, "onMetaDataChanged()", &R::metaDataChanged),
-        wire(Need::Bound, &Reply::redirected, "onRedirected(QUrl)", &R::redirected),
-        wire(Need::Never, &Reply::sslErrors, "onSslErrors(QList<QSslError>)", &R::sslErrors),
-        wire(Need::Bound, &Reply::redirectAllowed, "onRedirectAllowed()", &R::redirectAllowed),
+        wire(Need::Never, &Reply::uploadProgress, Slot::OnUploadProgress, &R::uploadProgress),
+        wire(Need::Download, &Reply::readyRead, Slot::OnReadOnceReplyHeader, nullptr),
+        wire(Need::Always, &Reply::readyRead, Slot::OnHandleHead, nullptr),
+        wire(Need::Data, &Reply::readyRead, Slot::OnReadyRead, &R::readyRead),
+        wire(Need::Never, &Reply::encrypted, Slot::OnEncrypted, &R::encrypted),
+        wire(Need::Download, &Reply::metaDataChanged, Slot::OnMetaDataChanged, &R::metaDataChanged),
+        wire(Need::Bound, &Reply::redirected, Slot::OnRedirected, &R::redirected),
+        wire(Need::Never, &Reply::sslErrors, Slot::OnSslErrors, &R::sslErrors),
+        wire(Need::Bound, &Reply::redirectAllowed, Slot::OnRedirectAllowed, &R::redirectAllowed),
         wire(Need::Never, &Reply::preSharedKeyAuthenticationRequired,
-             "onPreSharedKeyAuthenticationRequired(QSslPreSharedKeyAuthenticator*)",
-             &R::preSharedKeyAuthenticationRequired),
+             Slot::OnPreSharedKeyAuthenticationRequired, &R::preSharedKeyAuthenticationRequired),
     };
     return wires;
 }
@@ -112,7 +131,7 @@ void connectWire(const QNetworkReply *reply, const Wire &wire, const HttpRespons
 void connectAuthentication(const QNetworkReply *reply, const HttpResponse *response)
 {
     static const int signal = indexOf(&QNetworkAccessManager::authenticationRequired);
-    static const int slot = slotIndex("onAuthenticationRequired(QNetworkReply*,QAuthenticator*)");
+    static const int slot = indexOf(Slot::OnAuthenticationRequired);
     if (reply->manager()) // somebody else's reply may have none
         QMetaObject::connect(reply->manager(), signal, response, slot);
 }
@@ -153,12 +172,12 @@ void ReplyWires::connectFor(QNetworkReply *reply, HttpResponse *response, int si
 
 void ReplyWires::disconnectOpening(QNetworkReply *reply, HttpResponse *response)
 {
-    static const int slot = slotIndex("onReadOnceReplyHeader()");
+    static const int slot = indexOf(Slot::OnReadOnceReplyHeader);
     disconnectReadyRead(reply, response, slot);
 }
 
 void ReplyWires::disconnectHead(QNetworkReply *reply, HttpResponse *response)
 {
-    static const int slot = slotIndex("onHandleHead()");
+    static const int slot = indexOf(Slot::OnHandleHead);
     disconnectReadyRead(reply, response, slot);
 }
