@@ -18,7 +18,7 @@ struct TargetSignal
 {
     int index;            ///< In the meta-object, so that it is not looked up by text each time.
     QByteArray signature; ///< As a string connection names it, "2name(arguments)".
-    QString functionKey;  ///< The key of a callable with these arguments.
+    QLatin1String functionKey; ///< The key of a callable with these arguments.
     bool (*connectFunction)(HttpResponse *response, const QVariant &function);
 };
 
@@ -41,7 +41,7 @@ TargetSignal targetSignal()
     QByteArray signature = '2' + method.methodSignature();
     signature.replace("qlonglong", "qint64");
     return {method.methodIndex(), signature,
-            QString::fromLatin1(QMetaType::typeName(qMetaTypeId<Function>())),
+            QLatin1String(QMetaType::typeName(qMetaTypeId<Function>())),
             &connectFunction<signal, Function>};
 }
 
@@ -197,13 +197,22 @@ void warnOfEntry(int kind, const QString &key)
 
 void HttpCallbackBinder::attach(HttpResponse *response, const HttpRequestFields &request)
 {
+    // Qt makes room for the connections of all signals up to the one that is connected, and anew
+    // for one that is further on. Those of later kinds are, so the kinds are attached backwards.
     const auto &callbacks = request.callbacks;
-    for (auto it = callbacks.cbegin(); it != callbacks.cend(); ++it) {
+    QMap<int, QStringList> misfits; // reported in the order of kinds
+    for (auto it = callbacks.cend(); it != callbacks.cbegin();) {
+        --it;
         for (const auto &[key, target] : it.value()) {
-            if (attachEntry(response, it.key(), key, target) == 0
-                && request.logLevel >= HttpLogLevel::BadBindings && !isGone(target))
-                warnOfEntry(it.key(), key);
+            if (attachEntry(response, it.key(), key, target) == 0 && !isGone(target))
+                misfits[it.key()].append(key);
         }
+    }
+    if (request.logLevel < HttpLogLevel::BadBindings)
+        return;
+    for (auto it = misfits.cbegin(); it != misfits.cend(); ++it) {
+        for (const QString &key : it.value())
+            warnOfEntry(it.key(), key);
     }
 }
 

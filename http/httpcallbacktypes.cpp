@@ -19,7 +19,8 @@ bool registerAll()
     qRegisterMetaType<QNetworkReply::NetworkError>();
     qRegisterMetaType<QSslPreSharedKeyAuthenticator *>();
     qRegisterMetaType<QList<QSslError>>();
-    qRegisterMetaType<QList<QNetworkReply::RawHeaderPair>>("QList<QNetworkReply::RawHeaderPair>");
+    qRegisterNormalizedMetaType<QList<QNetworkReply::RawHeaderPair>>(
+        QByteArrayLiteral("QList<QNetworkReply::RawHeaderPair>"));
     qRegisterMetaType<QMap<QString, QString>>();
 #define VOHTTP_REGISTER_FAMILY(KIND, ...)                                                          \
     registerFunctions(HttpCallbackFamily<CallbackKind::KIND>::Forms());

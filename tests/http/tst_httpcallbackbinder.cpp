@@ -459,6 +459,23 @@ private Q_SLOTS:
         QCOMPARE(log.texts(QtWarningMsg).size(), warnings);
     }
 
+    void badEntriesAreReportedInTheOrderOfTheirKinds()
+    {
+        HttpRequest request(HttpMethod::Get, nullptr);
+        for (const CallbackKind kind :
+             {CallbackKind::Head, CallbackKind::Finished, CallbackKind::Timeout}) {
+            request.bind(kind, "1second()"_s, objectTarget(&m_receiver))
+                .bind(kind, "1first()"_s, objectTarget(&m_receiver));
+        }
+        LogCapture log;
+        QCOMPARE(callsOf(request), QStringList());
+        QCOMPARE(
+            log.texts(QtWarningMsg),
+            (QStringList{"0 method[second()] is invalid"_s, "0 method[first()] is invalid"_s,
+                         "4 method[second()] is invalid"_s, "4 method[first()] is invalid"_s,
+                         "18 method[second()] is invalid"_s, "18 method[first()] is invalid"_s}));
+    }
+
     void aBadEntryDoesNotKeepTheOthersFromAttaching()
     {
         HttpRequest request(HttpMethod::Get, nullptr);
