@@ -15,6 +15,43 @@
 #include <QMetaMethod>
 #include <QThread>
 
+#include <cstring>
+#include <utility>
+
+/// Tells whether a response is still there after something that may destroy it. Unlike a QPointer
+/// it allocates nothing.
+class HttpResponse::Living
+{
+    Q_DISABLE_COPY(Living)
+
+public:
+    explicit Living(HttpResponse *response)
+        : m_response(response)
+        , m_outer(std::exchange(response->m_living, this))
+    {
+    }
+
+    ~Living()
+    {
+        if (m_response)
+            m_response->m_living = m_outer;
+    }
+
+    /// To be called when the response goes: also for those that were made before this.
+    void end()
+    {
+        m_response = nullptr;
+        if (m_outer)
+            m_outer->end();
+    }
+
+    explicit operator bool() const { return m_response != nullptr; }
+
+private:
+    HttpResponse *m_response;
+    Living *const m_outer; ///< Made before this, and there for longer.
+};
+
 namespace {
 
 // The overloaded signals by what they carry.
@@ -60,17 +97,41 @@ QMap<QString, QString> headerMap(const QList<QNetworkReply::RawHeaderPair> &head
 }
 
 // QIODevice::readAll() allocates 16 KiB and then 32, however little there is to read. For blocks of
-// that size the C library first merges its small free ones, which costs more than all else that is
-// done for a request; so a short body is read into a buffer on the stack.
+// more than a KiB the C library first merges its small free ones, which costs more than all else
+// that is done for a request; so a short body is read into a buffer on the stack, and the array of
+// one that nobody has kept serves the next.
+constexpr int mostOfShort = 16 * 1024; // bytes
+
+/// The array that is left over in this thread, if there is one; those that are cheap to have are
+/// apart, so that a body gets one of about its own size.
+QByteArray &spareFor(int size)
+{
+    constexpr int mostOfCheap = 1024; // bytes
+    thread_local QByteArray cheap;
+    thread_local QByteArray dear;
+    return size <= mostOfCheap ? cheap : dear;
+}
+
 QByteArray readBody(QNetworkReply *reply)
 {
-    char bytes[16 * 1024];
+    char bytes[mostOfShort];
     const qint64 available = reply->bytesAvailable();
-    if (available == 0 || available > qint64(sizeof bytes))
+    if (available == 0 || available > mostOfShort)
         return reply->readAll();
-    const qint64 size = reply->read(bytes, sizeof bytes);
-    const QByteArray body(bytes, int(qMax(size, qint64(0))));
+    const int size = int(reply->read(bytes, mostOfShort));
+    if (size <= 0)
+        return reply->readAll();
+    QByteArray body = std::exchange(spareFor(size), {});
+    body.resize(size);
+    std::memcpy(body.data(), bytes, std::size_t(size));
     return size == available ? body : body + reply->readAll(); // a host's own class may miscount
+}
+
+/// Keeps @p body for the next one, if it has no other owner and is short.
+void recycle(QByteArray body)
+{
+    if (body.isDetached() && body.capacity() <= mostOfShort)
+        spareFor(body.capacity()) = std::move(body);
 }
 
 void dumpResponses(const QNetworkReply *reply)
@@ -94,6 +155,8 @@ HttpResponse::HttpResponse(HttpRequest request, QObject *parent)
 
 HttpResponse::~HttpResponse()
 {
+    if (m_living)
+        m_living->end();
     // The reply is null when its own destruction destroys this child.
     if (!m_reply || m_isTaken)
         return;
@@ -166,13 +229,13 @@ bool HttpResponse::deliver(Values &&...values)
 {
     if (!hasReceivers<Signal>())
         return true;
-    const QPointer<HttpResponse> self(this);
+    const Living self(this);
     // Qt uses the reply after its signal has returned. In an event loop that a receiver runs, a
     // deleteLater() of the reply would take effect before that, whoever has asked for it: who has
     // taken the reply, the client, another receiver.
     const ReplyKeeper keeper(m_reply);
     Q_EMIT(this->*Signal)(std::forward<Values>(values)...);
-    return !self.isNull();
+    return bool(self);
 }
 
 /// Emits @p Signal with the reply, which its receivers own from then on.
@@ -237,7 +300,7 @@ void HttpResponse::onTimeout()
     using R = HttpResponse;
     if (!m_reply || !m_reply->isRunning())
         return;
-    const QPointer<HttpResponse> self(this);
+    const Living self(this);
     m_reply->abort(); // reports OperationCanceledError, so onError() runs in here
     if (self)
         run({&R::handOver<timeoutReply>, &R::deliver<timeoutPlain>, &R::tellHead,
@@ -268,9 +331,14 @@ bool HttpResponse::tellBody()
     if (isGathered)
         gather();
     QByteArray body = isGathered ? std::exchange(m_body, {}) : readBody(m_reply);
-    if (!deliver<finishedPlain>() || !tellBytes(&body))
-        return false;
-    // Text and map cost a copy of the body each, so they are made only for receivers.
+    const bool isLiving = deliver<finishedPlain>() && tellBytes(&body) && tellMeaning(body);
+    recycle(std::move(body));
+    return isLiving;
+}
+
+// Text and map cost a copy of the body each, so they are made only for receivers.
+bool HttpResponse::tellMeaning(const QByteArray &body)
+{
     if (hasReceivers<finishedText>() && !deliver<finishedText>(QString::fromUtf8(body)))
         return false;
     return !hasReceivers<finishedMap>()
@@ -285,24 +353,24 @@ bool HttpResponse::tellBytes(QByteArray *body)
         return true;
     static const int signal =
         QMetaMethod::fromSignal(finishedBytes).methodIndex() - staticMetaObject.methodOffset();
-    const QPointer<HttpResponse> self(this);
+    const Living self(this);
     const ReplyKeeper keeper(m_reply);
     void *arguments[] = {nullptr, body};
     m_told = body;
     QMetaObject::activate(this, &staticMetaObject, signal, arguments);
     if (self)
         m_told = nullptr;
-    return !self.isNull();
+    return bool(self);
 }
 
 bool HttpResponse::sendRetry()
 {
-    const QPointer<HttpResponse> self(this);
+    const Living self(this);
     HttpRequest retry(m_request);
     retry.fields.retryCount = --m_retriesLeft;
     retry.fields.isRetry = true;
     retry.send(); // returns after the retry, if the request blocks
-    return !self.isNull();
+    return bool(self);
 }
 
 bool HttpResponse::tellFileError()
@@ -330,9 +398,9 @@ bool HttpResponse::repeatOrEnd()
     if (m_request.fields.repeatCount <= 1)
         return deliver<&HttpResponse::repeated>();
     --m_request.fields.repeatCount;
-    const QPointer<HttpResponse> self(this);
+    const Living self(this);
     m_request.send();
-    return !self.isNull();
+    return bool(self);
 }
 
 bool HttpResponse::tellHead()

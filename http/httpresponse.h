@@ -170,6 +170,8 @@ private:
     /// response.
     using Step = bool (HttpResponse::*)();
 
+    class Living;
+
     template <auto Signal>
     bool hasReceivers() const;
     template <auto Signal, typename... Values>
@@ -191,6 +193,7 @@ private:
     bool tellFileFinished();
     bool tellBody();
     bool tellBytes(QByteArray *body);
+    bool tellMeaning(const QByteArray &body);
     bool sendRetry();
     bool tellFileError();
     bool tellError();
@@ -200,6 +203,7 @@ private:
 
     HttpRequest m_request;
     std::atomic<quint64> m_everConnected{0}; ///< The bits of signals that have had a receiver.
+    Living *m_living = nullptr;              ///< The last that was made; each lives on the stack.
     QPointer<QNetworkReply> m_reply;
     bool m_isTaken = false;               ///< The reply is a receiver's.
     std::unique_ptr<DownloadFile> m_file; ///< Downloads only.

@@ -260,6 +260,30 @@ private Q_SLOTS:
         QVERIFY(waitUntilGone(reply));
     }
 
+    void aBodyThatIsKeptTakesLittleMoreThanItsSize()
+    {
+        ControlledClient client;
+        QByteArrayList kept;
+        const QList<int> sizes{16384, 100, 1100, 9000, 1024, 1025, 3};
+        for (const int size : sizes) {
+            for (const bool keeps : {false, true}) { // one that is not kept serves the next
+                HttpRequest(HttpMethod::Get, &client)
+                    .onFinished([&kept, keeps](const QByteArray &body) {
+                        if (keeps)
+                            kept.append(body);
+                    })
+                    .send();
+                client.replies.last()->receive(QByteArray(size, char('a' + kept.size())));
+                client.replies.last()->succeed();
+            }
+        }
+        QCOMPARE(kept.size(), sizes.size());
+        for (int i = 0; i < sizes.size(); ++i) {
+            QCOMPARE(kept.at(i), QByteArray(sizes.at(i), char('a' + i)));
+            QVERIFY(kept.at(i).capacity() <= 2 * sizes.at(i) + 1024);
+        }
+    }
+
     void theMapHoldsTheWholeObject()
     {
         ControlledClient client;
