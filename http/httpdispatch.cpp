@@ -42,6 +42,7 @@ QNetworkReply *sendMultiPart(HttpRequestFields &fields, const QByteArray &verb,
     QNetworkReply *reply = fields.client->sendCustomRequest(fields.networkRequest, verb, multiPart);
     if (reply)
         multiPart->setParent(reply);
+    PromptBody::arrange(reply, 0); // Qt gathers what it sends of a form by itself
     return reply;
 }
 

@@ -1,26 +1,44 @@
 #include "http/promptbody.h"
 
 #include <QNetworkReply>
+#include <QNetworkRequest>
 
 namespace {
 
 constexpr int mostBytes = 16 * 1024;
 
+// The access manager's own policy is an attribute of the reply's request, too.
+bool followsRedirects(const QNetworkReply *reply)
+{
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    constexpr auto follow = QNetworkRequest::FollowRedirectsAttribute;
+    QT_WARNING_POP
+    const QNetworkRequest request = reply->request();
+    return request.attribute(QNetworkRequest::RedirectPolicyAttribute).toInt()
+               != QNetworkRequest::ManualRedirectPolicy
+           || request.attribute(follow).toBool();
+}
+
 } // namespace
 
 void PromptBody::arrange(QNetworkReply *reply, int bodySize)
 {
-    if (!reply || bodySize < 1 || bodySize > mostBytes)
+    if (!reply)
+        return;
+    const bool isSmall = bodySize >= 1 && bodySize <= mostBytes;
+    if (!isSmall && !followsRedirects(reply))
         return;
     const Internals &internals = internalsOf(reply->metaObject());
     if (internals.begin.isValid())
-        new PromptBody(reply, internals); // the reply's child
+        new PromptBody(reply, internals, isSmall); // the reply's child
 }
 
-PromptBody::PromptBody(QNetworkReply *reply, const Internals &internals)
+PromptBody::PromptBody(QNetworkReply *reply, const Internals &internals, bool isSmall)
     : QObject(reply)
     , m_reply(reply)
     , m_internals(internals)
+    , m_isSmall(isSmall)
 {
     listen();
     connect(reply, &QNetworkReply::redirected, this, &PromptBody::startOver);
@@ -54,6 +72,8 @@ const PromptBody::Internals &PromptBody::internalsOf(const QMetaObject *type)
 
 void PromptBody::listen()
 {
+    if (!m_isSmall)
+        return;
     static const int slot = staticMetaObject.indexOfSlot("give()");
     QMetaObject::connect(m_reply, m_internals.begin.methodIndex(), this, slot,
                          Qt::DirectConnection);

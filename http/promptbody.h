@@ -8,6 +8,8 @@ class QNetworkReply;
 /// Has a small body at hand when the head of its request is written, so that TLS sends both at
 /// once.
 ///
+/// Besides, it keeps a request from being sent twice when Qt follows a redirect that comes at once.
+///
 /// Qt writes the head before it asks the thread of the reply for the body, which thus goes out in a
 /// segment of its own. TCP keeps that back until the server has acknowledged the head, and servers
 /// take their time over it: some 40 ms for every request on a connection that is kept. The reply is
@@ -24,8 +26,8 @@ class PromptBody : public QObject
 
 public:
     /// To be called on the thread of @p reply, before that is back in its event loop. Does nothing
-    /// without a reply, and unless the body has between 1 byte and 16 KiB, which is what Qt takes
-    /// of it at a time.
+    /// without a reply, unless the body has between 1 byte and 16 KiB, which is what Qt takes of it
+    /// at a time, or the request follows redirects.
     static void arrange(QNetworkReply *reply, int bodySize);
 
 private Q_SLOTS:
@@ -41,7 +43,7 @@ private:
         QMetaMethod give;  ///< Slot: emits it, for at most so many bytes.
     };
 
-    PromptBody(QNetworkReply *reply, const Internals &internals);
+    PromptBody(QNetworkReply *reply, const Internals &internals, bool isSmall);
 
     static Internals lookUp(const QMetaObject *type);
     static const Internals &internalsOf(const QMetaObject *type);
@@ -49,4 +51,5 @@ private:
 
     QNetworkReply *const m_reply; // the parent
     const Internals m_internals;
+    const bool m_isSmall; ///< There is a body to hand over.
 };

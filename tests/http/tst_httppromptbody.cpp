@@ -9,6 +9,7 @@
 #include <QAuthenticator>
 #include <QBuffer>
 #include <QEventLoop>
+#include <QMetaMethod>
 #include <QNetworkProxy>
 #include <QPointer>
 #include <QSslSocket>
@@ -249,6 +250,18 @@ QByteArray bodyOf(int size)
     for (int i = 0; body.size() < size; ++i)
         body += QByteArray::number(i) + ' ';
     return body.left(size);
+}
+
+/// Whether something is there that sends the request of @p reply as soon as Qt begins.
+bool begins(const QNetworkReply *reply)
+{
+    struct Access : QObject
+    {
+        using QObject::isSignalConnected;
+    };
+    const QMetaObject *type = reply->metaObject();
+    const QMetaMethod begin = type->method(type->indexOfSignal("startHttpRequest()"));
+    return (reply->*&Access::isSignalConnected)(begin);
 }
 
 QByteArrayList bodiesOf(const QList<QByteArray> &requests)
@@ -520,6 +533,53 @@ private Q_SLOTS:
                                        {away, ScriptedServer::reply("ok")});
         QCOMPARE(ours.requests, bare.requests);
         QCOMPARE(ours.outcome, bare.outcome);
+    }
+
+    // What has sent the request would send it once more if it were still there when Qt begins anew,
+    // which it is once in a hundred times.
+    void aFollowedRedirectHasEachRequestSentOnce_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<bool>("isForm");
+        QTest::addColumn<bool>("isPolicyOfClient");
+        QTest::newRow("GET") << 0 << false << false;
+        QTest::newRow("GET, the client's policy") << 0 << false << true;
+        QTest::newRow("POST, more than 16 KiB") << largest + 1 << false << false;
+        QTest::newRow("form") << 0 << true << false;
+    }
+    void aFollowedRedirectHasEachRequestSentOnce()
+    {
+        QFETCH(int, size);
+        QFETCH(bool, isForm);
+        QFETCH(bool, isPolicyOfClient);
+        m_server.reset();
+        m_server.answer(ScriptedServer::reply("", "307 There", "Location: /next\r\n"),
+                        Then::KeepOpen);
+        m_server.answer(ScriptedServer::reply("ok"), Then::KeepOpen);
+        HttpClient client;
+        HttpRequest request(size > 0 || isForm ? HttpMethod::Post : HttpMethod::Get, &client);
+        request.url(m_address).rawBody(bodyOf(size));
+        if (isForm)
+            request.formDataBody({{"name"_s, "value"_s}});
+        const auto policy = QNetworkRequest::NoLessSafeRedirectPolicy;
+        if (isPolicyOfClient)
+            client.setRedirectPolicy(policy);
+        else
+            request.fields.networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                                                       policy);
+        QPointer<QNetworkReply> reply;
+        QList<bool> sends; // with the first request, with its redirect
+        const QObject context;
+        connect(&m_server, &ScriptedServer::requestReceived, &context, [&] {
+            if (sends.isEmpty())
+                sends.append(begins(reply));
+        });
+        request.onRedirected([&](const QUrl &) { sends.append(begins(reply)); });
+        const HttpResponse *response = request.send();
+        reply = response->request().fields.reply;
+        QVERIFY(waitUntilGone(response));
+        QCOMPARE(sends, (QList<bool>{true, !isSwitchedOn}));
+        QCOMPARE(m_server.requests().size(), 2);
     }
 
     void moreRequestsThanConnectionsHaveTheirOwnBodies()
