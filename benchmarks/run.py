@@ -24,6 +24,7 @@ class Row:
         self.name, self.what, measure, self.work, times, pieces, self.base, contenders, goal, quick = fields
         self.measure = MEASURES[measure]
         self.is_difference = measure == "allocations"  # compared by it, and not by a ratio
+        self.is_gate = measure == "instructions"  # those hold still on a busy machine
         self.times = [int(number) for number in times.split()]
         self.pieces = int(pieces)
         self.contenders = contenders.split()
@@ -57,7 +58,8 @@ class Row:
         return {"row": self.name, "what": self.what, "unit": self.measure.unit, "base": self.base,
                 "contender": contender, "value": statistics.median(values), "values": values,
                 "compared": statistics.median(compared), "comparisons": compared,
-                "isDifference": self.is_difference, "goal": self.goal if judged else None}
+                "isDifference": self.is_difference, "goal": self.goal if judged else None,
+                "isGate": self.is_gate}
 
 
 def read_rows():
@@ -119,7 +121,8 @@ def measure(runner, rows):
 
 
 def too_far(outcomes):
-    return [outcome for outcome in outcomes if outcome["goal"] and excess(outcome) > QUICK_TOLERANCE]
+    return [outcome for outcome in outcomes
+            if outcome["isGate"] and outcome["goal"] and excess(outcome) > QUICK_TOLERANCE]
 
 
 def parse_arguments():
