@@ -148,7 +148,7 @@ protected:
     /// Notes that @p signal has had a receiver.
     void connectNotify(const QMetaMethod &signal) override;
 
-private Q_SLOTS:
+private Q_SLOTS: // the last methods of the class; Slot in replywires.cpp has them in this order
     void onFinished();
     void onError(QNetworkReply::NetworkError error);
     void onDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
