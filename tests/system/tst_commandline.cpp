@@ -268,6 +268,14 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 2);
     }
 
+    void aSlipIsToldAsJsonToWhoWantsThat()
+    {
+        QCOMPARE(vospeak(arguments("fetch --resum --json")).err,
+                 QByteArray("{\"error\":{\"kind\":\"use\",\"message\":\"unknown option "
+                            "\\\"--resum\\\"; did you mean --resume? (see vospeak help fetch)\","
+                            "\"status\":2}}\n"));
+    }
+
     void aFailureIsToldAsJsonToWhoWantsThat()
     {
         const Outcome outcome = vospeak(arguments("voices --json"));
