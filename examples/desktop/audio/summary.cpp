@@ -17,6 +17,7 @@ Summary Summary::of(QIODevice *samples, qint64 frames, int channels)
     Summary summary;
     const qint64 frameSize = channels * qint64(sizeof(qint16));
     const qint64 stretch = qMax<qint64>(1, (frames + mostRanges - 1) / mostRanges);
+    Range *last = nullptr; // of the ranges
     qint64 done = 0;
     while (done < frames) {
         const QByteArray block =
@@ -24,12 +25,15 @@ Summary Summary::of(QIODevice *samples, qint64 frames, int channels)
         const qint64 count = block.size() / frameSize;
         if (count == 0)
             break;
-        for (qint64 i = 0; i < count; ++i, ++done) {
-            const auto sample = qFromLittleEndian<qint16>(block.constData() + i * frameSize);
-            if (done % stretch == 0)
+        const char *frame = block.constData();
+        for (const char *end = frame + count * frameSize; frame < end; frame += frameSize) {
+            const auto sample = qFromLittleEndian<qint16>(frame);
+            if (done++ % stretch == 0) {
                 summary.m_ranges.append({sample, sample});
-            Range &last = summary.m_ranges.last();
-            last = {qMin(last.low, sample), qMax(last.high, sample)};
+                last = &summary.m_ranges.last();
+            }
+            last->low = qMin(last->low, sample);
+            last->high = qMax(last->high, sample);
         }
     }
     return summary;
