@@ -175,15 +175,16 @@ void AccountPage::showTimeLeft()
         return m_notice->tell(tr("The code has expired"));
     }
     const qint64 seconds = qMax<qint64>(0, -late);
-    m_timeLeft->setText(
-        tr("Scan it within %1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0')));
+    m_timeLeft->setText(tr("To be confirmed within %1:%2")
+                            .arg(seconds / 60)
+                            .arg(seconds % 60, 2, 10, QLatin1Char('0')));
 }
 
 void AccountPage::endCode(const QString &why)
 {
     m_code = nullptr;
     m_clock.stop();
-    m_picture->setText(tr("The code will be here, to be scanned with a phone"));
+    m_picture->setText(tr("A code to sign in with will be here"));
     m_timeLeft->clear();
     m_newCode->setText(tr("&Show a code"));
     m_notice->tell(why);

@@ -41,7 +41,7 @@
     </message>
     <message>
         <source>Signed in as %1 until %2</source>
-        <translation>已登录:%1,有效期至 %2</translation>
+        <translation>已登录：%1，有效期至 %2</translation>
     </message>
     <message>
         <source>Nobody is signed in. Short texts can be spoken all the same.</source>
@@ -64,12 +64,12 @@
         <translation>新二维码(&amp;N)</translation>
     </message>
     <message>
-        <source>Scan it within %1:%2</source>
-        <translation>请在 %1:%2 内扫描</translation>
+        <source>To be confirmed within %1:%2</source>
+        <translation>请在 %1:%2 内确认</translation>
     </message>
     <message>
-        <source>The code will be here, to be scanned with a phone</source>
-        <translation>二维码将显示在这里,请用手机扫描</translation>
+        <source>A code to sign in with will be here</source>
+        <translation>登录用的二维码将显示在这里</translation>
     </message>
     <message>
         <source>Sign-in by SMS</source>
@@ -77,11 +77,11 @@
     </message>
     <message>
         <source>The local service says: %1</source>
-        <translation>本地服务消息:%1</translation>
+        <translation>本地服务消息：%1</translation>
     </message>
     <message>
         <source>The local service has no phone: &lt;a href=&quot;%1&quot;&gt;confirm on its page&lt;/a&gt;</source>
-        <translation>本地服务没有手机:&lt;a href=&quot;%1&quot;&gt;在其页面上确认&lt;/a&gt;</translation>
+        <translation>本地服务没有手机：&lt;a href=&quot;%1&quot;&gt;在其页面上确认&lt;/a&gt;</translation>
     </message>
     <message>
         <source>no usable picture of the code came</source>
@@ -111,7 +111,7 @@
     <name>CodeSignInJob</name>
     <message>
         <source>&quot;%1&quot; cannot be written: %2</source>
-        <translation>无法写入“%1”:%2</translation>
+        <translation>无法写入“%1”：%2</translation>
     </message>
     <message>
         <source>the service sent no usable address of the code&apos;s picture</source>
@@ -150,7 +150,7 @@
     </message>
     <message>
         <source>&quot;%1&quot; could not be downloaded: %2</source>
-        <translation>无法下载“%1”:%2</translation>
+        <translation>无法下载“%1”：%2</translation>
     </message>
 </context>
 <context>
@@ -213,7 +213,7 @@
     </message>
     <message>
         <source>There is no audio device: nothing is heard</source>
-        <translation>没有音频设备,听不到声音</translation>
+        <translation>没有音频设备，听不到声音</translation>
     </message>
     <message>
         <source>Loa&amp;d again</source>
@@ -228,11 +228,11 @@
     </message>
     <message>
         <source>the service refused: %1</source>
-        <translation>服务拒绝了请求:%1</translation>
+        <translation>服务拒绝了请求：%1</translation>
     </message>
     <message>
         <source>the service refused with code %1</source>
-        <translation>服务拒绝了请求,代码 %1</translation>
+        <translation>服务拒绝了请求，代码 %1</translation>
     </message>
     <message>
         <source>the service sent no usable answer</source>
@@ -263,7 +263,7 @@
     </message>
     <message>
         <source>cannot read &quot;%1&quot;: %2</source>
-        <translation>无法读取“%1”:%2</translation>
+        <translation>无法读取“%1”：%2</translation>
     </message>
 </context>
 <context>
@@ -285,7 +285,7 @@
     <name>Level</name>
     <message>
         <source>%1: %2</source>
-        <translation>%1:%2</translation>
+        <translation>%1：%2</translation>
     </message>
 </context>
 <context>
@@ -338,7 +338,7 @@
     <name>NetworkReason</name>
     <message>
         <source>the authority of the server is not trusted, or it does not speak TLS</source>
-        <translation>服务器的证书颁发机构不受信任,或服务器不支持 TLS</translation>
+        <translation>服务器的证书颁发机构不受信任，或服务器不支持 TLS</translation>
     </message>
     <message>
         <source>connection refused</source>
@@ -362,15 +362,15 @@
     </message>
     <message>
         <source>cannot reach %1: %2</source>
-        <translation>无法连接 %1:%2</translation>
+        <translation>无法连接 %1：%2</translation>
     </message>
     <message>
         <source>no answer from %1: %2</source>
-        <translation>%1 没有应答:%2</translation>
+        <translation>%1 没有应答：%2</translation>
     </message>
     <message>
         <source>the server answered: %1</source>
-        <translation>服务器应答:%1</translation>
+        <translation>服务器应答：%1</translation>
     </message>
     <message>
         <source>the proxy wants a user and a password that it knows</source>
@@ -397,7 +397,7 @@
     </message>
     <message>
         <source>&quot;%1&quot; is a link and cannot be gone on with</source>
-        <translation>“%1”是链接,无法接着写</translation>
+        <translation>“%1”是链接，无法接着写</translation>
     </message>
 </context>
 <context>
@@ -412,7 +412,7 @@
     </message>
     <message>
         <source>Drag over the waveform to select, or use the keys [ and ]</source>
-        <translation>在波形上拖动以选择片段,或使用 [ 和 ] 键</translation>
+        <translation>在波形上拖动以选择片段，或使用 [ 和 ] 键</translation>
     </message>
     <message>
         <source>&amp;Pause</source>
@@ -428,7 +428,7 @@
     </message>
     <message>
         <source>There is no audio device: nothing is heard</source>
-        <translation>没有音频设备,听不到声音</translation>
+        <translation>没有音频设备，听不到声音</translation>
     </message>
 </context>
 <context>
@@ -458,7 +458,7 @@
     <name>Proxies</name>
     <message>
         <source>%1 is no proxy: there are http://HOST:PORT, socks5://HOST:PORT and socks5h://HOST:PORT, with USER:PASSWORD@ before the host if need be</source>
-        <translation>%1 不是代理:可用 http://HOST:PORT、socks5://HOST:PORT 和 socks5h://HOST:PORT,需要时在主机前加 USER:PASSWORD@</translation>
+        <translation>%1 不是代理：可用 http://HOST:PORT、socks5://HOST:PORT 和 socks5h://HOST:PORT，需要时在主机前加 USER:PASSWORD@</translation>
     </message>
     <message>
         <source>the value of %1</source>
@@ -501,11 +501,11 @@
     </message>
     <message>
         <source>uploading, %1 %</source>
-        <translation>正在上传,%1 %</translation>
+        <translation>正在上传，%1 %</translation>
     </message>
     <message>
         <source>the service works on it, %1 s</source>
-        <translation>服务正在处理,%1 秒</translation>
+        <translation>服务正在处理，%1 秒</translation>
     </message>
     <message>
         <source>State</source>
@@ -532,15 +532,15 @@
     <name>RecognizeJob</name>
     <message>
         <source>the recording is too large (%1 MiB)</source>
-        <translation>录音过大(上限 %1 MiB)</translation>
+        <translation>录音过大（上限 %1 MiB）</translation>
     </message>
     <message>
         <source>the recording is too long (%1 s)</source>
-        <translation>录音过长(上限 %1 秒)</translation>
+        <translation>录音过长（上限 %1 秒）</translation>
     </message>
     <message>
         <source>the recording is too long for one answer (%1 s)</source>
-        <translation>录音过长,无法一次识别(上限 %1 秒)</translation>
+        <translation>录音过长，无法一次识别（上限 %1 秒）</translation>
     </message>
 </context>
 <context>
@@ -607,11 +607,11 @@
     </message>
     <message>
         <source>%1 could not be written: %2</source>
-        <translation>无法写入 %1:%2</translation>
+        <translation>无法写入 %1：%2</translation>
     </message>
     <message>
         <source>The result will not be here at the next start: %1</source>
-        <translation>下次启动时将没有此结果:%1</translation>
+        <translation>下次启动时将没有此结果：%1</translation>
     </message>
     <message>
         <source>WAV files can also be dropped on the window. Recordings are kept in %1</source>
@@ -619,7 +619,7 @@
     </message>
     <message>
         <source>The recording has ended: %1. What came before is kept.</source>
-        <translation>录音已结束:%1。此前的内容已保存。</translation>
+        <translation>录音已结束：%1。此前的内容已保存。</translation>
     </message>
     <message>
         <source>No microphone was found</source>
@@ -627,7 +627,7 @@
     </message>
     <message>
         <source>Nothing can be recorded: %1</source>
-        <translation>无法录音:%1</translation>
+        <translation>无法录音：%1</translation>
     </message>
 </context>
 <context>
@@ -704,14 +704,14 @@
     </message>
     <message>
         <source>Copies the list without texts, tokens and codes</source>
-        <translation>复制列表,不含文字、令牌和验证码</translation>
+        <translation>复制列表，不含文字、令牌和验证码</translation>
     </message>
 </context>
 <context>
     <name>ServiceJob</name>
     <message>
         <source>the service refused or sent no usable answer</source>
-        <translation>服务拒绝了请求,或没有返回可用的应答</translation>
+        <translation>服务拒绝了请求，或没有返回可用的应答</translation>
     </message>
 </context>
 <context>
@@ -740,15 +740,15 @@
     </message>
     <message>
         <source>the text is too long without signing in (%1 characters)</source>
-        <translation>未登录时文字过长(上限 %1 个字符)</translation>
+        <translation>未登录时文字过长（上限 %1 个字符）</translation>
     </message>
     <message>
         <source>the text is too long (%1 characters)</source>
-        <translation>文字过长(上限 %1 个字符)</translation>
+        <translation>文字过长（上限 %1 个字符）</translation>
     </message>
     <message>
         <source>the text is too long for one answer (%1 characters)</source>
-        <translation>文字过长,无法一次朗读(上限 %1 个字符)</translation>
+        <translation>文字过长，无法一次朗读（上限 %1 个字符）</translation>
     </message>
     <message>
         <source>the service sent no usable audio</source>
@@ -756,7 +756,7 @@
     </message>
     <message>
         <source>the audio could not be written: %1</source>
-        <translation>无法写入音频:%1</translation>
+        <translation>无法写入音频：%1</translation>
     </message>
     <message>
         <source>the service sent no usable address of the audio</source>
@@ -851,7 +851,7 @@
     </message>
     <message>
         <source>%1 of %2 characters without signing in</source>
-        <translation>%1 / %2 个字符(未登录)</translation>
+        <translation>%1 / %2 个字符（未登录）</translation>
     </message>
     <message>
         <source>Ca&amp;ncel</source>
@@ -875,7 +875,7 @@
     </message>
     <message>
         <source>%1 could not be written: %2</source>
-        <translation>无法写入 %1:%2</translation>
+        <translation>无法写入 %1：%2</translation>
     </message>
     <message>
         <source>Vo&amp;ice</source>
@@ -883,7 +883,7 @@
     </message>
     <message>
         <source>The text will not be here at the next start: %1. Copy it elsewhere, or close the window once more to give it up.</source>
-        <translation>下次启动时将没有此文本:%1。请将其复制到别处，或再次关闭窗口以放弃。</translation>
+        <translation>下次启动时将没有此文本：%1。请将其复制到别处，或再次关闭窗口以放弃。</translation>
     </message>
     <message>
         <source>The service has named no voice</source>
@@ -930,7 +930,7 @@
     </message>
     <message>
         <source>The local service does not run: %1</source>
-        <translation>本地服务没有运行:%1</translation>
+        <translation>本地服务没有运行：%1</translation>
     </message>
 </context>
 <context>
@@ -948,11 +948,11 @@
     </message>
     <message>
         <source>the session cannot be read; sign in again</source>
-        <translation>无法读取会话,请重新登录</translation>
+        <translation>无法读取会话，请重新登录</translation>
     </message>
     <message>
         <source>the session has expired; sign in again</source>
-        <translation>会话已过期,请重新登录</translation>
+        <translation>会话已过期，请重新登录</translation>
     </message>
     <message>
         <source>the service sent no usable session</source>
@@ -960,7 +960,7 @@
     </message>
     <message>
         <source>the session could not be written: %1</source>
-        <translation>无法写入会话:%1</translation>
+        <translation>无法写入会话：%1</translation>
     </message>
     <message>
         <source>the session could not be renewed in time</source>
@@ -968,14 +968,14 @@
     </message>
     <message>
         <source>the session could not be renewed; sign in again</source>
-        <translation>无法续期会话,请重新登录</translation>
+        <translation>无法续期会话，请重新登录</translation>
     </message>
 </context>
 <context>
     <name>Trust</name>
     <message>
         <source>cannot read &quot;%1&quot;: %2</source>
-        <translation>无法读取“%1”:%2</translation>
+        <translation>无法读取“%1”：%2</translation>
     </message>
     <message>
         <source>there is no certificate in &quot;%1&quot;</source>
@@ -986,11 +986,11 @@
     <name>UpdateBanner</name>
     <message>
         <source>Version %1 is needed in place of %2: %3</source>
-        <translation>需要版本 %1 代替 %2:%3</translation>
+        <translation>需要版本 %1 代替 %2：%3</translation>
     </message>
     <message>
         <source>Version %1 is there, newer than %2: %3</source>
-        <translation>有新版本 %1(当前为 %2):%3</translation>
+        <translation>有新版本 %1（当前为 %2）：%3</translation>
     </message>
     <message>
         <source>&amp;What is new</source>
@@ -1005,7 +1005,7 @@
     <name>Uploader</name>
     <message>
         <source>cannot read &quot;%1&quot;: %2</source>
-        <translation>无法读取“%1”:%2</translation>
+        <translation>无法读取“%1”：%2</translation>
     </message>
     <message>
         <source>cannot read all of &quot;%1&quot;</source>
@@ -1021,15 +1021,15 @@
     </message>
     <message>
         <source>the storage refused the recording or sent no usable answer</source>
-        <translation>存储拒绝了录音,或没有返回可用的应答</translation>
+        <translation>存储拒绝了录音，或没有返回可用的应答</translation>
     </message>
     <message>
         <source>the storage refused the recording: %1</source>
-        <translation>存储拒绝了录音:%1</translation>
+        <translation>存储拒绝了录音：%1</translation>
     </message>
     <message>
         <source>the recording could not be uploaded: %1</source>
-        <translation>无法上传录音:%1</translation>
+        <translation>无法上传录音：%1</translation>
     </message>
 </context>
 <context>
@@ -1047,7 +1047,7 @@
     </message>
     <message>
         <source>Arrow keys move the play head; [ and ] select, Escape gives the selection up</source>
-        <translation>方向键移动播放位置;[ 和 ] 选择片段,Esc 取消选择</translation>
+        <translation>方向键移动播放位置；[ 和 ] 选择片段，Esc 取消选择</translation>
     </message>
 </context>
 <context>
