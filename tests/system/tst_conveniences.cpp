@@ -317,6 +317,19 @@ private Q_SLOTS:
         QVERIFY(m_server.start(port));
     }
 
+    void aStartedServiceEndsWithAVospeakThatIsKilled()
+    {
+        m_server.close();
+        qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.filePath(QStringLiteral("data"))));
+        Program service(arguments("start"));
+        TRY_VERIFY(service.err().contains("Ctrl-C ends the service.\n"));
+        service.signal(SIGKILL);
+        service.outcome();
+        qunsetenv("XDG_DATA_HOME");
+        const quint16 port = SERVICE_PORT;
+        TRY_VERIFY(m_server.start(port)); // which the service had
+    }
+
 private:
     QString settings() const { return m_home.settings() + QStringLiteral("/vospeak.conf"); }
 

@@ -1,20 +1,12 @@
 #include "commands/start.h"
 
 #include "commandline/authority.h"
-#include "commands/localprogram.h"
 #include "hostkit/hostkit.h"
 #include "terminal/console.h"
 
 #include <QFileInfo>
-#include <QUrl>
 
 #include <utility>
-
-namespace {
-
-constexpr int patience = 6000; // ms; the service ends within five seconds
-
-} // namespace
 
 Start::Start(const Options &options, const Tools &tools)
     : Command(options, tools)
@@ -30,15 +22,6 @@ Start::Start(const Options &options, const Tools &tools)
     });
 }
 
-// It may take a moment to end what it does for others.
-Start::~Start()
-{
-    m_service.disconnect(this);
-    m_service.terminate();
-    if (!m_service.waitForFinished(patience))
-        m_service.kill();
-}
-
 QString Start::prepare(Options &)
 {
     if (!LocalProgram::isAsked())
@@ -49,11 +32,7 @@ QString Start::prepare(Options &)
     return {};
 }
 
-void Start::start()
-{
-    const int port = QUrl(HostKit::serviceAddress()).port(443);
-    m_service.start(LocalProgram::path(), {QStringLiteral("--port"), QString::number(port)});
-}
+void Start::start() { m_service.listen(); }
 
 // Codes and pages of sign-ins come here, too: the user has to read all of it.
 void Start::onOutput()

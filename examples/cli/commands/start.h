@@ -1,8 +1,7 @@
 #pragma once
 
 #include "commands/command.h"
-
-#include <QProcess>
+#include "commands/localprogram.h"
 
 /// Runs the local service until the user ends it, and has vospeak trust it.
 class Start : public Command
@@ -12,7 +11,6 @@ class Start : public Command
 
 public:
     Start(const Options &options, const Tools &tools);
-    ~Start() override;
 
     static QString prepare(Options &options);
 
@@ -23,6 +21,6 @@ private:
     void onReady(const QString &line);
     void onEnd();
 
-    QProcess m_service;
+    LocalProgram m_service;
     bool m_isReady = false;
 };

@@ -1,46 +1,23 @@
 #include "start/serviceprocess.h"
 
 #include "commands/localprogram.h"
-#include "hostkit/hostkit.h"
-
-#include <QUrl>
-
-#ifdef Q_OS_LINUX
-#include <csignal>
-#include <sys/prctl.h>
-#endif
-
-namespace {
-
-constexpr int patience = 6000; // ms; the service ends within five seconds
-
-} // namespace
 
 ServiceProcess::ServiceProcess(QObject *parent)
     : QObject(parent)
+    , m_process(new LocalProgram(this))
 {
-    connect(&m_process, &QProcess::readyReadStandardOutput, this, &ServiceProcess::onOutput);
+    connect(m_process, &QProcess::readyReadStandardOutput, this, &ServiceProcess::onOutput);
     // What is not read is lost and keeps no request waiting; the last line says why it has ended.
-    connect(&m_process, &QProcess::readyReadStandardError, this, [this] {
-        const QList<QByteArray> lines = m_process.readAllStandardError().trimmed().split('\n');
+    connect(m_process, &QProcess::readyReadStandardError, this, [this] {
+        const QList<QByteArray> lines = m_process->readAllStandardError().trimmed().split('\n');
         m_lastError = lines.last();
     });
-    connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+    connect(m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
             &ServiceProcess::onEnd);
-    connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+    connect(m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            Q_EMIT failed(m_process.errorString());
+            Q_EMIT failed(m_process->errorString());
     });
-}
-
-ServiceProcess::~ServiceProcess()
-{
-    m_process.disconnect(this);
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(patience))
-        m_process.kill();
 }
 
 QString ServiceProcess::program()
@@ -50,24 +27,16 @@ QString ServiceProcess::program()
 
 void ServiceProcess::start()
 {
-    if (m_process.state() != QProcess::NotRunning)
+    if (m_process->state() != QProcess::NotRunning)
         return;
     m_lastError.clear();
-    const int port = QUrl(HostKit::serviceAddress()).port(443);
-    m_process.start(program(), {QStringLiteral("--port"), QString::number(port)});
-}
-
-void ServiceProcess::Process::setupChildProcess()
-{
-#ifdef Q_OS_LINUX
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-#endif
+    m_process->listen();
 }
 
 void ServiceProcess::onOutput()
 {
-    while (m_process.canReadLine()) {
-        const QString line = QString::fromLocal8Bit(m_process.readLine()).trimmed();
+    while (m_process->canReadLine()) {
+        const QString line = QString::fromLocal8Bit(m_process->readLine()).trimmed();
         const QString separator = QStringLiteral(", authority ");
         const int place = line.indexOf(separator);
         if (place >= 0)

@@ -2,8 +2,9 @@
 
 #include <QByteArray>
 #include <QObject>
-#include <QProcess>
 #include <QString>
+
+class LocalProgram;
 
 /// The local service of the same build, in a process that ends with this object and, on Linux, with
 /// the program, even where that is killed.
@@ -14,7 +15,6 @@ class ServiceProcess : public QObject
 
 public:
     explicit ServiceProcess(QObject *parent = nullptr);
-    ~ServiceProcess() override;
 
     /// The program; empty: there is none, or the library asks another machine.
     static QString program();
@@ -36,13 +36,6 @@ private:
     void onOutput();
     void onEnd();
 
-    /// The process ends with the thread that starts it.
-    class Process : public QProcess
-    {
-    protected:
-        void setupChildProcess() override;
-    };
-
-    Process m_process;
+    LocalProgram *m_process; ///< A child.
     QByteArray m_lastError;
 };
