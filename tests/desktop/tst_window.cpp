@@ -61,6 +61,24 @@ enum Page { Speak, Recognize, Gallery, Account, Requests };
 
 using Widgets::button;
 
+/// As long as it lives, none but the system's authorities are trusted.
+class Distrust
+{
+    Q_DISABLE_COPY(Distrust)
+
+public:
+    Distrust()
+    {
+        QSslConfiguration strict = m_before;
+        strict.setCaCertificates(QSslConfiguration::systemCaCertificates());
+        QSslConfiguration::setDefaultConfiguration(strict);
+    }
+    ~Distrust() { QSslConfiguration::setDefaultConfiguration(m_before); }
+
+private:
+    const QSslConfiguration m_before = QSslConfiguration::defaultConfiguration();
+};
+
 } // namespace
 
 /// The window as its user has it, against the local service.
@@ -83,9 +101,7 @@ private Q_SLOTS:
     {
         QSettings().clear();
         QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively();
-        m_desk = std::make_unique<Desk>();
-        m_window = std::make_unique<MainWindow>(m_desk.get());
-        m_window->show();
+        openWindow();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         QSignalSpy loaded(m_desk->catalogue(), &Catalogue::loaded);
         m_window->connectToService();
@@ -408,18 +424,12 @@ private Q_SLOTS:
 
     void aServiceThatIsNotTrustedIsToldOnTheStartPage()
     {
-        const QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
-        QSslConfiguration strict = trusting;
-        strict.setCaCertificates(QSslConfiguration::systemCaCertificates());
-        QSslConfiguration::setDefaultConfiguration(strict);
-        m_window.reset();
-        m_desk = std::make_unique<Desk>();
-        m_window = std::make_unique<MainWindow>(m_desk.get());
-        m_window->show();
+        auto distrust = std::make_unique<Distrust>();
+        openWindow();
         m_window->connectToService();
         auto *start = page<StartPage>();
         TRY_VERIFY(start->isVisible());
-        QSslConfiguration::setDefaultConfiguration(trusting);
+        distrust.reset();
         QVERIFY2(notice<StartPage>().contains(QStringLiteral("not trusted")),
                  qPrintable(notice<StartPage>()));
         button(start, QStringLiteral("&Try again"))->click();
@@ -481,20 +491,13 @@ private Q_SLOTS:
 
     void aServiceThatAnotherWindowHasStartedIsUsed()
     {
-        const QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
-        QSslConfiguration strict = trusting;
-        strict.setCaCertificates(QSslConfiguration::systemCaCertificates());
-        QSslConfiguration::setDefaultConfiguration(strict);
-        m_window.reset();
-        m_desk = std::make_unique<Desk>();
-        m_window = std::make_unique<MainWindow>(m_desk.get());
-        m_window->show();
+        const Distrust distrust;
+        openWindow();
         m_window->connectToService();
         TRY_VERIFY(page<StartPage>()->isVisible());
         QSettings().setValue(QStringLiteral("authority"), m_service.authority());
         m_window->findChild<QAbstractButton *>(QStringLiteral("startService"))->click();
         TRY_VERIFY(!page<StartPage>()->isVisible());
-        QSslConfiguration::setDefaultConfiguration(trusting);
     }
 
     void withoutAServiceThereIsThePageThatStartsOne()
@@ -513,6 +516,14 @@ private Q_SLOTS:
     }
 
 private:
+    void openWindow()
+    {
+        m_window.reset();
+        m_desk = std::make_unique<Desk>();
+        m_window = std::make_unique<MainWindow>(m_desk.get());
+        m_window->show();
+    }
+
     void signInBySms(const QString &phone)
     {
         SignInSteps steps(&m_service);
