@@ -61,6 +61,7 @@ class Runner:
     def _execute(self, run):
         command = [self.program, run.contender, run.work, str(run.times)]
         if run.tool == "callgrind":
+            # In turns the threads get the same work done in about as many pieces each time.
             command = ["valgrind", "--tool=callgrind", "--fair-sched=yes", "--child-silent-after-fork=yes",
                        "--callgrind-out-file=/dev/null"] + command
         environment = {**os.environ, **(COUNTED_ENVIRONMENT if run.tool == "callgrind" else {})}
