@@ -24,12 +24,12 @@ class Row:
         self.name, self.what, measure, self.work, times, pieces, self.base, contenders, goal, quick = fields
         self.measure = MEASURES[measure]
         self.is_difference = measure == "allocations"  # compared by it, and not by a ratio
-        self.is_gate = measure == "instructions"  # those hold still on a busy machine
         self.times = [int(number) for number in times.split()]
         self.pieces = int(pieces)
         self.contenders = contenders.split()
         self.goal = None if goal == "-" else goal
-        self.is_quick = quick == "yes"
+        self.is_quick = quick in ("shown", "gate")
+        self.is_gate = quick == "gate"
         self.rounds = range(COUNTED_ROUNDS if self.measure.is_counted else TIMED_ROUNDS)
 
     def runs(self, contender, number):
