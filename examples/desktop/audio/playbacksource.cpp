@@ -46,7 +46,7 @@ void PlaybackSource::setLoop(qint64 start, qint64 end)
     m_loopEnd = whole(end);
 }
 
-bool PlaybackSource::hasEnded() const { return m_place >= whole(m_format.dataSize); }
+bool PlaybackSource::hasEnded() const { return !loops() && m_place >= whole(m_format.dataSize); }
 
 bool PlaybackSource::isSequential() const { return true; }
 
@@ -54,10 +54,9 @@ qint64 PlaybackSource::bytesAvailable() const { return m_format.dataSize - m_pla
 
 qint64 PlaybackSource::readData(char *data, qint64 most)
 {
-    const bool loops = m_loopEnd > m_loopStart;
-    if (loops && m_place >= m_loopEnd)
+    if (loops() && m_place >= m_loopEnd)
         m_place = m_loopStart;
-    const qint64 end = loops ? m_loopEnd : whole(m_format.dataSize);
+    const qint64 end = loops() ? m_loopEnd : whole(m_format.dataSize);
     const qint64 bytes = whole(qMin(most, end - m_place));
     if (bytes <= 0 || !m_file.seek(m_format.dataStart + m_place))
         return 0;
@@ -67,5 +66,7 @@ qint64 PlaybackSource::readData(char *data, qint64 most)
 }
 
 qint64 PlaybackSource::writeData(const char *, qint64) { return -1; }
+
+bool PlaybackSource::loops() const { return m_loopEnd > m_loopStart; }
 
 qint64 PlaybackSource::whole(qint64 bytes) const { return bytes - bytes % frameSize(); }

@@ -28,6 +28,7 @@ public:
     /// Goes from @p end back to @p start, in bytes; not where end <= start.
     void setLoop(qint64 start, qint64 end);
 
+    /// Never, while it goes round in a loop.
     bool hasEnded() const;
 
     bool isSequential() const override;
@@ -38,6 +39,7 @@ protected:
     qint64 writeData(const char *data, qint64 most) override;
 
 private:
+    bool loops() const;
     qint64 whole(qint64 bytes) const;
 
     QFile m_file;
