@@ -63,7 +63,6 @@ private:
     void receiveFile(QNetworkReply *reply)
     {
         auto *file = new QFile(QString::fromLatin1(downloadedFile), reply); // goes with the reply
-        file->remove();
         if (!file->open(QFile::WriteOnly))
             fail("cannot open the file");
         if (m_options.readBufferSize != 0)

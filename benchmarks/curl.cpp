@@ -57,7 +57,6 @@ public:
         m_body.clear();
         if (m_work.kind != Kind::File)
             return;
-        std::remove(downloadedFile);
         m_file = std::fopen(downloadedFile, "wb");
         check(m_file, "cannot open the file");
     }

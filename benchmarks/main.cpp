@@ -12,6 +12,7 @@
 #include <QSslConfiguration>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 
@@ -62,6 +63,7 @@ int main(int argc, char **argv)
         qFatal("usage: contest CONTENDER WORK COUNT");
     if (const Work *warmUp = warmUpFor(*work))
         contender->perform(*warmUp, 1);
+    std::remove(downloadedFile); // freeing what the disk's cache holds of it is not the download's
     const Meter meter;
     contender->perform(*work, std::atoi(argv[3]));
     meter.print();

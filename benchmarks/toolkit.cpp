@@ -37,7 +37,6 @@ private:
     void receiveFile(HttpRequest *request)
     {
         const QString name = QString::fromLatin1(downloadedFile);
-        QFile::remove(name);
         request->download(name).onDownloadFileFinished(this, SLOT(onFile(QString)));
     }
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int pieceSize = 65536; // bytes
+constexpr int pieceSize = 131072; // bytes; as much as Qt takes from a socket at a time
 constexpr char lengthHeader[] = "Content-Length";
 constexpr char codingHeader[] = "Transfer-Encoding";
 

@@ -39,7 +39,7 @@ struct HttpRequestFields
     qint32 repeatCount = 1;             ///< Attempts in all, retries apart; 1 and less: one.
     QAuthenticator authenticator;       ///< Credentials; null: the receivers are asked.
     qint32 maxAuthenticationTimes = 1;  ///< Answers to authentication; negative: no limit.
-    qint64 readBufferSize = -1;         ///< Bytes; 0: no bound; negative: none, downloads 256 KiB.
+    qint64 readBufferSize = -1;         ///< Bytes; 0: no bound; negative: see the setter.
     bool gathersBody = false;          ///< The body leaves the reply as it arrives, into one array.
     QList<QSslError> ignoredSslErrors; ///< The TLS errors to expect.
     bool isDownload = false;           ///< The body goes into a file.
@@ -140,7 +140,8 @@ public:
     HttpRequest &maxAuthenticationTimes(int count);
 
     /// Bytes that the reply buffers before it stops receiving; 0: no bound; negative: no bound, but
-    /// 256 KiB for downloads. A bounded reply that nobody reads stalls.
+    /// 512 KiB for downloads, 64 KiB where they come over TLS. A bounded reply that nobody reads
+    /// stalls.
     HttpRequest &readBufferSize(qint64 bytes);
 
     /// The TLS errors that are expected and so do not end the exchange.

@@ -77,8 +77,18 @@ constexpr auto authenticationFailedReply =
 constexpr auto headList = QOverload<QList<QNetworkReply::RawHeaderPair>>::of(&HttpResponse::head);
 constexpr auto headMap = QOverload<QMap<QString, QString>>::of(&HttpResponse::head);
 
-// Without a bound Qt receives as fast as it can and keeps in memory what is not written yet.
-constexpr qint64 downloadBufferSize = 262144; // bytes
+// Without a bound Qt receives as fast as it can and keeps in memory what is not written yet. What
+// it has deciphered it hands on in pieces of 4 KiB, but in one of 64 KiB where that is the bound,
+// which halves the time of a download; other bounds do not, a few KiB more or less. Without TLS a
+// larger bound wakes the threads less often.
+constexpr qint64 downloadBufferSize = 524288;     // bytes
+constexpr qint64 downloadBufferSizeOfTls = 65536; // bytes
+
+qint64 downloadBufferSizeFor(const QNetworkReply &reply)
+{
+    return reply.url().scheme() == QLatin1String("https") ? downloadBufferSizeOfTls
+                                                          : downloadBufferSize;
+}
 
 QString errorText(const QNetworkReply *reply, QNetworkReply::NetworkError code)
 {
@@ -482,7 +492,7 @@ qint64 HttpResponse::readBufferBound() const
     const HttpRequestFields &fields = m_request.fields;
     if (m_file && m_file->hasFailedToOpen())
         return 0; // nobody reads: a full buffer would hold up the exchange for good
-    return fields.isDownload && fields.readBufferSize < 0 ? downloadBufferSize
+    return fields.isDownload && fields.readBufferSize < 0 ? downloadBufferSizeFor(*m_reply)
                                                           : fields.readBufferSize;
 }
 

@@ -111,6 +111,37 @@ private Q_SLOTS:
         }
     }
 
+    void theBufferOfADownloadIsThatOfWhereTheFileComesFrom_data()
+    {
+        QTest::addColumn<bool>("tls");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<qint64>("asked");
+        QTest::addColumn<qint64>("applied");
+        QTest::newRow("HTTP") << false << "/f"_s << qint64(-1) << qint64(524288);
+        QTest::newRow("HTTPS") << true << "/f"_s << qint64(-1) << qint64(65536);
+        QTest::newRow("HTTP, redirected") << false << "/moved/f"_s << qint64(-1) << qint64(524288);
+        QTest::newRow("HTTPS, redirected") << true << "/moved/f"_s << qint64(-1) << qint64(65536);
+        QTest::newRow("HTTP to HTTPS") << false << "/secured/f"_s << qint64(-1) << qint64(65536);
+        QTest::newRow("its own") << false << "/secured/f"_s << qint64(5000) << qint64(5000);
+        QTest::newRow("none") << true << "/f"_s << qint64(0) << qint64(0);
+    }
+    void theBufferOfADownloadIsThatOfWhereTheFileComesFrom()
+    {
+        QFETCH(bool, tls);
+        QFETCH(QString, path);
+        QFETCH(qint64, asked);
+        QFETCH(qint64, applied);
+        TestFolder::write(m_server.file("f"_s), numbered(3000));
+        HttpClient client;
+        client.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+        qint64 bound = -1;
+        HttpRequest request(HttpMethod::Get, &client);
+        request.url(address(tls, path)).download(m_target).readBufferSize(asked);
+        request.onReadyRead([&bound](QNetworkReply *reply) { bound = reply->readBufferSize(); });
+        QVERIFY(waitUntilGone(request.send()));
+        QCOMPARE(bound, applied);
+    }
+
     void theHeadersAfterARedirectEndWithTheFilesOwn()
     {
         TestFolder::write(m_server.file("f"_s), numbered(3000));

@@ -28,6 +28,7 @@ http {
         location /noranges/ { max_ranges 0; alias %1/www/; }
         location /gzip/ { gzip on; gzip_types *; gzip_min_length 1; alias %1/www/; }
         location /moved/ { rewrite ^/moved/(.*)$ /$1 redirect; }
+        location /secured/ { rewrite ^/secured/(.*)$ https://localhost:%3/$1 redirect; }
     }
 }
 )";

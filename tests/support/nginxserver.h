@@ -9,6 +9,7 @@
 ///  - /noranges/NAME  without ranges
 ///  - /gzip/NAME      compressed
 ///  - /moved/NAME     a redirect to /NAME
+///  - /secured/NAME   a redirect to /NAME over TLS
 class NginxServer
 {
 public:
