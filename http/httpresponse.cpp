@@ -16,6 +16,7 @@
 #include <QThread>
 
 #include <cstring>
+#include <limits>
 #include <utility>
 
 /// Tells whether a response is still there after something that may destroy it. Unlike a QPointer
@@ -106,10 +107,11 @@ QMap<QString, QString> headerMap(const QList<QNetworkReply::RawHeaderPair> &head
     return map;
 }
 
-// QIODevice::readAll() allocates 16 KiB and then 32, however little there is to read. For blocks of
-// more than a KiB the C library first merges its small free ones, which costs more than all else
-// that is done for a request; so a short body is read into a buffer on the stack, and the array of
-// one that nobody has kept serves the next.
+// QIODevice::readAll() allocates 16 KiB and then 32, however little there is to read, and read() 16
+// for a buffer of its own when it is asked for less. For blocks of more than a KiB the C library
+// first merges its small free ones, which costs more than all else that is done for a request; so a
+// short body is read into a buffer on the stack, and the array of one that nobody has kept serves
+// the next.
 constexpr int mostOfShort = 16 * 1024; // bytes
 
 /// The array that is left over in this thread, if there is one; those that are cheap to have are
@@ -122,19 +124,38 @@ QByteArray &spareFor(int size)
     return size <= mostOfCheap ? cheap : dear;
 }
 
-QByteArray readBody(QNetworkReply *reply)
+QByteArray readShort(QNetworkReply *reply)
 {
     char bytes[mostOfShort];
-    const qint64 available = reply->bytesAvailable();
-    if (available == 0 || available > mostOfShort)
-        return reply->readAll();
     const int size = int(reply->read(bytes, mostOfShort));
     if (size <= 0)
-        return reply->readAll();
+        return {};
     QByteArray body = std::exchange(spareFor(size), {});
     body.resize(size);
     std::memcpy(body.data(), bytes, std::size_t(size));
-    return size == available ? body : body + reply->readAll(); // a host's own class may miscount
+    return body;
+}
+
+// readAll() reads a long body by 16 KiB and moves it each time that it needs a larger array.
+QByteArray readLong(QNetworkReply *reply, int size)
+{
+    QByteArray body(size, Qt::Uninitialized);
+    body.truncate(int(qMax(reply->read(body.data(), size), qint64(0))));
+    return body;
+}
+
+QByteArray readBody(QNetworkReply *reply)
+{
+    constexpr qint64 most = std::numeric_limits<int>::max() / 2; // of an array of bytes
+    const qint64 available = reply->bytesAvailable();
+    if (available <= 0 || available > most)
+        return reply->readAll();
+    const QByteArray body =
+        available > mostOfShort ? readLong(reply, int(available)) : readShort(reply);
+    if (body.size() == available && reply->bytesAvailable() == 0)
+        return body;
+    const QByteArray rest = reply->readAll(); // a host's own class may miscount
+    return body.isEmpty() ? rest : body + rest;
 }
 
 /// Keeps @p body for the next one, if it has no other owner and is short.
