@@ -47,7 +47,7 @@ class Row:
         return self.measure.value(used[0], self.times[0], self.pieces)
 
     def compare(self, value, base):
-        return value - base if self.is_difference else value / base
+        return round(value - base) if self.is_difference else value / base
 
     def outcome(self, results, contender):
         """The medians of a contender's values, and of what they are to the base's of the same round."""
@@ -88,7 +88,7 @@ def number(value):
 
 
 def comparison(outcome, value):
-    return f"{value:+.1f}" if outcome["isDifference"] else f"{value:.3f}"
+    return f"{value:+}" if outcome["isDifference"] else f"{value:.3f}"
 
 
 def cells(outcome):
