@@ -38,6 +38,13 @@ QString pictureProblem()
     return {};
 }
 
+// A code that nobody could ask about may have been confirmed.
+bool hasAnswered(const Reason &reason)
+{
+    return reason.kind != Kind::Unreachable && reason.kind != Kind::Network
+           && reason.kind != Kind::Tls && reason.kind != Kind::Proxy;
+}
+
 // Answered twice when the picture could not be fetched: with null, then with the record. The loop
 // goes on until the handler of the first answer has returned, which is after the second.
 std::unique_ptr<LoginQrCode> waitForCode(VoNetworkIntf *service)
@@ -140,13 +147,15 @@ void CodeSignInJob::ask()
 void CodeSignInJob::onUser(UserInfo *user)
 {
     const std::unique_ptr<UserInfo> owned(user);
-    FailureReasons::take();
+    const Reason reason = FailureReasons::take();
     if (user)
         finishWith(*user);
-    else if (m_code->expire_time < QDateTime::currentDateTime())
+    else if (m_code->expire_time >= QDateTime::currentDateTime())
+        askLater();
+    else if (hasAnswered(reason))
         fail({Kind::Expired, tr("the code has expired")});
     else
-        askLater();
+        fail(reason);
 }
 
 SmsSignInJob::SmsSignInJob(HostKit *kit, const QString &phone, QObject *parent)

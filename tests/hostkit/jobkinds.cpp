@@ -35,14 +35,6 @@ QJsonObject user()
                          {QStringLiteral("refresh_expire_time"), inAnHour()}}}};
 }
 
-QByteArray code()
-{
-    return Answers::envelope(
-        {{QStringLiteral("url"), serviceAddress() + QStringLiteral("/code.png")},
-         {QStringLiteral("expire_time"), QDateTime::currentSecsSinceEpoch() + 60},
-         {QStringLiteral("business_code"), QStringLiteral("b")}});
-}
-
 QByteArray confirmed()
 {
     return Answers::envelope(
@@ -129,7 +121,9 @@ QVector<JobKind> otherKinds()
         {"music", {music()}, made<MusicJob>},
         {"update", {update}, made<UpdateJob>},
         {"renewal", {renewal()}, made<RenewJob>},
-        {"code", {code(), ScriptedServer::reply("picture"), confirmed()}, made<CodeSignInJob>},
+        {"code",
+         {signInCode(), ScriptedServer::reply("picture"), confirmed()},
+         made<CodeSignInJob>},
         {"message",
          {Answers::envelope(), Answers::envelope(user())},
          [](HostKit *kit, const QDir &) {
@@ -142,6 +136,14 @@ QVector<JobKind> otherKinds()
 }
 
 } // namespace
+
+QByteArray signInCode(qint64 secondsLeft)
+{
+    return Answers::envelope(
+        {{QStringLiteral("url"), serviceAddress() + QStringLiteral("/code.png")},
+         {QStringLiteral("expire_time"), QDateTime::currentSecsSinceEpoch() + secondsLeft},
+         {QStringLiteral("business_code"), QStringLiteral("b")}});
+}
 
 QVector<JobKind> jobKinds() { return speechKinds() + otherKinds(); }
 

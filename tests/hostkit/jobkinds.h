@@ -28,5 +28,8 @@ QVector<JobKind> jobKinds();
 /// @p secondsLeft.
 void signIn(qint64 secondsLeft = 3600);
 
+/// The service's answer with a sign-in code that ends after @p secondsLeft; its picture comes next.
+QByteArray signInCode(qint64 secondsLeft = 60);
+
 /// Writes a WAV file of 8-bit silence.
 void writeRecording(const QString &path, double seconds = 1);

@@ -25,6 +25,8 @@ using Kind = Reason::Kind;
 
 } // namespace
 
+Q_DECLARE_METATYPE(Reason::Kind)
+
 /// What all kinds of jobs promise.
 class TestJobs : public QObject
 {
@@ -209,6 +211,29 @@ private Q_SLOTS:
         QCOMPARE(pauses.size(), 4);
         QVERIFY2(pauses.at(1) >= 200 && pauses.at(2) >= 300 && pauses.at(3) >= 450,
                  QByteArray::number(pauses.at(3)).constData());
+    }
+
+    void aCodeThatNobodyCouldAskAboutHasNotJustExpired_data()
+    {
+        QTest::addColumn<QByteArray>("answer"); // to the question; null: nobody is there
+        QTest::addColumn<Kind>("kind");
+        QTest::newRow("not confirmed") << Answers::envelope() << Kind::Expired;
+        QTest::newRow("refused") << Answers::refusal(5, "gone") << Kind::Expired;
+        QTest::newRow("nobody there") << QByteArray() << Kind::Unreachable;
+    }
+    void aCodeThatNobodyCouldAskAboutHasNotJustExpired()
+    {
+        QFETCH(const QByteArray, answer);
+        QFETCH(const Kind, kind);
+        m_server->answer(signInCode(0));
+        m_server->answer(ScriptedServer::reply("picture"));
+        m_server->answer(answer);
+        CodeSignInJob job(&*m_kit);
+        connect(&job, &CodeSignInJob::codeReady, this, [&] {
+            if (answer.isNull())
+                m_server->close();
+        });
+        QCOMPARE(reasonOf(&job).kind, kind);
     }
 
     void requestsAtOnceHaveTheirOwnAnswers()
