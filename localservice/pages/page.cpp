@@ -88,11 +88,11 @@ Page makePage(Language language, const PageContents &contents, int status)
              {"X-Content-Type-Options", "nosniff"}}};
 }
 
-// A speech bubble with a sound wave in it.
+// A speech bubble with a sound wave in it. Its blue stands out from light pages and from dark ones.
 std::string icon()
 {
     return R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 64 64">
-<path fill="#0b4fa8" d="M16 4h32a12 12 0 0 1 12 12v22a12 12 0 0 1-12 12H32L18 61V50h-2A12 12 0 0 1 4 38V16A12 12 0 0 1 16 4z"/>
+<path fill="#2a78dc" d="M16 4h32a12 12 0 0 1 12 12v22a12 12 0 0 1-12 12H32L18 61V50h-2A12 12 0 0 1 4 38V16A12 12 0 0 1 16 4z"/>
 <path stroke="#fff" stroke-width="5" stroke-linecap="round" d="M16 24v6M24 18v18M32 13v28M40 18v18M48 24v6"/>
 </svg>
 )";
