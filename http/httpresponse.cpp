@@ -150,8 +150,7 @@ QByteArray readBody(QNetworkReply *reply)
     const qint64 available = reply->bytesAvailable();
     if (available <= 0 || available > most)
         return reply->readAll();
-    const QByteArray body =
-        available > mostOfShort ? readLong(reply, int(available)) : readShort(reply);
+    QByteArray body = available > mostOfShort ? readLong(reply, int(available)) : readShort(reply);
     if (body.size() == available && reply->bytesAvailable() == 0)
         return body;
     const QByteArray rest = reply->readAll(); // a host's own class may miscount
