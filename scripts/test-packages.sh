@@ -72,7 +72,11 @@ inside sh -c 'dpkg --install /packages/*.deb' >"$work/log" 2>&1 || { cat "$work/
 step "run"
 inside vospeak --version
 inside vospeak --help >"$work/help"
-inside env QT_QPA_PLATFORM=offscreen vodesk --version
+inside sh -euc '
+    export QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=/tmp/session # as a desktop session has one
+    mkdir -m 700 $XDG_RUNTIME_DIR
+    vodesk --version
+    rmdir $XDG_RUNTIME_DIR'
 converse
 cp tests/consumer/project/main.cpp "$work"
 tests/consumer/pkg-config.sh c++ "$work" "$(dirname "$root"/usr/lib/*/pkgconfig/vonetwork.pc)"
