@@ -6,6 +6,7 @@
 #include "benchmarks/meter.h"
 #include "benchmarks/work.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QSslCertificate>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <iterator>
 
 namespace {
@@ -65,7 +65,7 @@ int main(int argc, char **argv)
         contender->perform(*warmUp, 1);
     std::remove(downloadedFile); // freeing what the disk's cache holds of it is not the download's
     const Meter meter;
-    contender->perform(*work, std::atoi(argv[3]));
+    contender->perform(*work, QByteArray(argv[3]).toInt());
     meter.print();
     return 0;
 }

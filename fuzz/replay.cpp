@@ -13,8 +13,8 @@ int main(int argc, char *argv[])
     std::error_code error;
     int count = 0;
     for (const auto &entry : std::filesystem::directory_iterator(folder, error)) {
-        std::cerr << entry.path().filename().string()
-                  << std::endl; // flushed: the last name is that of the file that ended the program
+        std::cerr << entry.path().filename().string() << '\n'
+                  << std::flush; // the last name is that of the file that ended the program
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string bytes(std::istreambuf_iterator<char>(file), {});
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());

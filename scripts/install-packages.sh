@@ -18,7 +18,7 @@ build=(g++ cmake ninja-build pkg-config qtbase5-dev libcpp-httplib-dev nlohmann-
     qttools5-dev qttools5-dev-tools libqt5multimedia5-plugins)
 test=(abigail-tools ccache fish iproute2 man-db mandoc nginx-light python3-httpbin gunicorn squid
     zbar-tools zsh)
-check=(git clang clang-format clang-tidy clazy valgrind libcurl4-openssl-dev g++-mingw-w64-x86-64-posix)
+check=(git clang clang-format clang-tidy-22 clazy valgrind libcurl4-openssl-dev g++-mingw-w64-x86-64-posix)
 docs=(doxygen graphviz fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 pictures=(fonts-dejavu-core fonts-wqy-microhei xauth xvfb)

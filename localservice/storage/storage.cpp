@@ -79,7 +79,7 @@ std::optional<OpenObject> Storage::open(const ObjectName &object) const
 
 std::optional<std::filesystem::path> Storage::file(const ObjectName &object) const
 {
-    const std::filesystem::path path = m_objects / object.directory / object.name;
+    std::filesystem::path path = m_objects / object.directory / object.name;
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error))
         return std::nullopt;
