@@ -77,7 +77,8 @@ bool isException(const QString &entry, const QString &host)
     if (!number.isNull())
         return number.isInSubnet(QHostAddress::parseSubnet(entry));
     const QString suffix = entry.startsWith(QLatin1Char('.')) ? entry : QLatin1Char('.') + entry;
-    return (QLatin1Char('.') + host).endsWith(suffix, Qt::CaseInsensitive);
+    const QString name = QLatin1Char('.') + host;
+    return name.endsWith(suffix, Qt::CaseInsensitive);
 }
 
 /// The proxies that the environment variables name.
