@@ -69,7 +69,11 @@ protected:
 struct Update
 {
     /// The values on which the service and its hosts have agreed.
-    enum class State : qint32 { UpToDate = 0, NewerIsThere = 1, NewerIsNeeded = 2 };
+    enum class State : qint32 {
+        UpToDate = 0,      ///< Nothing: there is none.
+        NewerIsThere = 1,  ///< It may be installed.
+        NewerIsNeeded = 2, ///< It has to be: the present one is not supported any more.
+    };
 
     State state = State::UpToDate; ///< What to do.
     QString currentVersion;        ///< Of the library.

@@ -5,12 +5,12 @@
 
 #include <type_traits>
 
-// The callback families, one row each: the kind, the signal of HttpResponse that its callbacks
-// attach to, and the overloads of that signal in the order in which they are tried. The binder, the
-// registration of types, the checks of the typed conveniences and the tests are made from this
-// table. A kind without a row leaves a switch of the binder incomplete; a row without a typed
-// convenience in HttpRequest does not compile in the tests.
 // clang-format off
+/// The callback families, one row each: the kind, the signal of HttpResponse that its callbacks
+/// attach to, and the overloads of that signal in the order in which they are tried. The binder, the
+/// registration of types, the checks of the typed conveniences and the tests are made from this
+/// table. A kind without a row leaves a switch of the binder incomplete; a row without a typed
+/// convenience in HttpRequest does not compile in the tests.
 #define VOHTTP_CALLBACK_FAMILIES(FAMILY)                                                           \
     FAMILY(Finished, finished, void(), void(QByteArray), void(QVariantMap), void(QNetworkReply *), \
            void(QString))                                                                          \
@@ -53,6 +53,7 @@ struct HttpCallbackFormList
 template <CallbackKind Kind>
 struct HttpCallbackFamily;
 
+/// The specialisation of HttpCallbackFamily that a row stands for.
 #define VOHTTP_CALLBACK_FAMILY(KIND, NAME, ...)                                                    \
     template <>                                                                                    \
     struct HttpCallbackFamily<CallbackKind::KIND>                                                  \

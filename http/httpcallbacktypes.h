@@ -12,10 +12,10 @@
 
 #include <functional>
 
-// The std::function types that a callback may have. The name that stands here, blank included, is
-// the one under which the meta-type system knows the type, and the key under which a callback of
-// that type is bound. Qt's own declaration macros would take the blank out, so the types are
-// registered by hand.
+/// The std::function types that a callback may have. The name that stands here, blank included, is
+/// the one under which the meta-type system knows the type, and the key under which a callback of
+/// that type is bound. Qt's own declaration macros would take the blank out, so the types are
+/// registered by hand.
 #define VOHTTP_CALLBACK_TYPE(NAME, ...)                                                            \
     template <>                                                                                    \
     struct QMetaTypeId<std::function<__VA_ARGS__>>                                                 \

@@ -5,6 +5,11 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh docs
 
+fail() {
+    echo "docs: $1" >&2
+    exit 1
+}
+
 for picture in docs/*.dot; do
     dot -Tsvg "$picture" -o "${picture%.dot}.svg"
 done
@@ -16,10 +21,21 @@ public_headers() { # FOLDER
 inputs=({,localservice/,benchmarks/}README.md CONTRIBUTING.md CHANGELOG.md docs/*.md docs/decisions/*.md)
 for folder in hostkit http network; do
     mapfile -t headers < <(public_headers "$folder")
-    [ ${#headers[@]} -gt 0 ] || { echo "docs: there are no public headers in $folder/" >&2; exit 1; }
+    [ ${#headers[@]} -gt 0 ] || fail "there are no public headers in $folder/"
     inputs+=("${headers[@]}")
 done
 
 rm -rf build/docs
 mkdir -p build/docs
 { cat docs/Doxyfile && echo "INPUT = ${inputs[*]}"; } | doxygen -
+
+# Doxygen lets values of enumerations pass; those without a comment are no links in the lists of values.
+if grep -rhoE '(\{ |&#160;|^, )<b>[A-Za-z0-9_]+</b>' build/docs/html --include='*.html'; then
+    fail "these values of enumerations have no comment"
+fi
+
+# A header without a page would have its enumerations and functions neither shown nor checked.
+for header in "${inputs[@]}"; do
+    page=$(basename "$header" .h)_8h.html
+    [ "${header##*.}" != h ] || [ -e "build/docs/html/$page" ] || fail "$header has no page"
+done
