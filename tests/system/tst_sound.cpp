@@ -15,6 +15,7 @@
 
 #include <csignal>
 #include <sndfile.hh>
+#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -36,6 +37,24 @@ void writeTwice(const QByteArray &samples, int format, const char *path)
     SndfileHandle file(path, SFM_WRITE, format, 2, 32000);
     const auto count = sf_count_t(values.size());
     QCOMPARE(file.write(values.data(), count), count);
+}
+
+void writeSilence(int seconds, const char *path)
+{
+    constexpr int rate = 44100;
+    const std::vector<short> second(rate);
+    SndfileHandle file(path, SFM_WRITE, SF_FORMAT_AU | SF_FORMAT_PCM_S8, 1, rate);
+    for (int i = 0; i < seconds; ++i)
+        QCOMPARE(file.write(second.data(), rate), sf_count_t(rate));
+}
+
+/// The most memory, in bytes, that any program took which this process has started and which has
+/// ended.
+qint64 mostMemoryOfPrograms()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return qint64(usage.ru_maxrss) * 1024;
 }
 
 } // namespace
@@ -271,6 +290,21 @@ private Q_SLOTS:
         const Outcome outcome = vospeak(arguments("recognize other") + m_service.access());
         QCOMPARE(outcome.err, QByteArray());
         QCOMPARE(words(QString::fromUtf8(outcome.out)), words(sentence()));
+    }
+
+    void theLengthOfARecordingThatIsConvertedTakesNoMemory()
+    {
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("the sanitiser keeps what was freed", );
+#endif
+        constexpr qint64 most = 100000000; // bytes
+        QVERIFY(mostMemoryOfPrograms() < most);
+        writeSilence(600, "long"); // 100 MB as numbers
+        const Outcome outcome =
+            vospeak(arguments("recognize long --token 1 --ca") << m_service.authority());
+        QCOMPARE(outcome.status, 5); // the service does not know the token
+        QVERIFY2(mostMemoryOfPrograms() < most,
+                 QByteArray::number(mostMemoryOfPrograms()).constData());
     }
 
     void whatTheMicrophoneHearsIsRecognised_data()
