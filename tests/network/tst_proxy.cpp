@@ -4,6 +4,7 @@
 #include "tests/support/squidserver.h"
 #include "tests/support/testfolder.h"
 
+#include <QHostInfo>
 #include <QNetworkProxy>
 #include <QTest>
 
@@ -24,7 +25,8 @@ private Q_SLOTS:
     void aDownloadGoesThroughTheProxy();
     void thePictureOfACodeGoesThroughTheProxy();
     void aPictureOfAVoiceGoesThroughTheProxy();
-    void thisMachineIsAskedPastTheProxy();
+    void onlyLoopbackIsAskedPastTheProxy_data();
+    void onlyLoopbackIsAskedPastTheProxy();
 
 private:
     void useProxy(bool good);
@@ -155,17 +157,32 @@ void TestProxy::aPictureOfAVoiceGoesThroughTheProxy()
     TRY_COMPARE(proxyLog(), tunnelLog(true));
 }
 
-// Qt sees to it that what is on this machine stays there.
-void TestProxy::thisMachineIsAskedPastTheProxy()
+// Qt sees to it. It looks at the text of the address and asks for no name.
+void TestProxy::onlyLoopbackIsAskedPastTheProxy_data()
 {
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<bool>("direct");
+    QTest::newRow("localhost") << "localhost"_s << true;
+    QTest::newRow("loopback address") << "127.0.0.1"_s << true;
+    if (!QHostInfo::localHostName().startsWith("localhost"_s))
+        QTest::newRow("name of this machine") << QHostInfo::localHostName() << false;
+}
+
+void TestProxy::onlyLoopbackIsAskedPastTheProxy()
+{
+    QFETCH(QString, host);
+    QFETCH(bool, direct);
     useProxy(false);
     ScriptedServer files;
     QVERIFY(files.start());
     files.answer(ScriptedServer::reply("audio"));
     const QString path = temporary->filePath("audio.mp3"_s);
-    QVERIFY(service->DownloadLongTTSRet(files.address("/a"_s), path));
-    QCOMPARE(TestFolder::contents(path), QByteArray("audio"));
-    QCOMPARE(proxyLog(), QStringList());
+    const QString address = files.address("/a"_s).replace("localhost"_s, host);
+    QCOMPARE(service->DownloadLongTTSRet(address, path), direct);
+    QCOMPARE(TestFolder::contents(path), QByteArray(direct ? "audio" : "<unreadable>"));
+    QStringList log = direct ? QStringList() : tunnelLog(false);
+    log.replaceInStrings("CONNECT <service>"_s, "GET "_s + address);
+    TRY_COMPARE(proxyLog(), log);
 }
 
 QTEST_GUILESS_MAIN(TestProxy)
