@@ -4,7 +4,8 @@
 
 class QString;
 
-/// The proxies on the way to servers. Qt itself never uses one for addresses of this machine.
+/// The proxies on the way to servers. Qt itself never uses one for localhost and the
+/// loopback addresses.
 namespace Proxies {
 
 /// Sends every request from now on through the proxy @p address; empty: through none. Without a

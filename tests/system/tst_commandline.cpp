@@ -183,7 +183,7 @@ private Q_SLOTS:
             {"help logout", {"its tokens stay valid at the service until they run out."}},
             {"help options",
              {"--ca", "A proxy is written http://[USER:PASSWORD@]HOST:PORT",
-              "Addresses of this machine are always asked directly.",
+              "localhost and loopback addresses are asked directly.",
               "Every user of this machine can read --token"}},
         };
         for (const auto &row : rows) {

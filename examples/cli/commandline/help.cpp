@@ -16,7 +16,7 @@ const QLatin1String
                 "user's configuration folder stand in.\n"
                 "A proxy is written http://[USER:PASSWORD@]HOST:PORT, or with socks5:// or\n"
                 "socks5h://. Without --proxy the environment's https_proxy, http_proxy, all_proxy\n"
-                "and no_proxy choose one. Addresses of this machine are always asked directly.\n"
+                "and no_proxy choose one; localhost and loopback addresses are asked directly.\n"
                 "Every user of this machine can read --token, and a password in --proxy, in the\n"
                 "list of processes. NO_COLOR turns colours off. What follows -- is no option.\n");
 
