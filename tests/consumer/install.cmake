@@ -1,7 +1,13 @@
 # Installs what is built in BUILD, moves it to FOLDER, and fails unless it is what installed.txt lists
-# for a LIBDIR, a VERSION and a CONFIG.
+# for a LIBDIR, a VERSION and a CONFIG, which is empty without a build type.
 file(REMOVE_RECURSE ${FOLDER} ${FOLDER}.at-first)
-execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}.at-first
+set(config noconfig)
+set(only)
+if(CONFIG)
+    string(TOLOWER ${CONFIG} config)
+    set(only --config ${CONFIG})
+endif()
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}.at-first ${only}
     RESULT_VARIABLE failed OUTPUT_QUIET)
 if(failed)
     message(FATAL_ERROR "cmake --install: ${failed}")
