@@ -3,6 +3,7 @@
 #include "hostkit/hostkit.h"
 #include "hostkit/networkreason.h"
 #include "hostkit/serveraddress.h"
+#include "http/ofthisthread.h"
 
 #include <QLoggingCategory>
 #include <QMutex>
@@ -24,10 +25,15 @@ std::atomic<QtMessageHandler> hostsHandler{nullptr};
 std::atomic<QtMessageHandler> earlierHandler{nullptr};
 std::atomic<bool> showsDebug{true}; // what the host's rules say of the category "default"
 
+/// What a thread has heard of its requests.
+struct Heard
+{
+    Reason lastReason;
+    QString fetchedAddress;
+};
+
 thread_local bool isHandling = false;
-thread_local Reason lastReason;
 thread_local bool isPictureSafe = false;
-thread_local QString fetchedAddress;
 
 // What the debug stream put in quotation marks, as it was before.
 QString unquoted(const QString &quoted)
@@ -71,9 +77,11 @@ void readFailure(const QString &line)
     const auto match = failure.match(line);
     if (!match.hasMatch())
         return;
-    lastReason = match.capturedLength(1) > 0
-                     ? NetworkReason::ofText(unquoted(match.captured(2)), HostKit::serviceAddress())
-                     : NetworkReason::ofName(match.captured(3), fetchedAddress);
+    auto &heard = ofThisThread<Heard>();
+    heard.lastReason =
+        match.capturedLength(1) > 0
+            ? NetworkReason::ofText(unquoted(match.captured(2)), HostKit::serviceAddress())
+            : NetworkReason::ofName(match.captured(3), heard.fetchedAddress);
 }
 
 // [error]slotTTSSuc failed:retCode= 401 ,msg= "the access token is not valid"
@@ -86,7 +94,8 @@ void readRefusal(const QString &line)
             R"x(^\[error\][\w ]+ failed:(?:retCode=)?(?: (-?\d+) ,(?:msg=)?)? "(.*)"\s*$)x"),
         QRegularExpression::DotMatchesEverythingOption);
     if (const auto match = refused.match(line); match.hasMatch())
-        lastReason = refusal(match.captured(1).toInt(), unquoted(match.captured(2)));
+        ofThisThread<Heard>().lastReason =
+            refusal(match.captured(1).toInt(), unquoted(match.captured(2)));
 }
 
 // "[error][slotTTSSuc]json parse error:illegal value"
@@ -95,7 +104,8 @@ void readParseError(const QString &line)
     static const QRegularExpression unreadable(
         QStringLiteral(R"(^"\[error\]\[slot\w+\]json parse)"));
     if (unreadable.match(line).hasMatch())
-        lastReason = {Reason::Kind::BadAnswer, HostKit::tr("the service sent no usable answer")};
+        ofThisThread<Heard>().lastReason = {Reason::Kind::BadAnswer,
+                                            HostKit::tr("the service sent no usable answer")};
 }
 
 // VoNetworker::DownloadLoginQrCode qrUrl= "https://..." ,saveDir= "/tmp/..."
@@ -106,9 +116,10 @@ void readFetch(const QString &line)
     const auto match = fetch.match(line);
     if (!match.hasMatch())
         return;
-    fetchedAddress = match.captured(2);
+    const QString address = match.captured(2);
+    ofThisThread<Heard>().fetchedAddress = address;
     if (match.captured(1) == QLatin1String("LoginQrCode"))
-        isPictureSafe = ServerAddress::isUsable(fetchedAddress);
+        isPictureSafe = ServerAddress::isUsable(address);
 }
 
 void readLine(const QString &line)
@@ -175,6 +186,6 @@ FailureReasons::~FailureReasons()
         qInstallMessageHandler(current);
 }
 
-Reason FailureReasons::take() { return std::exchange(lastReason, {}); }
+Reason FailureReasons::take() { return std::exchange(ofThisThread<Heard>().lastReason, {}); }
 
 bool FailureReasons::isPictureTrusted() { return isPictureSafe; }

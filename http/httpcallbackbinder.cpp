@@ -3,6 +3,7 @@
 #include "http/httpcallbackfamilies.h"
 #include "http/httprequest.h"
 #include "http/httpresponse.h"
+#include "http/ofthisthread.h"
 
 #include <QDebug>
 #include <QHash>
@@ -135,7 +136,7 @@ Member findMember(const QMetaObject *metaObject, int kind, const QString &key)
 const Member &memberOf(const QMetaObject *metaObject, int kind, const QString &key)
 {
     constexpr int mostEntries = 1024;
-    thread_local QHash<QPair<QPair<const QMetaObject *, int>, QString>, Member> found;
+    auto &found = ofThisThread<QHash<QPair<QPair<const QMetaObject *, int>, QString>, Member>>();
     const auto place = qMakePair(qMakePair(metaObject, kind), key);
     const auto known = found.constFind(place);
     if (known != found.constEnd() && known->index >= 0

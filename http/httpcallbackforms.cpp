@@ -1,5 +1,7 @@
 #include "http/httpcallbackforms.h"
 
+#include "http/ofthisthread.h"
+
 #include <functional>
 #include <map>
 #include <string>
@@ -9,7 +11,7 @@
 QString HttpCallbackForms::slotKey(const char *slot)
 {
     constexpr std::size_t mostEntries = 1024;
-    thread_local std::map<std::string, QString, std::less<>> keys;
+    auto &keys = ofThisThread<std::map<std::string, QString, std::less<>>>();
     if (!slot)
         return QString();
     const auto known = keys.find(std::string_view(slot));

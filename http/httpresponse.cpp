@@ -5,6 +5,7 @@
 #include "http/httpcallbackbinder.h"
 #include "http/httpdump.h"
 #include "http/httpresponsetimeout.h"
+#include "http/ofthisthread.h"
 #include "http/replykeeper.h"
 #include "http/replywires.h"
 
@@ -118,10 +119,14 @@ constexpr int mostOfShort = 16 * 1024; // bytes
 /// apart, so that a body gets one of about its own size.
 QByteArray &spareFor(int size)
 {
+    struct Spares
+    {
+        QByteArray cheap;
+        QByteArray dear;
+    };
     constexpr int mostOfCheap = 1024; // bytes
-    thread_local QByteArray cheap;
-    thread_local QByteArray dear;
-    return size <= mostOfCheap ? cheap : dear;
+    Spares &spares = ofThisThread<Spares>();
+    return size <= mostOfCheap ? spares.cheap : spares.dear;
 }
 
 QByteArray readShort(QNetworkReply *reply)

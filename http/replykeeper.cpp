@@ -1,5 +1,7 @@
 #include "http/replykeeper.h"
 
+#include "http/ofthisthread.h"
+
 #include <QEvent>
 #include <QNetworkReply>
 
@@ -11,12 +13,6 @@
 class ReplyKeeper::Filter : public QObject
 {
 public:
-    static Filter &ofThisThread()
-    {
-        thread_local Filter filter;
-        return filter;
-    }
-
     /// The keeper that came last; null: none.
     ReplyKeeper *keeperOf(const QObject *reply) const
     {
@@ -45,14 +41,14 @@ ReplyKeeper::ReplyKeeper(QNetworkReply *reply)
 {
     if (!reply)
         return;
-    Filter &filter = Filter::ofThisThread();
+    Filter &filter = ofThisThread<Filter>();
     filter.keepers.push_back(this);
     reply->installEventFilter(&filter);
 }
 
 ReplyKeeper::~ReplyKeeper()
 {
-    auto &keepers = Filter::ofThisThread().keepers;
+    auto &keepers = ofThisThread<Filter>().keepers;
     keepers.erase(std::remove(keepers.begin(), keepers.end(), this), keepers.end());
     if (m_reply && m_deletionAskedFor)
         m_reply->deleteLater();
@@ -60,5 +56,5 @@ ReplyKeeper::~ReplyKeeper()
 
 bool ReplyKeeper::isInUse(const QNetworkReply *reply)
 {
-    return Filter::ofThisThread().keeperOf(reply) != nullptr;
+    return ofThisThread<Filter>().keeperOf(reply) != nullptr;
 }
