@@ -295,11 +295,11 @@ private Q_SLOTS:
         qputenv("XDG_DATA_HOME", QFile::encodeName(data));
         QVERIFY(QDir().mkpath(m_home.settings()));
         TestFolder::write(settings(), "# mine");
+        const QByteArray authority = data.toUtf8() + "/vo-localservice/tls/authority.pem\n";
         {
             Program service(arguments("start"));
             TRY_VERIFY(service.err().contains("Ctrl-C ends the service.\n"));
-            QCOMPARE(TestFolder::contents(settings()),
-                     "# mine\nca=" + data.toUtf8() + "/vo-localservice/tls/authority.pem\n");
+            QCOMPARE(TestFolder::contents(settings()), "# mine\nca=" + authority);
             QCOMPARE(vospeak(arguments("say hello --anonymous -o a.wav")).status, 0);
             service.signal(SIGINT);
             QCOMPARE(service.outcome().status, 130);
@@ -310,6 +310,7 @@ private Q_SLOTS:
         Program service(arguments("start"));
         TRY_VERIFY(service.err().contains("Ctrl-C ends the service.\n"));
         QCOMPARE(TestFolder::contents(settings()), QByteArray("ca=" TEST_AUTHORITY "\n"));
+        QVERIFY(service.err().contains("vospeak trusts this service with --ca " + authority));
         service.signal(SIGINT);
         QCOMPARE(service.outcome().status, 130);
         qunsetenv("XDG_DATA_HOME");

@@ -48,11 +48,14 @@ void Start::onOutput()
 
 void Start::onReady(const QString &line)
 {
-    const QString authority = line.section(QStringLiteral(", authority "), 1);
+    const QFileInfo authority(line.section(QStringLiteral(", authority "), 1));
     const QString trusted = Authority::of(options());
-    if (trusted.isEmpty() && Authority::remember(QFileInfo(authority).absoluteFilePath()))
+    if (trusted.isEmpty() && Authority::remember(authority.absoluteFilePath()))
         Console::show(QStringLiteral("vospeak trusts this service from now on (see %1)\n")
                           .arg(Authority::settings()));
+    else if (QFileInfo(trusted).canonicalFilePath() != authority.canonicalFilePath())
+        Console::show(QStringLiteral("vospeak trusts this service with --ca %1\n")
+                          .arg(authority.absoluteFilePath()));
     Console::show(QStringLiteral("In another terminal: vospeak login --sms 5550100\n"
                                  "Ctrl-C ends the service.\n"));
 }
