@@ -21,7 +21,7 @@ hosts=(
 
 # In these folders there is no internal header.
 cmake --preset lint >/dev/null
-public=(build/lint/tests/{http,network}/public)
+public=(build/lint/tests/{http,network,hostkit}/public)
 mapfile -t headers < <(find "${public[@]}" -name '*.h' -printf '%P\n' | sort)
 
 # Qt's headers count as the system's, so only what these headers do themselves is warned of.
