@@ -8,4 +8,4 @@ s/\.md#[a-z0-9-]+\)/.md)/g
 # Pictures are found by their names; from build/docs/html the root of the tree is three folders up.
 s#\((\.\./)*docs/([a-z-]+\.png)\)#(\2)#g
 s#src="docs/#src="../../../docs/#g
-s#\]\((\.\./)*((examples|http|network|scripts|tests)(/[^)]*)?)\)#](../../../\2)#g
+s#\]\((\.\./)*((examples|hostkit|http|network|scripts|tests)(/[^)]*)?)\)#](../../../\2)#g

@@ -29,6 +29,12 @@ rm -rf build/docs
 mkdir -p build/docs
 { cat docs/Doxyfile && echo "INPUT = ${inputs[*]}"; } | doxygen -
 
+# Links out of the pages lead into the sources.
+grep -rhoE '(href|src)="\.\./[^"#]*' build/docs/html --include='*.html' | sed 's/^[^"]*"//' | sort -u |
+    while read -r link; do
+        [ -e "build/docs/html/$link" ] || fail "a page leads to $link, which is not there"
+    done
+
 # Doxygen lets values of enumerations pass; those without a comment are no links in the lists of values.
 if grep -rhoE '(\{ |&#160;|^, )<b>[A-Za-z0-9_]+</b>' build/docs/html --include='*.html'; then
     fail "these values of enumerations have no comment"
