@@ -234,8 +234,6 @@ private Q_SLOTS:
         QFETCH(QByteArray, bytes);
         QFETCH(Then, then);
         QFETCH(QString, outcome);
-        if (then == Then::Reset && HttpTesting::isUnderWine())
-            QSKIP("Wine does not report each reset", );
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(bytes, then);

@@ -65,6 +65,21 @@ class TestHttpBodies : public QObject
         return m_server.requests().first();
     }
 
+    /// Sends @p request, which has to fail before the server has all of it.
+    void failsUnsent(HttpRequest request, HttpClient &client)
+    {
+        m_server.reset();
+        m_server.answer(ScriptedServer::reply(""));
+        request.fields.client = &client;
+        CallbackLog callbacks;
+        HttpResponse *response =
+            callbacks.bindOutcomes(request.url(m_server.address("/"_s))).send();
+        QVERIFY(waitUntilGone(response));
+        QCOMPARE(callbacks.outcomes(), 1);
+        QCOMPARE(callbacks.lines().first(), "error()"_s);
+        QCOMPARE(m_server.requests(), QList<QByteArray>());
+    }
+
     static QByteArray boundaryOf(const WireRequest &request)
     {
         const QByteArray type = request.header("Content-Type");
@@ -164,6 +179,13 @@ private Q_SLOTS:
         HttpRequest request(HttpMethod::Put, nullptr);
         request.fileMapBody({{"a"_s, fileNamed("there.txt"_s, "there")}, {"b"_s, path}});
         LogCapture log; // Qt may complain of the closed device; the toolkit does not
+#ifdef Q_OS_WIN
+        // Elsewhere Qt takes a file that is not open for one without an end, and reads it first.
+        // Here it believes its size, announces that, and finds that it cannot be read.
+        failsUnsent(request, client);
+        QCOMPARE(log.texts(QtCriticalMsg), QStringList());
+        return;
+#endif
         const WireRequest got(sent(request, client));
         QVERIFY2(boundaryOf(got).startsWith("boundary_.oOo._"),
                  boundaryOf(got) + got.line + got.body);
@@ -175,17 +197,9 @@ private Q_SLOTS:
     void aFolderInsteadOfAFileFails()
     {
         // It has a size but cannot be read, so Qt announces more than it can send.
-        m_server.reset();
-        m_server.answer(ScriptedServer::reply(""));
         HttpClient client;
-        HttpRequest request(HttpMethod::Put, &client);
-        request.url(m_server.address("/"_s)).fileMapBody({{"a"_s, m_folder.path()}});
-        CallbackLog callbacks;
-        HttpResponse *response = callbacks.bindOutcomes(request).send();
-        QVERIFY(waitUntilGone(response));
-        QCOMPARE(callbacks.outcomes(), 1);
-        QCOMPARE(callbacks.lines().first(), "error()"_s);
-        QCOMPARE(m_server.requests(), QList<QByteArray>());
+        HttpRequest request(HttpMethod::Put, nullptr);
+        failsUnsent(request.fileMapBody({{"a"_s, m_folder.path()}}), client);
     }
 
     void anEmptyFormIsOnlyItsEnd_data()

@@ -315,9 +315,6 @@ private Q_SLOTS:
     void aDownloadThatIsDroppedWritesNothingMore()
     {
         QFETCH(bool, byClient);
-        if (!byClient && HttpTesting::isUnderWine())
-            QSKIP("Wine does not tell the server of a reset that comes while Qt sets up its "
-                  "events", );
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply("0123456789"));

@@ -7,8 +7,11 @@
 #include <QSslSocket>
 #include <QTimer>
 
+#include <vector>
+
 #ifdef Q_OS_WIN
 #include <winsock2.h>
+#include <ws2tcpip.h>
 #else
 #include <netinet/in.h>
 #include <sys/ioctl.h>
@@ -30,24 +33,51 @@ int completeLength(const QByteArray &bytes)
     return bytes.size() >= length ? length : -1;
 }
 
-/// How many bytes the socket of this process whose own port is @p port has not read yet. Where
-/// sockets cannot be listed, none.
-int unreadAt(quint16 port)
-{
 #ifdef Q_OS_WIN
-    Q_UNUSED(port)
+using Socket = SOCKET;
+using Count = u_long;
+
+// A socket is a handle, and those are small multiples of 4 in a program that has opened little.
+std::vector<Socket> possibleSockets()
+{
+    std::vector<Socket> sockets;
+    for (Socket handle = 4; handle < 2048; handle += 4)
+        sockets.push_back(handle);
+    return sockets;
+}
+
+bool countUnread(Socket socket, Count *count)
+{
+    return ::ioctlsocket(socket, FIONREAD, count) == 0;
+}
 #else
+using Socket = int;
+using Count = int;
+
+std::vector<Socket> possibleSockets()
+{
+    std::vector<Socket> sockets;
     const QStringList descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList();
-    for (const QString &name : descriptors) {
+    for (const QString &name : descriptors)
+        sockets.push_back(name.toInt());
+    return sockets;
+}
+
+bool countUnread(Socket socket, Count *count) { return ::ioctl(socket, FIONREAD, count) == 0; }
+#endif
+
+/// How many bytes the socket of this process whose own port is @p port has not read yet.
+Count unreadAt(quint16 port)
+{
+    for (const Socket socket : possibleSockets()) {
         sockaddr_in address{};
         socklen_t size = sizeof address;
-        int waiting = 0;
-        if (::getsockname(name.toInt(), reinterpret_cast<sockaddr *>(&address), &size) == 0
+        Count waiting = 0;
+        if (::getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size) == 0
             && address.sin_family == AF_INET && ntohs(address.sin_port) == port
-            && ::ioctl(name.toInt(), FIONREAD, &waiting) == 0)
+            && countUnread(socket, &waiting))
             return waiting;
     }
-#endif
     return 0;
 }
 
