@@ -105,7 +105,8 @@ public:
     HttpRequest &formUrlEncodedBody(const QVariantMap &nameToValue);
 
     /// A multi-part form with one file per entry. When one of them cannot be opened, Qt sends the
-    /// whole form empty. CR and LF in the names of parts and files become %0D and %0A.
+    /// whole form empty; on Windows the request fails. CR and LF in the names of parts and files
+    /// become %0D and %0A.
     HttpRequest &fileMapBody(const QMap<QString, QString> &nameToPath);
 
     /// A multi-part form with one text per entry. CR and LF in the names become %0D and %0A.
