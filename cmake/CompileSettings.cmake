@@ -27,4 +27,6 @@ function(vonetwork_qt_settings target)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
     target_compile_definitions(${target} PRIVATE
         QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
+    # The milder form, which a project around may have chosen, is refused by Qt beside the strict one.
+    target_compile_options(${target} PRIVATE -UQT_RESTRICTED_CAST_FROM_ASCII)
 endfunction()

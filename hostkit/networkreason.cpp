@@ -113,7 +113,7 @@ Reason NetworkReason::ofName(const QString &name, const QString &address)
     }
     // Errors of a proxy are from 100 on, what the server had to say of the content from 200 on.
     const int value =
-        QMetaEnum::fromType<QNetworkReply::NetworkError>().keyToValue(name.toLatin1());
+        QMetaEnum::fromType<QNetworkReply::NetworkError>().keyToValue(name.toLatin1().constData());
     if (value > QNetworkReply::UnknownProxyError)
         return answered(wordsOf(name));
     return notAnswered(value > QNetworkReply::UnknownNetworkError ? Kind::Proxy : Kind::Network,
