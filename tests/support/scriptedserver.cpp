@@ -196,8 +196,9 @@ void ScriptedServer::give(QTcpSocket *socket, const Answer &answer)
 void ScriptedServer::closeOnceRead(QTcpSocket *socket)
 {
     if (socket->bytesToWrite() == 0 && unreadAt(socket->peerPort()) == 0)
-        return socket->disconnectFromHost();
-    QTimer::singleShot(1, socket, [socket] { closeOnceRead(socket); });
+        QTimer::singleShot(m_pauseMs, socket, [socket] { socket->disconnectFromHost(); });
+    else
+        QTimer::singleShot(1, socket, [this, socket] { closeOnceRead(socket); });
 }
 
 void ScriptedServer::end(QTcpSocket *socket, Then then)
