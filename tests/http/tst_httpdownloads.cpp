@@ -315,6 +315,8 @@ private Q_SLOTS:
     void aDownloadThatIsDroppedWritesNothingMore()
     {
         QFETCH(bool, byClient);
+        if (!byClient && HttpTesting::isUnderWine())
+            QSKIP("Wine does not always tell the server of the end", );
         ScriptedServer server;
         QVERIFY(server.start());
         server.answer(ScriptedServer::reply("0123456789"));
