@@ -196,9 +196,8 @@ void ScriptedServer::give(QTcpSocket *socket, const Answer &answer)
 void ScriptedServer::closeOnceRead(QTcpSocket *socket)
 {
     if (socket->bytesToWrite() == 0 && unreadAt(socket->peerPort()) == 0)
-        QTimer::singleShot(m_pauseMs, socket, [socket] { socket->disconnectFromHost(); });
-    else
-        QTimer::singleShot(1, socket, [this, socket] { closeOnceRead(socket); });
+        return socket->disconnectFromHost();
+    QTimer::singleShot(1, socket, [socket] { closeOnceRead(socket); });
 }
 
 void ScriptedServer::end(QTcpSocket *socket, Then then)

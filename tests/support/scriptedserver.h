@@ -51,10 +51,6 @@ public:
     /// Adds an answer to the script.
     void answer(const QByteArray &bytes, Then then = Then::Close);
 
-    /// Lets @p ms milliseconds pass between the client's last read and the end of the connection
-    /// that Then::CloseOnceRead makes; none by default.
-    void pauseBeforeEnd(int ms) { m_pauseMs = ms; }
-
     /// Sends these bytes to every connection as soon as it is made, in the clear, and reads nothing
     /// from it.
     void greet(const QByteArray &bytes, Then then);
@@ -79,7 +75,7 @@ public:
                             const QByteArray &headers = QByteArray());
 
     /// Writes @p answer to a connection and does what follows its bytes.
-    void give(QTcpSocket *socket, const Answer &answer);
+    static void give(QTcpSocket *socket, const Answer &answer);
 
 Q_SIGNALS:
     /// A request is complete; its answer follows when the receivers have returned.
@@ -91,12 +87,11 @@ protected:
 private:
     void read(QTcpSocket *socket);
     Answer nextAnswer();
-    void end(QTcpSocket *socket, Then then);
-    void closeOnceRead(QTcpSocket *socket);
+    static void end(QTcpSocket *socket, Then then);
+    static void closeOnceRead(QTcpSocket *socket);
 
     bool m_tls = false;
     QSslConfiguration m_configuration;
-    int m_pauseMs = 0;
     std::optional<Answer> m_greeting;
     QList<Answer> m_answers;
     QList<QByteArray> m_requests;
