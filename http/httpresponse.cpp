@@ -239,13 +239,13 @@ void HttpResponse::serveRequest()
 // Somebody connects to this response, on any thread. The reply is the client's thread's to touch.
 void HttpResponse::connectNotify(const QMetaMethod &signal)
 {
-    const int index = signal.methodIndex();
-    m_everConnected |= ReplyWires::bitOf(index);
+    const quint64 bit = ReplyWires::bitOf(signal.methodIndex());
+    m_everConnected |= bit;
     if (QThread::currentThread() == thread())
-        ReplyWires::connectFor(m_reply, this, index);
+        ReplyWires::connectFor(m_reply, this, bit);
     else
         QMetaObject::invokeMethod(
-            this, [this, index] { ReplyWires::connectFor(m_reply, this, index); },
+            this, [this, bit] { ReplyWires::connectFor(m_reply, this, bit); },
             Qt::QueuedConnection);
 }
 

@@ -49,17 +49,23 @@ enum class Slot {
     Count
 };
 
-/// A signal of the reply, the slot that answers it, and the signal of the response that the slot
-/// emits, by their places in the meta-objects.
+/// A signal of the reply, the slot that answers it, by their places in the meta-objects, and the
+/// signal of the response that the slot emits.
 struct Wire
 {
     Need need;
     int from;
     int slot;
-    int to; ///< -1: none of its own.
+    quint64 to; ///< As bitOf() has it; 0: none of its own.
 };
 
-int indexOf(std::nullptr_t) { return -1; }
+quint64 bitOf(std::nullptr_t) { return 0; }
+
+template <typename Signal>
+quint64 bitOf(Signal signal)
+{
+    return ReplyWires::bitOf(QMetaMethod::fromSignal(signal).methodIndex());
+}
 
 template <typename Signal>
 int indexOf(Signal signal)
@@ -77,7 +83,7 @@ int indexOf(Slot slot)
 template <typename From, typename To>
 Wire wire(Need need, From from, Slot slot, To to)
 {
-    return {need, indexOf(from), indexOf(slot), indexOf(to)};
+    return {need, indexOf(from), indexOf(slot), bitOf(to)};
 }
 
 // In the order in which slots answer the same signal. The indices are looked up once.
@@ -154,18 +160,18 @@ void ReplyWires::connectNeeded(QNetworkReply *reply, HttpResponse *response,
                                const HttpRequestFields &fields, quint64 heard)
 {
     for (const Wire &wire : replyWires()) {
-        if (isNeeded(wire.need, fields) || (heard & bitOf(wire.to)) != 0)
+        if (isNeeded(wire.need, fields) || (heard & wire.to) != 0)
             connectWire(reply, wire, response);
     }
     connectAuthentication(reply, response);
 }
 
-void ReplyWires::connectFor(QNetworkReply *reply, HttpResponse *response, int signal)
+void ReplyWires::connectFor(QNetworkReply *reply, HttpResponse *response, quint64 bit)
 {
     if (!reply)
         return;
     for (const Wire &wire : replyWires()) {
-        if (wire.to == signal)
+        if ((wire.to & bit) != 0)
             connectWire(reply, wire, response);
     }
 }

@@ -19,9 +19,9 @@ quint64 bitOf(int signal);
 void connectNeeded(QNetworkReply *reply, HttpResponse *response, const HttpRequestFields &fields,
                    quint64 heard);
 
-/// Connects what @p response needs to emit its signal at the index @p signal; nothing without a
-/// reply. May be called again.
-void connectFor(QNetworkReply *reply, HttpResponse *response, int signal);
+/// Connects what @p response needs to emit its signal of this @p bit; nothing without a reply. May
+/// be called again.
+void connectFor(QNetworkReply *reply, HttpResponse *response, quint64 bit);
 
 /// Ends the connection of readyRead() to the slot that opens a download's file.
 void disconnectOpening(QNetworkReply *reply, HttpResponse *response);

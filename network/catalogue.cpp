@@ -55,6 +55,18 @@ constexpr struct
     {u"/speechdesk/voice_avatar/avatar_children.png", u"avatar_children.png"},
 };
 
+/// Whether @p list, whose parts are separated by commas, has @p part.
+bool hasPart(QStringView list, QStringView part)
+{
+    for (auto end = list.indexOf(QLatin1Char(',')); end >= 0;
+         end = list.indexOf(QLatin1Char(','))) {
+        if (list.left(end) == part)
+            return true;
+        list = list.mid(end + 1);
+    }
+    return list == part;
+}
+
 BgmInfo *bgmInfoFrom(const QJsonObject &track)
 {
     auto *info = new BgmInfo; // the caller's of GetBgmList()
@@ -129,11 +141,8 @@ DubInfo *VoNetworker::dubInfoFrom(const QJsonObject &voice)
     info->scene = voice.value(QLatin1String("scene")).toString();
     info->audition_url = voice.value(QLatin1String("audition_url")).toString();
     const QString features = voice.value(QLatin1String("supportFeature")).toString();
-    const QVector<QStringRef> words = features.splitRef(QLatin1Char(','));
-    for (const QStringRef &feature : words) {
-        info->supportTTS |= feature == shortSynthesis;
-        info->supportLongTTS |= feature == longSynthesis;
-    }
+    info->supportTTS = hasPart(features, shortSynthesis);
+    info->supportLongTTS = hasPart(features, longSynthesis);
     return info;
 }
 
