@@ -4,8 +4,8 @@
 #include <QThreadStorage>
 #endif
 
-/// The object of type @p T that belongs to the calling thread: made when the thread asks first,
-/// destroyed after the thread's end.
+/// The one object of type @p T that belongs to the calling thread: made when the thread asks first,
+/// destroyed after the thread's end. Whoever asks for the same type gets the same object.
 ///
 /// This is what thread_local is for. But MinGW-w64 gives the memory of a thread's objects back
 /// before it calls their destructors, which then damage the heap; QThreadStorage does not. (With it
