@@ -823,7 +823,8 @@ private:
         row("nobody confirms", command, {code(in(2)), picture, status(0)}, expired, 1);
         row("question refused", command, {code(in(2)), picture, Answers::refusal(5, "no")}, expired,
             1);
-        row("question not answered", command, {code(in(2)), picture, ""}, expired, 1);
+        row("question not answered", command, {code(in(2)), picture, ""},
+            "no answer from " SERVICE_BASE_ADDRESS ": the connection was closed", 3);
         row("somebody without tokens", command, {code(in(3600)), picture, confirmed({})},
             "the service sent no usable session", 1);
     }
