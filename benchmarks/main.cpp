@@ -59,13 +59,15 @@ int main(int argc, char **argv)
     trustAuthority();
     const Work *work = argc == 4 ? workNamed(argv[2]) : nullptr;
     const std::unique_ptr<Contender> contender = work ? contenderNamed(argv[1]) : nullptr;
-    if (!contender)
+    bool isNumber = false;
+    const int count = contender ? QByteArray(argv[3]).toInt(&isNumber) : 0;
+    if (!isNumber)
         qFatal("usage: contest CONTENDER WORK COUNT");
     if (const Work *warmUp = warmUpFor(*work))
         contender->perform(*warmUp, 1);
     std::remove(downloadedFile); // freeing what the disk's cache holds of it is not the download's
     const Meter meter;
-    contender->perform(*work, QByteArray(argv[3]).toInt());
+    contender->perform(*work, count);
     meter.print();
     return 0;
 }

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the library, vospeak and the tests for Windows with MinGW-w64, and runs them with Wine: the
 # demonstration against the local service of this machine, then the tests. For Debian 12, as root or
-# with sudo. OpenSSL and Qt are built once from Debian's sources, which takes an hour, and are kept in
-# build/windows; what is finished there is not done again.
+# with sudo. OpenSSL and Qt are built once from Debian's sources, which takes a quarter of an
+# hour on two idle cores, and are kept in build/windows; what is finished there is not done again.
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "$(dirname "$0")/.."

@@ -2,6 +2,7 @@
 #include "tests/system/home.h"
 #include "tests/system/localservice.h"
 #include "tests/system/program.h"
+#include "tests/system/smalldisk.h"
 #include "tests/system/terminal.h"
 #include "tests/system/words.h"
 
@@ -305,6 +306,22 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 5); // the service does not know the token
         QVERIFY2(mostMemoryOfPrograms() < most,
                  QByteArray::number(mostMemoryOfPrograms()).constData());
+    }
+
+    void aRecordingThatFindsNoRoomWhenItIsConvertedIsAFailure()
+    {
+        const TestFolder temporary;
+        const SmallDisk disk(temporary.path());
+        if (!disk.isThere())
+            QSKIP("this user may not mount anything", );
+        writeSilence(10, "long");
+        disk.fill(4096);
+        qputenv("TMPDIR", QFile::encodeName(temporary.path()));
+        const Outcome outcome = vospeak(arguments("recognize long") + m_service.access());
+        qunsetenv("TMPDIR");
+        QCOMPARE(outcome.err,
+                 QByteArray("vospeak: the converted recording could not be written\n"));
+        QCOMPARE(outcome.status, 1);
     }
 
     void whatTheMicrophoneHearsIsRecognised_data()
